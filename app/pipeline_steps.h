@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/triangle.h"
+#include "steptext/entity_table.h"
+#include "steptext/tessellation_analysis.h"
+
+namespace plenvorith {
+
+/// What both pipelines know of a file once they have read it as text.
+struct AnalyzedFile {
+  EntityTable table;
+  TessellationAnalysis analysis;
+};
+
+/// Reads and analyses the STEP file at `inputPath`: step [1] of both pipelines.
+///
+/// Prints  what is read, the step's header, the number of entities and the name of the status.
+AnalyzedFile readAndAnalyze(const std::string& inputPath);
+
+/// Deletes the copy that `stripTessellation` made of the file at `inputPath`, unless it made none
+/// and `cleanPath` is the input itself.
+void removeCleanCopy(const std::string& cleanPath, const std::string& inputPath);
+
+/// Puts the triangles of the exact geometry first and those of the tessellation behind them.
+std::vector<Triangle> mergeTriangles(std::vector<Triangle> brep,
+                                     std::vector<Triangle> tessellation);
+
+/// The path of one shape's file in split mode: the whole output path, extension included, "_", the
+/// position in the shapes sequence (counted from 0 here and from 1 in the path) and `extension`.
+std::string shapePath(const std::string& outputPath, std::size_t position, const char* extension);
+
+}  // namespace plenvorith

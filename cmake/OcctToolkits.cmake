@@ -1,0 +1,32 @@
+# Offers plenvorith::occt: the toolkits of Open CASCADE Technology that the program links.
+#
+# The kernel's version file accepts exact matches only, so the release is compared here. Its exported
+# targets may name libraries that its development packages do not bring (TBB) and carry no include
+# folder; the toolkits are therefore looked up as libraries, in the folder that the package names.
+find_package(OpenCASCADE REQUIRED)
+set(occt_version
+    ${OpenCASCADE_MAJOR_VERSION}.${OpenCASCADE_MINOR_VERSION}.${OpenCASCADE_MAINTENANCE_VERSION})
+if(occt_version VERSION_LESS 7.5)
+  message(FATAL_ERROR "Plenvorith needs Open CASCADE 7.5 or later (its interfaces take a "
+                      "Message_ProgressRange); found ${occt_version} in ${OpenCASCADE_DIR}")
+endif()
+
+# Release 7.8 gathered the data-exchange toolkits under new names.
+if(occt_version VERSION_LESS 7.8)
+  set(occt_data_exchange TKSTEP TKSTEP209 TKSTEPAttr TKSTEPBase TKSTL)
+else()
+  set(occt_data_exchange TKDESTEP TKDESTL)
+endif()
+
+add_library(plenvorith_occt INTERFACE)
+add_library(plenvorith::occt ALIAS plenvorith_occt)
+target_include_directories(plenvorith_occt SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
+foreach(toolkit IN LISTS occt_data_exchange ITEMS TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel)
+  find_library(
+    occt_${toolkit} ${toolkit} REQUIRED
+    PATHS ${OpenCASCADE_LIBRARY_DIR}
+    NO_DEFAULT_PATH)
+  mark_as_advanced(occt_${toolkit})
+  target_link_libraries(plenvorith_occt INTERFACE ${occt_${toolkit}})
+endforeach()
+message(STATUS "Open CASCADE ${occt_version} in ${OpenCASCADE_LIBRARY_DIR}")

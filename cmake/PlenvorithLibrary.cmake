@@ -1,0 +1,37 @@
+# What every target of ours is compiled with. The floating-point option keeps a multiplication and
+# an addition from being fused, so that the same input gives the same bytes on every processor.
+add_library(plenvorith_flags INTERFACE)
+add_library(plenvorith::flags ALIAS plenvorith_flags)
+target_compile_features(plenvorith_flags INTERFACE cxx_std_20)
+target_compile_options(
+  plenvorith_flags
+  INTERFACE -Wall
+            -Wextra
+            -Wpedantic
+            -Wshadow
+            -Wconversion
+            -Wsign-conversion
+            -Wold-style-cast
+            -ffp-contract=off)
+if(PLENVORITH_SANITIZE)
+  target_compile_options(plenvorith_flags INTERFACE -fsanitize=${PLENVORITH_SANITIZE}
+                                                    -fno-sanitize-recover=all
+                                                    -fno-omit-frame-pointer)
+  target_link_options(plenvorith_flags INTERFACE -fsanitize=${PLENVORITH_SANITIZE})
+endif()
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+# plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...])
+#
+# One static library for one folder of the tree. Its headers are included by their path from the
+# project's root ("steptext/entity_table.h"); USES are the libraries whose headers they include.
+function(plenvorith_library room)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS;SOURCES;USES")
+  set(target plenvorith_${room})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  add_library(plenvorith::${room} ALIAS ${target})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
+                                  FILES ${ARG_HEADERS})
+  target_link_libraries(${target} PRIVATE plenvorith::flags PUBLIC ${ARG_USES})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+endfunction()

@@ -1,0 +1,76 @@
+#include "output/stl_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <ios>
+#include <iostream>
+#include <limits>
+#include <string_view>
+
+namespace plenvorith {
+namespace {
+
+static_assert(std::numeric_limits<float>::is_iec559, "STL files hold IEEE floats");
+
+constexpr std::string_view kTitle = "Plenvorith binary STL";
+constexpr std::size_t kHeaderSize = 80;
+constexpr std::size_t kRecordSize = 50;
+constexpr std::size_t kRecordsPerBlock = 4096;
+
+char* putUint32(char* out, std::uint32_t value) {
+  for (int shift = 0; shift < 32; shift += 8) {
+    *out++ = static_cast<char>(value >> shift & 0xFFU);
+  }
+  return out;
+}
+
+char* putFloat(char* out, double value) {
+  return putUint32(out, std::bit_cast<std::uint32_t>(static_cast<float>(value)));
+}
+
+char* putPoint(char* out, const Point3& point) {
+  return putFloat(putFloat(putFloat(out, point.x), point.y), point.z);
+}
+
+char* putRecord(char* out, const Triangle& triangle) {
+  for (const Point3* point : {&triangle.normal, &triangle.v1, &triangle.v2, &triangle.v3}) {
+    out = putPoint(out, *point);
+  }
+  *out++ = 0;  // attribute byte count
+  *out++ = 0;
+  return out;
+}
+
+}  // namespace
+
+bool writeBinaryStl(const std::string& path, const std::vector<Triangle>& triangles) {
+  std::ofstream file(path, std::ios::binary);
+  if (!file.is_open()) {
+    std::cerr << "Error: Cannot open " << path << " for writing" << std::endl;
+    return false;
+  }
+  std::array<char, kHeaderSize + 4> start{};
+  std::copy(kTitle.begin(), kTitle.end(), start.begin());
+  putUint32(start.data() + kHeaderSize, static_cast<std::uint32_t>(triangles.size()));
+  file.write(start.data(), start.size());
+
+  // A write for every record would cost more than converting it.
+  std::vector<char> block(kRecordsPerBlock * kRecordSize);
+  char* out = block.data();
+  for (const Triangle& triangle : triangles) {
+    out = putRecord(out, triangle);
+    if (out == block.data() + block.size()) {
+      file.write(block.data(), out - block.data());
+      out = block.data();
+    }
+  }
+  file.write(block.data(), out - block.data());
+  file.close();
+  return true;
+}
+
+}  // namespace plenvorith

@@ -1,0 +1,67 @@
+#include "steptext/entity_table.h"
+
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "steptext/entity_start.h"
+#include "steptext/line_reader.h"
+
+namespace plenvorith {
+namespace {
+
+/// Texts from this size on are moved into the table with the spare room that they grew with, which
+/// the system has not backed with memory yet; smaller ones are copied to their exact size.
+constexpr std::size_t kMoveFrom = std::size_t{1} << 20;
+
+std::string_view withoutFinalCarriageReturn(std::string_view line) {
+  if (!line.empty() && line.back() == '\r') {
+    line.remove_suffix(1);
+  }
+  return line;
+}
+
+/// Stores one entity and returns its place, the best hint for the next one: most files number their
+/// entities upwards, and the place of a number is then right behind that of the number before it.
+EntityTable::iterator store(EntityTable& table, EntityTable::iterator previous,
+                            const std::string& name, std::string& text) {
+  const auto hint = previous == table.end() ? previous : std::next(previous);
+  if (text.size() >= kMoveFrom) {
+    return table.insert_or_assign(hint, name, std::move(text));
+  }
+  return table.insert_or_assign(hint, name, text);
+}
+
+}  // namespace
+
+void readEntityTable(EntityTable& table, const std::string& path) {
+  LineReader lines(path);
+  if (!lines.isOpen()) {
+    return;
+  }
+  std::string name;
+  std::string text;
+  auto previous = table.end();
+  std::string_view line;
+  while (lines.next(line)) {
+    line = withoutFinalCarriageReturn(line);
+    const std::size_t nameLength = entityNameLength(line);
+    if (nameLength > 0) {
+      if (!name.empty()) {
+        previous = store(table, previous, name, text);
+      }
+      name.assign(line.substr(0, nameLength));
+      const std::string_view rest = line.substr(nameLength + 1);
+      text.assign(rest.substr(0, rest.find('\r')));
+    } else if (!name.empty()) {
+      text += ' ';
+      text += line;
+    }
+  }
+  if (!name.empty()) {
+    store(table, previous, name, text);
+  }
+}
+
+}  // namespace plenvorith

@@ -1,0 +1,272 @@
+#include "tessellation/step_cursor.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <charconv>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <system_error>
+
+namespace plenvorith {
+namespace {
+
+constexpr bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+bool atCharacter(const StepCursor& cursor, char c) {
+  return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
+}
+
+/// Up to eight decimal digits that stand in a row.
+struct DigitRun {
+  std::uint64_t value;
+  int count;
+};
+
+/// Reads the digits at `begin`, eight characters at a time without a branch for each: most numbers
+/// of a tessellation are shorter, and scanning them one character after the other costs more than
+/// all the rest of the conversion.
+DigitRun readDigits(const char* begin, const char* end) {
+  std::uint64_t chunk = 0;
+  if (end - begin >= 8) {
+    std::memcpy(&chunk, begin, 8);
+  } else if (begin != end) {
+    std::memcpy(&chunk, begin, static_cast<std::size_t>(end - begin));
+  }
+  if constexpr (std::endian::native == std::endian::big) {
+    chunk = __builtin_bswap64(chunk);
+  }
+  // The first character is the lowest byte. A digit becomes its value; all else has one of the
+  // upper four bits set or is above 9, and sets the top bit of its byte in `others`. Bytes above
+  // the first such byte may be wrong then, which does not matter.
+  const std::uint64_t values = chunk ^ 0x3030303030303030U;
+  const std::uint64_t others = ((values + 0x7676767676767676U) | values) & 0x8080808080808080U;
+  const int count = std::countr_zero(others) / 8;  // 8 where there are no others
+  if (count == 0) {
+    return {0, 0};
+  }
+  // Zeros in front bring the digits to eight; then pairs, fours and eights are put together.
+  std::uint64_t digits = values << (64 - 8 * count);
+  digits = digits * 10 + (digits >> 8);
+  digits = ((digits & 0x000000FF000000FFU) * 0x000F424000000064U +
+            ((digits >> 16) & 0x000000FF000000FFU) * 0x0000271000000001U) >>
+           32;
+  return {digits, count};
+}
+
+constexpr std::array<std::uint64_t, 9> kPowersOfTen = {
+    1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+
+/// Appends the digits at `begin` to `mantissa` (modulo 2^64) and returns where they end.
+const char* appendDigits(std::uint64_t& mantissa, const char* begin, const char* end) {
+  while (true) {
+    const DigitRun run = readDigits(begin, end);
+    mantissa = mantissa * kPowersOfTen[static_cast<std::size_t>(run.count)] + run.value;
+    begin += run.count;
+    if (run.count < 8) {
+      return begin;
+    }
+  }
+}
+
+/// Converts any token, with the checks of the standard string conversion.
+double convert(std::string_view token) {
+  double value = 0.0;
+  const bool hasPlus = !token.empty() && token.front() == '+';
+  const char* const first = token.data() + (hasPlus ? 1 : 0);
+  const auto [end, error] = std::from_chars(first, token.data() + token.size(), value);
+  if (error == std::errc::invalid_argument) {
+    throw std::invalid_argument("invalid stod argument");
+  }
+  if (error == std::errc() && std::abs(value) > std::numeric_limits<double>::min()) {
+    return value;
+  }
+  // Overflow, or so small that the C library may report a range error. It does so only where digits
+  // get lost, which it alone can tell; such numbers are rare.
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+  const std::string terminated(token);
+  const int errnoBefore = errno;
+  errno = 0;
+  value = strtod_l(terminated.c_str(), nullptr, cLocale);
+  const bool outOfRange = errno == ERANGE;
+  errno = errnoBefore;
+  if (outOfRange) {
+    throw std::out_of_range("stod argument out of range");
+  }
+  return value;
+}
+
+std::int32_t truncateToInt32(double value) {
+  // Written so that a NaN takes the second way.
+  if (value > -2147483649.0 && value < 2147483648.0) {
+    return static_cast<std::int32_t>(value);
+  }
+  return std::numeric_limits<std::int32_t>::min();
+}
+
+/// Reads "(a,b,c)" items into `items` until something else comes, then the outer ")" if it is
+/// there.
+template <typename Item, typename MakeItem>
+void parseTriples(StepCursor& cursor, std::vector<Item>& items, MakeItem makeItem) {
+  while (nextIs(cursor, '(')) {
+    ++cursor.pos;
+    const double a = parseNumber(cursor);
+    consumeIf(cursor, ',');
+    const double b = parseNumber(cursor);
+    consumeIf(cursor, ',');
+    const double c = parseNumber(cursor);
+    consumeIf(cursor, ')');
+    items.push_back(makeItem(a, b, c));
+    consumeIf(cursor, ',');
+  }
+  consumeIf(cursor, ')');
+}
+
+}  // namespace
+
+void skipWhitespace(StepCursor& cursor) {
+  while (cursor.pos < cursor.text.size() && isBlank(cursor.text[cursor.pos])) {
+    ++cursor.pos;
+  }
+}
+
+bool nextIs(StepCursor& cursor, char c) {
+  skipWhitespace(cursor);
+  return atCharacter(cursor, c);
+}
+
+void consumeIf(StepCursor& cursor, char c) {
+  if (nextIs(cursor, c)) {
+    ++cursor.pos;
+  }
+}
+
+double parseNumber(StepCursor& cursor) {
+  skipWhitespace(cursor);
+  const std::string_view rest = cursor.text.substr(std::min(cursor.pos, cursor.text.size()));
+  const char* const begin = rest.data();
+  const char* const end = begin + rest.size();
+  const auto isNext = [end](const char* p, char c) { return p != end && *p == c; };
+
+  const char* p = begin;
+  const bool negative = isNext(p, '-');
+  if (negative || isNext(p, '+')) {
+    ++p;
+  }
+  std::uint64_t mantissa = 0;
+  const char* const integerDigits = p;
+  p = appendDigits(mantissa, p, end);
+  std::ptrdiff_t digitCount = p - integerDigits;
+  std::ptrdiff_t exponent = 0;
+  if (isNext(p, '.')) {
+    const char* const fractionDigits = ++p;
+    p = appendDigits(mantissa, p, end);
+    exponent = fractionDigits - p;
+    digitCount -= exponent;
+  }
+  bool plain = true;
+  if (isNext(p, 'E') || isNext(p, 'e')) {
+    ++p;
+    const bool negativeExponent = isNext(p, '-');
+    if (negativeExponent || isNext(p, '+')) {
+      ++p;
+    }
+    std::uint64_t digits = 0;
+    const char* const exponentDigits = p;
+    p = appendDigits(digits, p, end);
+    plain = p - exponentDigits <= 8;
+    if (plain) {
+      const auto written = static_cast<std::ptrdiff_t>(digits);
+      exponent += negativeExponent ? -written : written;
+    }
+  }
+  cursor.pos += static_cast<std::size_t>(p - begin);
+
+  // A whole number and a power of ten that are both exact doubles give, in one multiplication or
+  // division, the correctly rounded result. Nineteen digits fit 64 bits.
+  static constexpr std::array<double, 23> kExactPowersOfTen = {
+      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr std::uint64_t kLargestExact = std::uint64_t{1} << 53;
+  plain = plain && digitCount > 0 && digitCount <= 19 && mantissa <= kLargestExact &&
+          exponent >= -22 && exponent <= 22;
+  if (!plain) {
+    return convert({begin, static_cast<std::size_t>(p - begin)});
+  }
+  const auto whole = static_cast<double>(static_cast<std::int64_t>(mantissa));
+  const double magnitude = exponent < 0
+                               ? whole / kExactPowersOfTen[static_cast<std::size_t>(-exponent)]
+                               : whole * kExactPowersOfTen[static_cast<std::size_t>(exponent)];
+  return negative ? -magnitude : magnitude;
+}
+
+std::string parseReference(StepCursor& cursor) {
+  if (!nextIs(cursor, '#')) {
+    return {};
+  }
+  const std::size_t start = cursor.pos++;
+  while (cursor.pos < cursor.text.size() && isDigit(cursor.text[cursor.pos])) {
+    ++cursor.pos;
+  }
+  return std::string(cursor.text.substr(start, cursor.pos - start));
+}
+
+void skipQuotedString(StepCursor& cursor) {
+  if (!nextIs(cursor, '\'')) {
+    return;
+  }
+  const std::size_t closing = cursor.text.find('\'', cursor.pos + 1);
+  cursor.pos = closing == std::string_view::npos ? cursor.text.size() : closing + 1;
+}
+
+void skipParenthesisedGroup(StepCursor& cursor) {
+  const std::string_view text = cursor.text;
+  std::size_t depth = 0;
+  while (cursor.pos < text.size()) {
+    const char c = text[cursor.pos];
+    if (c == '(') {
+      ++depth;
+    } else if (c == ')') {
+      --depth;
+    } else if (c == '\'') {
+      cursor.pos = std::min(text.find('\'', cursor.pos + 1), text.size());
+    }
+    ++cursor.pos;
+    if (c == ')' && depth == 0) {
+      return;
+    }
+  }
+}
+
+std::vector<Point3> parsePointList(StepCursor& cursor) {
+  std::vector<Point3> points;
+  consumeIf(cursor, '(');
+  parseTriples(cursor, points, [](double x, double y, double z) { return Point3{x, y, z}; });
+  return points;
+}
+
+std::vector<IndexTriple> parseIndexTriples(StepCursor& cursor) {
+  std::vector<IndexTriple> triples;
+  if (!nextIs(cursor, '(')) {
+    return triples;
+  }
+  ++cursor.pos;
+  // An empty list ends at its ")" like any other.
+  parseTriples(cursor, triples, [](double i, double j, double k) {
+    return IndexTriple{truncateToInt32(i), truncateToInt32(j), truncateToInt32(k)};
+  });
+  return triples;
+}
+
+}  // namespace plenvorith
