@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "brep/brep_reader.h"
 #include "common/triangle.h"
 #include "steptext/entity_table.h"
 #include "steptext/tessellation_analysis.h"
@@ -19,6 +20,9 @@ struct AnalyzedFile {
 ///
 /// Prints  what is read, the step's header, the number of entities and the name of the status.
 AnalyzedFile readAndAnalyze(const std::string& inputPath);
+
+/// Reads the exact geometry of the file at `path` like `readBrepShapes`, with memory set up for it.
+bool readExactGeometry(const std::string& path, Shapes& shapes);
 
 /// Deletes the copy that `stripTessellation` made of the file at `inputPath`, unless it made none
 /// and `cleanPath` is the input itself.

@@ -30,7 +30,13 @@ EntityTable::iterator store(EntityTable& table, EntityTable::iterator previous,
   if (text.size() >= kMoveFrom) {
     return table.insert_or_assign(hint, name, std::move(text));
   }
-  return table.insert_or_assign(hint, name, text);
+  // Looks for the place once, where insert_or_assign does so twice.
+  const std::size_t sizeBefore = table.size();
+  const auto place = table.emplace_hint(hint, name, text);
+  if (table.size() == sizeBefore) {
+    place->second = text;
+  }
+  return place;
 }
 
 }  // namespace

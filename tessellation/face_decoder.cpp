@@ -1,11 +1,14 @@
 #include "tessellation/face_decoder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "common/reserve.h"
 #include "tessellation/step_cursor.h"
 
 namespace plenvorith {
@@ -84,6 +87,12 @@ const std::vector<Point3>* findPoints(const EntityTable& table, const std::strin
   return &cache.emplace(name, parseCoordinates(entity->second)).first->second;
 }
 
+/// A face whose points are known, by the cache that holds them.
+struct LocatedFace {
+  const std::vector<Point3>* points;
+  std::vector<IndexTriple> triples;
+};
+
 void appendTriangles(std::vector<Triangle>& triangles, const std::vector<Point3>& points,
                      const std::vector<IndexTriple>& triples) {
   const auto isPoint = [&points](std::int32_t index) {
@@ -103,17 +112,26 @@ void appendTriangles(std::vector<Triangle>& triangles, const std::vector<Point3>
 
 std::vector<Triangle> decodeTriangulatedFaces(const EntityTable& table,
                                               const InstanceNames& faceIds) {
-  std::vector<Triangle> triangles;
+  // All faces are scanned before the first triangle is made: their number is known then, and the
+  // triangles, by far the largest part of the memory, need not grow by copying.
   CoordinatesCache cache;
+  std::vector<LocatedFace> faces;
+  std::size_t tripleCount = 0;
   for (const std::string& faceId : faceIds) {
     const auto entity = table.find(faceId);
     if (entity == table.end() || !isFace(entity->second)) {
       continue;
     }
-    const Face face = parseFace(entity->second);
+    Face face = parseFace(entity->second);
     if (const auto* points = findPoints(table, face.coordinates, cache)) {
-      appendTriangles(triangles, *points, face.triples);
+      tripleCount += face.triples.size();
+      faces.push_back({points, std::move(face.triples)});
     }
+  }
+  std::vector<Triangle> triangles;
+  reserveLarge(triangles, tripleCount);
+  for (const LocatedFace& face : faces) {
+    appendTriangles(triangles, *face.points, face.triples);
   }
   return triangles;
 }

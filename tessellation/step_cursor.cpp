@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "common/reserve.h"
+
 namespace plenvorith {
 namespace {
 
@@ -68,18 +70,6 @@ DigitRun readDigits(const char* begin, const char* end) {
 constexpr std::array<std::uint64_t, 9> kPowersOfTen = {
     1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
 
-/// Appends the digits at `begin` to `mantissa` (modulo 2^64) and returns where they end.
-const char* appendDigits(std::uint64_t& mantissa, const char* begin, const char* end) {
-  while (true) {
-    const DigitRun run = readDigits(begin, end);
-    mantissa = mantissa * kPowersOfTen[static_cast<std::size_t>(run.count)] + run.value;
-    begin += run.count;
-    if (run.count < 8) {
-      return begin;
-    }
-  }
-}
-
 /// Converts any token, with the checks of the standard string conversion.
 double convert(std::string_view token) {
   double value = 0.0;
@@ -115,22 +105,151 @@ std::int32_t truncateToInt32(double value) {
   return std::numeric_limits<std::int32_t>::min();
 }
 
+/// A cursor for the loops that read most of a file: it lives in registers, and hands its place back
+/// to the cursor that it was made from when it goes out of scope, on an error too.
+class FastCursor {
+ public:
+  explicit FastCursor(StepCursor& cursor)
+      : cursor_(cursor),
+        p_(cursor.text.data() + std::min(cursor.pos, cursor.text.size())),
+        end_(cursor.text.data() + cursor.text.size()) {}
+  ~FastCursor() {
+    const auto pos = static_cast<std::size_t>(p_ - cursor_.text.data());
+    cursor_.pos = std::max(cursor_.pos, pos);  // which may stand behind the end
+  }
+  FastCursor(const FastCursor&) = delete;
+  FastCursor& operator=(const FastCursor&) = delete;
+
+  bool nextIs(char c) {
+    skipBlanks();
+    return isHere(c);
+  }
+  void consumeIf(char c) {
+    p_ += nextIs(c) ? 1 : 0;
+  }
+  /// How often `c` stands in the rest of the text.
+  std::size_t count(char c) const;
+  std::size_t size() const {
+    return static_cast<std::size_t>(end_ - p_);
+  }
+  double parseNumber();
+
+ private:
+  void skipBlanks() {
+    while (p_ != end_ && isBlank(*p_)) {
+      ++p_;
+    }
+  }
+  bool isHere(char c) const {
+    return p_ != end_ && *p_ == c;
+  }
+  bool consumeHere(char c) {
+    const bool here = isHere(c);
+    p_ += here ? 1 : 0;
+    return here;
+  }
+  /// Consumes digits, appends them to `number` (modulo 2^64) and returns how many there were.
+  std::ptrdiff_t consumeDigits(std::uint64_t& number);
+
+  StepCursor& cursor_;
+  const char* p_;
+  const char* end_;
+};
+
+/// Counts in blocks whose count fits a byte, which the compiler turns into wide instructions; with
+/// `std::count` this took a third of the time of decoding.
+inline std::size_t FastCursor::count(char c) const {
+  constexpr std::ptrdiff_t kBlock = 128;
+  std::size_t total = 0;
+  const char* block = p_;
+  for (; end_ - block >= kBlock; block += kBlock) {
+    std::uint8_t inBlock = 0;
+    for (std::ptrdiff_t i = 0; i < kBlock; ++i) {
+      inBlock = static_cast<std::uint8_t>(inBlock + (block[i] == c ? 1 : 0));
+    }
+    total += inBlock;
+  }
+  return total + static_cast<std::size_t>(std::count(block, end_, c));
+}
+
+inline std::ptrdiff_t FastCursor::consumeDigits(std::uint64_t& number) {
+  const char* const begin = p_;
+  while (true) {
+    const DigitRun run = readDigits(p_, end_);
+    number = number * kPowersOfTen[static_cast<std::size_t>(run.count)] + run.value;
+    p_ += run.count;
+    if (run.count < 8) {
+      return p_ - begin;
+    }
+  }
+}
+
+inline double FastCursor::parseNumber() {
+  skipBlanks();
+  const char* const begin = p_;
+  const bool negative = consumeHere('-');
+  if (!negative) {
+    consumeHere('+');
+  }
+  std::uint64_t mantissa = 0;
+  std::ptrdiff_t digitCount = consumeDigits(mantissa);
+  std::ptrdiff_t exponent = 0;
+  if (consumeHere('.')) {
+    const std::ptrdiff_t fractionDigits = consumeDigits(mantissa);
+    digitCount += fractionDigits;
+    exponent = -fractionDigits;
+  }
+  bool plain = true;
+  if (consumeHere('E') || consumeHere('e')) {
+    const bool negativeExponent = consumeHere('-');
+    if (!negativeExponent) {
+      consumeHere('+');
+    }
+    std::uint64_t digits = 0;
+    plain = consumeDigits(digits) <= 8;
+    if (plain) {
+      const auto written = static_cast<std::ptrdiff_t>(digits);
+      exponent += negativeExponent ? -written : written;
+    }
+  }
+
+  // A whole number and a power of ten that are both exact doubles give, in one multiplication or
+  // division, the correctly rounded result. Nineteen digits fit 64 bits.
+  static constexpr std::array<double, 23> kExactPowersOfTen = {
+      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr std::uint64_t kLargestExact = std::uint64_t{1} << 53;
+  plain = plain && digitCount > 0 && digitCount <= 19 && mantissa <= kLargestExact &&
+          exponent >= -22 && exponent <= 22;
+  if (!plain) {
+    return convert({begin, static_cast<std::size_t>(p_ - begin)});
+  }
+  const auto whole = static_cast<double>(static_cast<std::int64_t>(mantissa));
+  const double magnitude = exponent < 0
+                               ? whole / kExactPowersOfTen[static_cast<std::size_t>(-exponent)]
+                               : whole * kExactPowersOfTen[static_cast<std::size_t>(exponent)];
+  return negative ? -magnitude : magnitude;
+}
+
 /// Reads "(a,b,c)" items into `items` until something else comes, then the outer ")" if it is
 /// there.
 template <typename Item, typename MakeItem>
 void parseTriples(StepCursor& cursor, std::vector<Item>& items, MakeItem makeItem) {
-  while (nextIs(cursor, '(')) {
-    ++cursor.pos;
-    const double a = parseNumber(cursor);
-    consumeIf(cursor, ',');
-    const double b = parseNumber(cursor);
-    consumeIf(cursor, ',');
-    const double c = parseNumber(cursor);
-    consumeIf(cursor, ')');
+  FastCursor fast(cursor);
+  // Every item has one parenthesis and takes at least the seven characters of "(1,2,3)".
+  reserveLarge(items, std::min(fast.count('('), fast.size() / 7));
+  while (fast.nextIs('(')) {
+    fast.consumeIf('(');
+    const double a = fast.parseNumber();
+    fast.consumeIf(',');
+    const double b = fast.parseNumber();
+    fast.consumeIf(',');
+    const double c = fast.parseNumber();
+    fast.consumeIf(')');
     items.push_back(makeItem(a, b, c));
-    consumeIf(cursor, ',');
+    fast.consumeIf(',');
   }
-  consumeIf(cursor, ')');
+  fast.consumeIf(')');
 }
 
 }  // namespace
@@ -153,62 +272,7 @@ void consumeIf(StepCursor& cursor, char c) {
 }
 
 double parseNumber(StepCursor& cursor) {
-  skipWhitespace(cursor);
-  const std::string_view rest = cursor.text.substr(std::min(cursor.pos, cursor.text.size()));
-  const char* const begin = rest.data();
-  const char* const end = begin + rest.size();
-  const auto isNext = [end](const char* p, char c) { return p != end && *p == c; };
-
-  const char* p = begin;
-  const bool negative = isNext(p, '-');
-  if (negative || isNext(p, '+')) {
-    ++p;
-  }
-  std::uint64_t mantissa = 0;
-  const char* const integerDigits = p;
-  p = appendDigits(mantissa, p, end);
-  std::ptrdiff_t digitCount = p - integerDigits;
-  std::ptrdiff_t exponent = 0;
-  if (isNext(p, '.')) {
-    const char* const fractionDigits = ++p;
-    p = appendDigits(mantissa, p, end);
-    exponent = fractionDigits - p;
-    digitCount -= exponent;
-  }
-  bool plain = true;
-  if (isNext(p, 'E') || isNext(p, 'e')) {
-    ++p;
-    const bool negativeExponent = isNext(p, '-');
-    if (negativeExponent || isNext(p, '+')) {
-      ++p;
-    }
-    std::uint64_t digits = 0;
-    const char* const exponentDigits = p;
-    p = appendDigits(digits, p, end);
-    plain = p - exponentDigits <= 8;
-    if (plain) {
-      const auto written = static_cast<std::ptrdiff_t>(digits);
-      exponent += negativeExponent ? -written : written;
-    }
-  }
-  cursor.pos += static_cast<std::size_t>(p - begin);
-
-  // A whole number and a power of ten that are both exact doubles give, in one multiplication or
-  // division, the correctly rounded result. Nineteen digits fit 64 bits.
-  static constexpr std::array<double, 23> kExactPowersOfTen = {
-      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-  constexpr std::uint64_t kLargestExact = std::uint64_t{1} << 53;
-  plain = plain && digitCount > 0 && digitCount <= 19 && mantissa <= kLargestExact &&
-          exponent >= -22 && exponent <= 22;
-  if (!plain) {
-    return convert({begin, static_cast<std::size_t>(p - begin)});
-  }
-  const auto whole = static_cast<double>(static_cast<std::int64_t>(mantissa));
-  const double magnitude = exponent < 0
-                               ? whole / kExactPowersOfTen[static_cast<std::size_t>(-exponent)]
-                               : whole * kExactPowersOfTen[static_cast<std::size_t>(exponent)];
-  return negative ? -magnitude : magnitude;
+  return FastCursor(cursor).parseNumber();
 }
 
 std::string parseReference(StepCursor& cursor) {
