@@ -10,6 +10,7 @@
 #include <cstring>
 #include <vector>
 
+#include "app/allocator.h"
 #include "bench/stopwatch.h"
 #include "common/triangle.h"
 #include "output/stl_writer.h"
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
   if (argc < 3) {
     return 2;
   }
+  plenvorith::allocateLargePages(true);
   if (std::strcmp(argv[1], "write") == 0) {
     std::vector<plenvorith::Triangle> triangles(std::strtoull(argv[3], nullptr, 10));
     for (std::size_t i = 0; i < triangles.size(); ++i) {
