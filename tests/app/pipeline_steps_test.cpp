@@ -21,6 +21,7 @@ Triangle numbered(double number) {
 
 std::vector<double> numbersOf(const std::vector<Triangle>& triangles) {
   std::vector<double> numbers;
+  numbers.reserve(triangles.size());
   for (const Triangle& t : triangles) {
     numbers.push_back(t.v1.x);
   }

@@ -28,7 +28,6 @@ namespace {
 
 using test::boxAt;
 using test::flatFace;
-using test::operator-;
 using test::translation;
 using testing::IsEmpty;
 
@@ -73,7 +72,7 @@ TEST(BrepMesher, BoxIsTwelveTrianglesWithNormalsToTheOutside) {
   const Point3 centre = {5, 10, 15};
   for (const Triangle& t : triangles) {
     EXPECT_NEAR(test::length(t.normal), 1, 1e-12);
-    EXPECT_GT(test::dot(t.normal, t.v1 - centre), 0);
+    EXPECT_GT(test::dot(t.normal, test::difference(t.v1, centre)), 0);
     for (const Point3& p : test::cornersOf(t)) {
       EXPECT_TRUE(p.x == 0 || p.x == 10);
       EXPECT_TRUE(p.y == 0 || p.y == 20);

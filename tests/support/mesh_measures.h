@@ -8,7 +8,8 @@
 
 namespace plenvorith::test {
 
-inline Point3 operator-(const Point3& a, const Point3& b) {
+/// From `b` to `a`.
+inline Point3 difference(const Point3& a, const Point3& b) {
   return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
 
@@ -27,7 +28,7 @@ inline double length(const Point3& a) {
 inline double areaOf(const std::vector<Triangle>& triangles) {
   double area = 0.0;
   for (const Triangle& t : triangles) {
-    area += length(cross(t.v2 - t.v1, t.v3 - t.v1)) / 2;
+    area += length(cross(difference(t.v2, t.v1), difference(t.v3, t.v1))) / 2;
   }
   return area;
 }
