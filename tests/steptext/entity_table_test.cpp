@@ -180,10 +180,10 @@ TEST(EntityTable, ReadsLinesOfEveryLengthRoundPowersOfTwo) {
 }
 
 TEST(EntityTable, AgreesWithTheRegularExpressionOnEveryShortFile) {
-  forEveryString({"#", "1", "=", "\r", "\n", "A"}, 6, [](const std::string& content) {
+  forEveryString({"#", "1", "=", "\r", "\n", "A"}, 5, [](const std::string& content) {
     ASSERT_EQ(tableOf(content), referenceEntityTable(content)) << content;
   });
-  forEveryString({"#1=", "#2=", "=", " ", "\r", "\n", ";"}, 5, [](const std::string& content) {
+  forEveryString({"#1=", "#2=", "\r", "\n", ";"}, 5, [](const std::string& content) {
     ASSERT_EQ(tableOf(content), referenceEntityTable(content)) << content;
   });
 }
@@ -194,7 +194,7 @@ TEST(EntityTable, AgreesWithTheRegularExpressionOnRandomFiles) {
       "\r\n", "\r",    " ",        "\t",    ";",   "\0"s,   "\xFF",   "'",  "A",
       "(#1)", "\n#6=", "\xC3\xA9", "/* */", "\f",  "\x85",  "\v"};
   std::mt19937 random(1);
-  for (int i = 0; i < 20'000; ++i) {
+  for (int i = 0; i < 10'000; ++i) {
     const std::string content = randomText(random, pieces, 40);
     ASSERT_EQ(tableOf(content), referenceEntityTable(content)) << content;
   }
