@@ -29,6 +29,10 @@ class MemoryFile {
                                               static_cast<ssize_t>(content.size())) {
       throw std::runtime_error("cannot write to a memory file");
     }
+    return path();
+  }
+
+  std::string path() const {
     return "/proc/self/fd/" + std::to_string(descriptor_);
   }
 
