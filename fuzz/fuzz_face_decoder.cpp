@@ -1,0 +1,30 @@
+// Input: the content of a STEP file.
+
+#include "common/instance_names.h"
+#include "fuzz/fuzz_target.h"
+#include "tessellation/face_decoder.h"
+#include "tests/reference/reference_entity_table.h"
+#include "tests/reference/reference_face_decoder.h"
+#include "tests/support/outcome.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace plenvorith;
+  if (size > fuzz::kMaxInput) {
+    return 0;
+  }
+  const EntityTable table = test::referenceEntityTable(fuzz::textOf(data, size));
+  fuzz::require(test::outcomeOf([&] { return decodeAllTriangulatedFaces(table); }) ==
+                    test::outcomeOf([&] { return test::referenceDecodeAll(table); }),
+                "all faces");
+  // Names with an odd last digit, whatever they name, and one that names nothing.
+  InstanceNames names = {"#"};
+  for (const auto& [name, text] : table) {
+    if ((name.back() - '0') % 2 == 1) {
+      names.insert(name);
+    }
+  }
+  fuzz::require(test::outcomeOf([&] { return decodeTriangulatedFaces(table, names); }) ==
+                    test::outcomeOf([&] { return test::referenceDecode(table, names); }),
+                "named faces");
+  return 0;
+}

@@ -1,0 +1,180 @@
+#include "tests/reference/reference_step_cursor.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+
+#include <locale.h>
+#include <stdlib.h>
+
+namespace plenvorith::test {
+namespace {
+
+bool isNow(const StepCursor& cursor, char c) {
+  return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
+}
+
+void skipDigits(StepCursor& cursor) {
+  while (cursor.pos < cursor.text.size() && cursor.text[cursor.pos] >= '0' &&
+         cursor.text[cursor.pos] <= '9') {
+    ++cursor.pos;
+  }
+}
+
+void skipSign(StepCursor& cursor) {
+  if (isNow(cursor, '-') || isNow(cursor, '+')) {
+    ++cursor.pos;
+  }
+}
+
+/// strtod with the checks of std::stod.
+double toDouble(const std::string& token) {
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+  errno = 0;
+  char* end = nullptr;
+  const double value = strtod_l(token.c_str(), &end, cLocale);
+  if (end == token.c_str()) {
+    throw std::invalid_argument("invalid stod argument");
+  }
+  if (errno == ERANGE) {
+    throw std::out_of_range("stod argument out of range");
+  }
+  return value;
+}
+
+std::int32_t toInt32(double value) {
+  const double truncated = std::trunc(value);
+  if (truncated >= -2147483648.0 && truncated <= 2147483647.0) {
+    return static_cast<std::int32_t>(truncated);
+  }
+  return std::numeric_limits<std::int32_t>::min();
+}
+
+Point3 parseThreeNumbers(StepCursor& cursor) {
+  Point3 point;
+  referenceConsumeIf(cursor, '(');
+  point.x = referenceParseNumber(cursor);
+  referenceConsumeIf(cursor, ',');
+  point.y = referenceParseNumber(cursor);
+  referenceConsumeIf(cursor, ',');
+  point.z = referenceParseNumber(cursor);
+  referenceConsumeIf(cursor, ')');
+  return point;
+}
+
+}  // namespace
+
+void referenceSkipWhitespace(StepCursor& cursor) {
+  while (isNow(cursor, ' ') || isNow(cursor, '\t') || isNow(cursor, '\r') || isNow(cursor, '\n')) {
+    ++cursor.pos;
+  }
+}
+
+bool referenceNextIs(StepCursor& cursor, char c) {
+  referenceSkipWhitespace(cursor);
+  return isNow(cursor, c);
+}
+
+void referenceConsumeIf(StepCursor& cursor, char c) {
+  referenceSkipWhitespace(cursor);
+  if (isNow(cursor, c)) {
+    ++cursor.pos;
+  }
+}
+
+double referenceParseNumber(StepCursor& cursor) {
+  referenceSkipWhitespace(cursor);
+  const std::size_t start = cursor.pos;
+  skipSign(cursor);
+  skipDigits(cursor);
+  if (isNow(cursor, '.')) {
+    ++cursor.pos;
+    skipDigits(cursor);
+  }
+  if (isNow(cursor, 'E') || isNow(cursor, 'e')) {
+    ++cursor.pos;
+    skipSign(cursor);
+    skipDigits(cursor);
+  }
+  std::string token;
+  for (std::size_t i = start; i < cursor.pos; ++i) {
+    token += cursor.text[i];
+  }
+  return toDouble(token);
+}
+
+std::string referenceParseReference(StepCursor& cursor) {
+  referenceSkipWhitespace(cursor);
+  if (!isNow(cursor, '#')) {
+    return "";
+  }
+  const std::size_t start = cursor.pos;
+  ++cursor.pos;
+  skipDigits(cursor);
+  return std::string(cursor.text.substr(start, cursor.pos - start));
+}
+
+void referenceSkipQuotedString(StepCursor& cursor) {
+  referenceSkipWhitespace(cursor);
+  if (!isNow(cursor, '\'')) {
+    return;
+  }
+  ++cursor.pos;
+  while (cursor.pos < cursor.text.size() && cursor.text[cursor.pos] != '\'') {
+    ++cursor.pos;
+  }
+  if (cursor.pos < cursor.text.size()) {
+    ++cursor.pos;
+  }
+}
+
+void referenceSkipParenthesisedGroup(StepCursor& cursor) {
+  int depth = 0;
+  do {
+    if (isNow(cursor, '(')) {
+      ++depth;
+    } else if (isNow(cursor, ')')) {
+      if (depth == 1) {
+        ++cursor.pos;
+        return;
+      }
+      --depth;
+    } else if (isNow(cursor, '\'')) {
+      ++cursor.pos;
+      while (cursor.pos < cursor.text.size() && cursor.text[cursor.pos] != '\'') {
+        ++cursor.pos;
+      }
+    }
+    ++cursor.pos;
+  } while (cursor.pos < cursor.text.size());
+}
+
+std::vector<Point3> referenceParsePointList(StepCursor& cursor) {
+  std::vector<Point3> points;
+  referenceConsumeIf(cursor, '(');
+  while (referenceNextIs(cursor, '(')) {
+    points.push_back(parseThreeNumbers(cursor));
+    referenceConsumeIf(cursor, ',');
+  }
+  referenceConsumeIf(cursor, ')');
+  return points;
+}
+
+std::vector<IndexTriple> referenceParseIndexTriples(StepCursor& cursor) {
+  std::vector<IndexTriple> triples;
+  if (!referenceNextIs(cursor, '(')) {
+    return triples;
+  }
+  referenceConsumeIf(cursor, '(');
+  while (referenceNextIs(cursor, '(')) {
+    const Point3 numbers = parseThreeNumbers(cursor);
+    triples.push_back({toInt32(numbers.x), toInt32(numbers.y), toInt32(numbers.z)});
+    referenceConsumeIf(cursor, ',');
+  }
+  referenceConsumeIf(cursor, ')');
+  return triples;
+}
+
+}  // namespace plenvorith::test

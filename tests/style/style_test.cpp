@@ -1,0 +1,252 @@
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+using test::readFile;
+using testing::IsEmpty;
+
+/// What a room may include besides its own headers and the standard library.
+struct Room {
+  std::set<std::string> uses;  ///< rooms, or single headers
+  bool mayUseKernel = false;
+};
+
+const std::map<std::string, Room> kRooms = {
+    {"common", {}},
+    {"steptext", {{"common"}}},
+    {"output", {{"common"}}},
+    {"tessellation", {{"common", "steptext/entity_table.h"}}},
+    {"brep", {{"common"}, true}},
+    {"app", {{"common", "steptext", "tessellation", "brep", "output"}, true}},
+};
+
+struct SourceFile {
+  std::string room;
+  std::string path;  ///< from the root of the project
+  std::string code;  ///< without comments
+};
+
+/// Replaces comments by nothing; strings and characters stay.
+std::string withoutComments(const std::string& text) {
+  static const std::regex comment(R"re(("(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*')|//[^\n]*)re");
+  return std::regex_replace(text, comment, "$1");
+}
+
+/// Replaces strings and characters by nothing.
+std::string withoutLiterals(const std::string& code) {
+  static const std::regex literal(R"re("(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*')re");
+  return std::regex_replace(code, literal, "");
+}
+
+const std::vector<SourceFile>& productFiles() {
+  static const std::vector<SourceFile> files = [] {
+    const std::filesystem::path root = PLENVORITH_SOURCE_DIR;
+    std::vector<SourceFile> found;
+    for (const auto& [room, rules] : kRooms) {
+      for (const auto& entry : std::filesystem::recursive_directory_iterator(root / room)) {
+        const std::string extension = entry.path().extension();
+        if (extension == ".h" || extension == ".cpp") {
+          found.push_back({room, std::filesystem::relative(entry.path(), root),
+                           withoutComments(readFile(entry.path()))});
+        }
+      }
+    }
+    return found;
+  }();
+  return files;
+}
+
+bool contains(const std::string& text, const std::regex& pattern) {
+  return std::regex_search(text, pattern);
+}
+
+/// The headers that a file includes, with their quotation marks or angle brackets.
+std::vector<std::string> includesOf(const SourceFile& file) {
+  static const std::regex directive(R"re(#\s*include\s*(\S+))re");
+  std::vector<std::string> includes;
+  for (std::sregex_iterator match(file.code.begin(), file.code.end(), directive), end; match != end;
+       ++match) {
+    includes.push_back((*match)[1]);
+  }
+  return includes;
+}
+
+bool isOurs(const std::string& include) {
+  return include.front() == '"';
+}
+
+bool isStandard(const std::string& include) {
+  static const std::regex standard("<[a-z_]+>");
+  return std::regex_match(include, standard);
+}
+
+/// 1 own header, 2 standard library, 3 other libraries, 4 our own.
+int groupOf(const SourceFile& file, const std::string& include) {
+  std::string own = file.path.substr(0, file.path.rfind('.'));
+  if (include == '"' + own + ".h\"") {
+    return 1;
+  }
+  if (isOurs(include)) {
+    return 4;
+  }
+  return isStandard(include) ? 2 : 3;
+}
+
+/// The paths of the files whose code, without strings, matches.
+std::vector<std::string> filesWith(const std::string& pattern) {
+  const std::regex expression(pattern);
+  std::vector<std::string> paths;
+  for (const SourceFile& file : productFiles()) {
+    if (contains(withoutLiterals(file.code), expression)) {
+      paths.push_back(file.path);
+    }
+  }
+  return paths;
+}
+
+TEST(Style, FindsTheRoomsItLooksAt) {
+  std::map<std::string, int> counts;
+  for (const SourceFile& file : productFiles()) {
+    ++counts[file.room];
+  }
+  EXPECT_EQ(counts.size(), kRooms.size());
+}
+
+TEST(Style, SourcesAreInRoomsOnly) {
+  const std::set<std::string> others = {"tests", "bench", "fuzz", "samples", "build"};
+  for (const auto& entry : std::filesystem::directory_iterator(PLENVORITH_SOURCE_DIR)) {
+    const std::string name = entry.path().filename();
+    if (!entry.is_directory() || name.front() == '.' || kRooms.count(name) == 1 ||
+        others.count(name) == 1) {
+      continue;
+    }
+    for (const auto& file : std::filesystem::recursive_directory_iterator(entry)) {
+      EXPECT_NE(file.path().extension(), ".cpp") << file.path();
+    }
+  }
+}
+
+TEST(Style, RoomsIncludeOnlyWhatTheyMay) {
+  for (const SourceFile& file : productFiles()) {
+    const Room& rules = kRooms.at(file.room);
+    for (const std::string& include : includesOf(file)) {
+      if (!isOurs(include)) {
+        continue;
+      }
+      const std::string header = include.substr(1, include.size() - 2);
+      const std::string room = header.substr(0, header.find('/'));
+      EXPECT_TRUE(room == file.room || rules.uses.count(room) == 1 || rules.uses.count(header) == 1)
+          << file.path << " includes " << header;
+    }
+  }
+}
+
+TEST(Style, OwnHeadersAreIncludedByTheirPathFromTheRoot) {
+  for (const SourceFile& file : productFiles()) {
+    for (const std::string& include : includesOf(file)) {
+      if (isOurs(include)) {
+        EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::path(PLENVORITH_SOURCE_DIR) /
+                                                     include.substr(1, include.size() - 2)))
+            << file.path << " includes " << include;
+      }
+    }
+  }
+}
+
+TEST(Style, OnlyRoomsOfTheKernelIncludeMoreThanTheStandardLibrary) {
+  for (const SourceFile& file : productFiles()) {
+    for (const std::string& include : includesOf(file)) {
+      EXPECT_TRUE(isOurs(include) || isStandard(include) || kRooms.at(file.room).mayUseKernel)
+          << file.path << " includes " << include;
+    }
+  }
+}
+
+TEST(Style, IncludesStandInTheirOrder) {
+  for (const SourceFile& file : productFiles()) {
+    std::vector<int> groups;
+    for (const std::string& include : includesOf(file)) {
+      groups.push_back(groupOf(file, include));
+    }
+    EXPECT_TRUE(std::is_sorted(groups.begin(), groups.end())) << file.path;
+  }
+}
+
+TEST(Style, HeadersBeginWithPragmaOnce) {
+  for (const SourceFile& file : productFiles()) {
+    if (file.path.ends_with(".h")) {
+      const std::size_t start = file.code.find_first_not_of(" \n");
+      ASSERT_NE(start, std::string::npos) << file.path;
+      EXPECT_TRUE(std::string_view(file.code).substr(start).starts_with("#pragma once\n"))
+          << file.path;
+    }
+  }
+}
+
+TEST(Style, NothingCatchesExceptions) {
+  EXPECT_THAT(filesWith(R"re(\b(try|catch)\b)re"), IsEmpty());
+}
+
+TEST(Style, NothingUsesRegularExpressions) {
+  EXPECT_THAT(filesWith(R"re(\bregex\b|<regex>|regcomp)re"), IsEmpty());
+}
+
+TEST(Style, NothingSetsALocale) {
+  EXPECT_THAT(filesWith(R"re(\b(setlocale|uselocale|imbue)\b|std::locale)re"), IsEmpty());
+}
+
+TEST(Style, NothingPrintsButThroughTheStandardStreams) {
+  EXPECT_THAT(filesWith(R"re(\b(printf|fprintf|puts|fputs|putchar|perror|clog|wcout|wcerr)\b)re"),
+              IsEmpty());
+}
+
+TEST(Style, NothingUsesCStyleLineEndsToFlush) {
+  EXPECT_THAT(filesWith(R"re(\bstd::(flush|unitbuf|ends)\b)re"), IsEmpty());
+}
+
+/// The statements that begin with a standard stream, up to their semicolons; strings are emptied
+/// of semicolons first.
+std::vector<std::string> printsOf(const SourceFile& file) {
+  static const std::regex print(R"re(std::c(out|err)\b(?:"(?:\\.|[^"\\\n])*"|[^;"])*;)re");
+  std::vector<std::string> prints;
+  for (std::sregex_iterator match(file.code.begin(), file.code.end(), print), end; match != end;
+       ++match) {
+    prints.push_back(match->str());
+  }
+  return prints;
+}
+
+TEST(Style, EveryPrintEndsItsLineWithEndl) {
+  static const std::regex stream(R"re(std::c(out|err)\b)re");
+  static const std::regex endl(R"re(<<\s*std::endl\s*;$)re");
+  for (const SourceFile& file : productFiles()) {
+    const std::string code = withoutLiterals(file.code);
+    const std::vector<std::string> prints = printsOf(file);
+    EXPECT_EQ(prints.size(),
+              static_cast<std::size_t>(std::distance(
+                  std::sregex_iterator(code.begin(), code.end(), stream), std::sregex_iterator())))
+        << file.path;
+    for (const std::string& print : prints) {
+      EXPECT_TRUE(contains(print, endl)) << file.path << ": " << print;
+      EXPECT_EQ(print.find("\\n"), std::string::npos) << file.path << ": " << print;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace plenvorith
