@@ -59,10 +59,14 @@ std::array<int, 2> makePipe() {
 
 std::vector<std::string> environmentOf(const Command& command) {
   std::vector<std::string> environment = command.environment;
-  for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
     if (const char* value = std::getenv(name)) {
       environment.push_back(std::string(name) + "=" + value);
     }
+  }
+  if (const char* value = std::getenv("LSAN_OPTIONS")) {
+    // Otherwise the sanitizer adds to standard error which suppressions it has used.
+    environment.push_back(std::string("LSAN_OPTIONS=") + value + ":print_suppressions=0");
   }
   return environment;
 }
