@@ -1,4 +1,5 @@
-# Offers plenvorith::occt: the toolkits of Open CASCADE Technology that the program links.
+# Offers plenvorith::occt: the toolkits of Open CASCADE Technology that the program links, and
+# plenvorith::occt_modeling: those that tests and the generator of the samples build shapes with.
 #
 # The kernel's version file accepts exact matches only, so the release is compared here. Its exported
 # targets may name libraries that its development packages do not bring (TBB) and carry no include
@@ -18,15 +19,21 @@ else()
   set(occt_data_exchange TKDESTEP TKDESTL)
 endif()
 
-add_library(plenvorith_occt INTERFACE)
-add_library(plenvorith::occt ALIAS plenvorith_occt)
-target_include_directories(plenvorith_occt SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
-foreach(toolkit IN LISTS occt_data_exchange ITEMS TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel)
-  find_library(
-    occt_${toolkit} ${toolkit} REQUIRED
-    PATHS ${OpenCASCADE_LIBRARY_DIR}
-    NO_DEFAULT_PATH)
-  mark_as_advanced(occt_${toolkit})
-  target_link_libraries(plenvorith_occt INTERFACE ${occt_${toolkit}})
-endforeach()
+# Adds an interface target for some toolkits.
+function(plenvorith_occt_target name)
+  add_library(plenvorith_${name} INTERFACE)
+  add_library(plenvorith::${name} ALIAS plenvorith_${name})
+  target_include_directories(plenvorith_${name} SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
+  foreach(toolkit IN LISTS ARGN)
+    find_library(
+      occt_${toolkit} ${toolkit} REQUIRED
+      PATHS ${OpenCASCADE_LIBRARY_DIR}
+      NO_DEFAULT_PATH)
+    mark_as_advanced(occt_${toolkit})
+    target_link_libraries(plenvorith_${name} INTERFACE ${occt_${toolkit}})
+  endforeach()
+endfunction()
+
+plenvorith_occt_target(occt ${occt_data_exchange} TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel)
+plenvorith_occt_target(occt_modeling TKFillet TKBO TKPrim TKTopAlgo TKG3d TKBRep TKMath TKernel)
 message(STATUS "Open CASCADE ${occt_version} in ${OpenCASCADE_LIBRARY_DIR}")
