@@ -39,9 +39,16 @@ void expectKeptTwiceThrough(const std::string& input, const ExactGeometry& expec
 TEST(CleanStepGeometry, KeepsOneSolid) {
   const ExactGeometry bracket = exactGeometryIn(sample("bracket.step"));
   EXPECT_EQ(bracket.solids, 1u);
-  EXPECT_NEAR(bracket.greatest[0] - bracket.least[0], 60, 1e-3);
-  EXPECT_NEAR(bracket.greatest[1] - bracket.least[1], 40, 1e-3);
-  EXPECT_NEAR(bracket.greatest[2] - bracket.least[2], 46, 1e-3);
+  EXPECT_NEAR(bracket.greatest[0] - bracket.least[0], 60, 1e-4);
+  EXPECT_NEAR(bracket.greatest[1] - bracket.least[1], 40, 1e-4);
+  EXPECT_NEAR(bracket.greatest[2] - bracket.least[2], 46, 1e-4);
+  // Two legs, 6 thick and 40 wide, less what rounding takes from four corners (radius 8) and the
+  // outer edge (12), with what it puts into the inner edge (6), less the holes (4, 4 and 8).
+  constexpr double kOffCorner = 1 - std::numbers::pi / 4;
+  constexpr double kVolume = (60 + 40) * 6 * 40 - 4 * 8 * 8 * kOffCorner * 6 -
+                             (12 * 12 - 6 * 6) * kOffCorner * 40 -
+                             (4 * 4 + 4 * 4 + 8 * 8) * std::numbers::pi * 6;
+  EXPECT_NEAR(bracket.volume, kVolume, 1e-6 * kVolume);
   expectKeptTwiceThrough(sample("bracket.step"), bracket);
 }
 
