@@ -194,7 +194,7 @@ std::string stripTessellation(const std::string& path) {
   }
   const KeptLines kept = withoutTessellation(*content);
   const std::filesystem::path cleanName = std::string(lastComponent(path)) + ".clean.stp";
-  const std::string cleanPath = (std::filesystem::temp_directory_path() / cleanName).string();
+  std::string cleanPath = (std::filesystem::temp_directory_path() / cleanName).string();
   writeLines(cleanPath, kept.runs);
   std::cout << "[PREPROCESS] Stripped " << kept.removedLines << " lines -> " << cleanPath
             << std::endl;

@@ -250,7 +250,7 @@ TEST_F(StripTessellation, PrintsItsLineThoughTheDiskIsFull) {
 
 TEST_F(StripTessellation, LeavesAnInputInTheTemporaryDirectoryAsItIs) {
   const std::string content = "#1=TESSELLATED_SOLID();\n#2=A;\n";
-  const std::string input = writeFile(temp / "model.stp", content);
+  input = writeFile(temp / "model.stp", content);
   const CapturedCout out;
   EXPECT_EQ(stripTessellation(input), copy);
   EXPECT_EQ(readFile(input), content);
@@ -258,7 +258,7 @@ TEST_F(StripTessellation, LeavesAnInputInTheTemporaryDirectoryAsItIs) {
 }
 
 TEST_F(StripTessellation, StripsACopyIntoACopyOfIt) {
-  const std::string input = writeFile(copy, "TESSELLATED_\n");
+  input = writeFile(copy, "TESSELLATED_\n");
   const CapturedCout out;
   EXPECT_EQ(stripTessellation(input), copy + ".clean.stp");
 }
@@ -275,9 +275,9 @@ class StripTessellationName : public StripTessellation {
   StripTessellationName(const StripTessellationName&) = delete;
   StripTessellationName& operator=(const StripTessellationName&) = delete;
 
-  std::string nameFor(const std::string& input) {
+  std::string nameFor(const std::string& name) {
     const CapturedCout out;
-    const std::string path = stripTessellation(writeFile(input, "TESSELLATED_\n"));
+    const std::string path = stripTessellation(writeFile(name, "TESSELLATED_\n"));
     const std::string start = temp.path().string() + "/";
     EXPECT_EQ(path.substr(0, start.size()), start);
     EXPECT_EQ(out.text(), "[PREPROCESS] Stripped 0 lines -> " + path + "\n");
