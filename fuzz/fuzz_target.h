@@ -7,6 +7,7 @@
 #include <string>
 
 /// What every fuzz target defines: tries one input, and aborts on a find.
+// NOLINTNEXTLINE(readability-identifier-naming): the engine calls it by this name
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace plenvorith::fuzz {

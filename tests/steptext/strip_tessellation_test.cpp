@@ -8,10 +8,10 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/reference/reference_strip.h"
 #include "tests/support/captured_cout.h"
 #include "tests/support/scoped_env.h"
 #include "tests/support/step_text.h"
+#include "tests/support/strip_comparison.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -21,9 +21,8 @@ using test::CapturedCout;
 using test::forEveryString;
 using test::randomText;
 using test::readFile;
-using test::ReferenceStrip;
-using test::referenceStrip;
 using test::ScopedEnv;
+using test::StripComparison;
 using test::TempDir;
 using test::writeFile;
 
@@ -275,9 +274,9 @@ class StripTessellationName : public StripTessellation {
   StripTessellationName(const StripTessellationName&) = delete;
   StripTessellationName& operator=(const StripTessellationName&) = delete;
 
-  std::string nameFor(const std::string& name) {
+  std::string nameFor(const std::string& original) {
     const CapturedCout out;
-    const std::string path = stripTessellation(writeFile(name, "TESSELLATED_\n"));
+    const std::string path = stripTessellation(writeFile(original, "TESSELLATED_\n"));
     const std::string start = temp.path().string() + "/";
     EXPECT_EQ(path.substr(0, start.size()), start);
     EXPECT_EQ(out.text(), "[PREPROCESS] Stripped 0 lines -> " + path + "\n");
@@ -321,39 +320,29 @@ TEST_F(StripTessellationName, KeepsAColonThatEndsNoDrivePrefix) {
   EXPECT_EQ(nameFor("1:model.stp"), "1:model.stp.clean.stp");
 }
 
-/// What `stripTessellation` makes of generated contents, against the reference.
-class StripTessellationAgainstReference : public StripTessellation {
- protected:
-  void expectSame(const std::string& content) {
-    const ReferenceStrip reference = referenceStrip(content);
-    const CapturedCout out;
-    const std::string path = stripTessellation(writeFile(input, content));
-    if (!reference.makesCopy) {
-      ASSERT_EQ(path, input) << content;
-      ASSERT_EQ(out.text(), "") << content;
-      return;
-    }
-    ASSERT_EQ(path, copy) << content;
-    ASSERT_EQ(out.text(), lineFor(reference.removedLines)) << content;
-    ASSERT_EQ(readFile(copy), reference.copy) << content;
-  }
-};
+void expectSame(StripComparison& comparison, const std::string& content) {
+  ASSERT_EQ(comparison.differenceFor(content), "") << content;
+}
 
-TEST_F(StripTessellationAgainstReference, AgreesOnEveryShortLine) {
+TEST(StripTessellationAgainstReference, AgreesOnEveryShortLine) {
   // All strings of the alphabet in one file, each a line that must go or stay, with a type name
   // in place of the letter; the line behind ends a block.
   std::string content;
   forEveryString({"#", "1", "=", " ", "\r", "TESSELLATED_SOLID", ";"}, 6,
                  [&content](const std::string& line) { content += line + "\n;\n"; });
-  expectSame(content);
+  StripComparison comparison;
+  expectSame(comparison, content);
 }
 
-TEST_F(StripTessellationAgainstReference, AgreesOnEveryShortFile) {
+TEST(StripTessellationAgainstReference, AgreesOnEveryShortFile) {
+  StripComparison comparison;
   forEveryString({"#1=TESSELLATED_SOLID", "COORDINATES_LIST", "#1=", "\n", "\r", ";"}, 4,
-                 [this](const std::string& content) { expectSame("TESSELLATED_" + content); });
+                 [&comparison](const std::string& content) {
+                   expectSame(comparison, "TESSELLATED_" + content);
+                 });
 }
 
-TEST_F(StripTessellationAgainstReference, AgreesOnRandomFiles) {
+TEST(StripTessellationAgainstReference, AgreesOnRandomFiles) {
   const std::vector<std::string> pieces = {"#1=",
                                            "\n#2=",
                                            "\n#3=",
@@ -377,9 +366,10 @@ TEST_F(StripTessellationAgainstReference, AgreesOnRandomFiles) {
                                            "\xFF",
                                            "(1,2)",
                                            "/* ; */"};
+  StripComparison comparison;
   std::mt19937 random(3);
   for (int i = 0; i < 4'000; ++i) {
-    expectSame(randomText(random, pieces, 40));
+    expectSame(comparison, randomText(random, pieces, 40));
   }
 }
 
