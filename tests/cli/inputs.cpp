@@ -15,7 +15,7 @@ const std::vector<StlRecord> kUniqueTriangles = {
 };
 
 std::string dataFile(std::string_view name) {
-  const std::string content = readFile(std::filesystem::path(PLENVORITH_TEST_DATA) / name);
+  std::string content = readFile(std::filesystem::path(PLENVORITH_TEST_DATA) / name);
   EXPECT_FALSE(content.empty()) << name;
   return content;
 }

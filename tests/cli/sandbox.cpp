@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <system_error>
 
 namespace plenvorith::test {
 namespace {
@@ -65,6 +66,12 @@ Sandbox::Sandbox() {
   fs::permissions(*this / "tmp", fs::perms::all);
 }
 
+Sandbox::~Sandbox() {
+  // Only now can what is in it be deleted, whatever the test has forbidden.
+  std::error_code ignored;
+  fs::permissions(*this / "tmp", fs::perms::all, ignored);
+}
+
 fs::path Sandbox::operator/(std::string_view name) const {
   return directory_.path() / name;
 }
@@ -101,6 +108,7 @@ std::map<std::string, std::string> Sandbox::content() const {
 
 void expectRun(const Sandbox& sandbox, const std::vector<std::string>& arguments,
                const Expected& expected, const Command& command) {
+  SCOPED_TRACE(testing::PrintToString(arguments));
   const std::map<std::string, std::string> before = sandbox.content();
   const Outcome outcome = sandbox.run(arguments, command);
   const std::map<std::string, std::string> after = sandbox.content();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <csignal>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -18,6 +17,9 @@ namespace plenvorith::test {
 class Sandbox {
  public:
   Sandbox();
+  ~Sandbox();
+  Sandbox(const Sandbox&) = delete;
+  Sandbox& operator=(const Sandbox&) = delete;
 
   std::filesystem::path operator/(std::string_view name) const;
   void write(std::string_view name, std::string_view content) const;
@@ -34,18 +36,18 @@ class Sandbox {
   TempDir directory_;
 };
 
+/// The exit status of a program that a signal ends.
+constexpr int kNoExitStatus = -1;
+
 /// What a run does. A text stands for itself.
 struct Expected {
   testing::Matcher<std::string> out = "";
   testing::Matcher<std::string> err = "";
-  int exitStatus = 0;  // -1 if a signal ends the program
+  int exitStatus = 0;
   int signal = 0;
   std::vector<std::string> made = {};         // paths that were not there before, in text order
   std::vector<std::string> overwritten = {};  // paths whose content changes, likewise
 };
-
-/// How an abnormal end looks.
-constexpr int kNoExitStatus = -1;
 
 /// Runs the program and checks all that can be seen of it: both streams, how it ends, and that it
 /// made and changed the files named and no others. Nothing may vanish.

@@ -74,6 +74,7 @@ std::vector<std::string> environmentOf(const Command& command) {
 /// The strings as a list that ends with a null pointer; they have to outlive it.
 std::vector<char*> pointersTo(std::vector<std::string>& strings) {
   std::vector<char*> pointers;
+  pointers.reserve(strings.size() + 1);
   for (std::string& string : strings) {
     pointers.push_back(string.data());
   }
@@ -99,8 +100,7 @@ void giveUpRights() {
   if (chdir(command.directory.c_str()) != 0) {
     stopChild("cannot change to the working directory\n");
   }
-  if (command.ignoredSignal != 0 &&
-      std::signal(command.ignoredSignal, SIG_IGN) == SIG_ERR) {  // NOLINT: SIG_ERR is a C cast
+  if (command.ignoredSignal != 0 && std::signal(command.ignoredSignal, SIG_IGN) == SIG_ERR) {
     stopChild("cannot ignore the signal\n");
   }
   const rlimit noCore{0, 0};
