@@ -403,6 +403,7 @@ Host *
   Port $port
   IdentityFile $PWD/ssh/user
   IdentitiesOnly yes
+  BatchMode yes
   StrictHostKeyChecking no
   UserKnownHostsFile $PWD/ssh/known
   LogLevel ERROR
