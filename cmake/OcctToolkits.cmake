@@ -24,6 +24,9 @@ function(plenvorith_occt_target name)
   add_library(plenvorith_${name} INTERFACE)
   add_library(plenvorith::${name} ALIAS plenvorith_${name})
   target_include_directories(plenvorith_${name} SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
+  # Where the kernel lies outside the system's folders, its toolkits find each other by the path that
+  # the program carries, which only the older of the two kinds of tags passes on.
+  target_link_options(plenvorith_${name} INTERFACE LINKER:--disable-new-dtags)
   foreach(toolkit IN LISTS ARGN)
     find_library(
       occt_${toolkit} ${toolkit} REQUIRED
