@@ -1,5 +1,6 @@
 // The temporary copy without tessellation. The kernel refuses a deflection of 1e-9 with an error
-// that nothing catches, and so leaves the copy to be looked at.
+// that nothing catches, and so leaves the copy to be looked at. Some of its releases end the
+// program already on the tessellation that a copy keeps.
 
 #include <csignal>
 #include <string>
@@ -10,6 +11,7 @@
 namespace plenvorith::test {
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
 /// Checks the number of lines that are cut out of a file, and the copy.
@@ -17,7 +19,7 @@ void expectStripped(const std::string& input, int lines, const std::string& copy
   const Sandbox dir;
   dir.write("in.step", input);
   const Outcome outcome = dir.run({"in.step", "out.stl", "1e-9"});
-  EXPECT_EQ(outcome.signal, SIGABRT);
+  EXPECT_THAT(outcome.signal, AnyOf(SIGABRT, SIGSEGV));
   EXPECT_THAT(outcome.out, HasSubstr("\n[PREPROCESS] Stripped " + std::to_string(lines) +
                                      " lines -> tmp/in.step.clean.stp\n"));
   EXPECT_EQ(dir.read("tmp/in.step.clean.stp"), copy);
