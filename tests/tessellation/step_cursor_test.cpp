@@ -593,6 +593,18 @@ TEST(ParseNumberAgainstReference, AgreesOnEveryShortToken) {
                  [](const std::string& text) { expectSameNumber(text); });
 }
 
+TEST(ParseNumberAgainstReference, AgreesOnEveryByteAtEveryPlace) {
+  for (int byte = 0; byte < 256; ++byte) {
+    for (std::size_t length = 1; length <= 18; ++length) {
+      for (std::size_t place = 0; place < length; ++place) {
+        std::string text = std::string("123456789.98765432").substr(0, length);
+        text[place] = static_cast<char>(byte);
+        expectSameNumber(text);
+      }
+    }
+  }
+}
+
 TEST(ParseNumberAgainstReference, AgreesOnRandomTokens) {
   std::mt19937 random(4);
   for (int i = 0; i < 3'000'000; ++i) {
