@@ -40,8 +40,8 @@ std::string pointList() {
 std::string indexTriples() {
   std::string text = "(";
   for (int i = 1; i <= kItems - 2; ++i) {
-    text += (i == 1 ? "(" : ",(") + std::to_string(i) + "," + std::to_string(i + 1) + "," +
-            std::to_string(i + 2) + ")";
+    text += i == 1 ? "(" : ",(";
+    text += std::to_string(i) + "," + std::to_string(i + 1) + "," + std::to_string(i + 2) + ")";
   }
   return text + ")";
 }

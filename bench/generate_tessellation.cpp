@@ -59,8 +59,8 @@ std::string coordinates(std::uint64_t name, int side, std::mt19937_64& random, E
   entity.add(std::to_string((side + 1) * (side + 1)) + ",(");
   for (int y = 0; y <= side; ++y) {
     for (int x = 0; x <= side; ++x) {
-      entity.add((x + y == 0 ? "(" : ",(") + number(x0 + 0.5 * x) + "," + number(y0 + 0.5 * y) +
-                 "," + number(height(random)) + ")");
+      entity.add(std::string(x + y == 0 ? "(" : ",(") + number(x0 + 0.5 * x) + "," +
+                 number(y0 + 0.5 * y) + "," + number(height(random)) + ")");
     }
   }
   entity.add("));");
@@ -79,8 +79,8 @@ std::string face(std::uint64_t name, std::uint64_t coordinates, int side, Entity
       const auto triple = [](int i, int j, int k) {
         return "(" + std::to_string(i) + "," + std::to_string(j) + "," + std::to_string(k) + ")";
       };
-      entity.add((x + y == 0 ? "" : ",") + triple(a, a + 1, c));
-      entity.add("," + triple(a + 1, c + 1, c));
+      entity.add(std::string(x + y == 0 ? "" : ",").append(triple(a, a + 1, c)));
+      entity.add(std::string(",").append(triple(a + 1, c + 1, c)));
     }
   }
   entity.add("),());");

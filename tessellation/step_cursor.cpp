@@ -26,10 +26,6 @@ constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-bool atCharacter(const StepCursor& cursor, char c) {
-  return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
-}
-
 /// Up to eight decimal digits that stand in a row.
 struct DigitRun {
   std::uint64_t value;
@@ -105,8 +101,8 @@ std::int32_t truncateToInt32(double value) {
   return std::numeric_limits<std::int32_t>::min();
 }
 
-/// A cursor for the loops that read most of a file: it lives in registers, and hands its place back
-/// to the cursor that it was made from when it goes out of scope, on an error too.
+/// A cursor that lives in registers, which the loops that read most of a file need. It hands its
+/// place back to the cursor that it was made from when it goes out of scope, on an error too.
 class FastCursor {
  public:
   explicit FastCursor(StepCursor& cursor)
@@ -120,6 +116,11 @@ class FastCursor {
   FastCursor(const FastCursor&) = delete;
   FastCursor& operator=(const FastCursor&) = delete;
 
+  void skipBlanks() {
+    while (p_ != end_ && isBlank(*p_)) {
+      ++p_;
+    }
+  }
   bool nextIs(char c) {
     skipBlanks();
     return isHere(c);
@@ -135,11 +136,6 @@ class FastCursor {
   double parseNumber();
 
  private:
-  void skipBlanks() {
-    while (p_ != end_ && isBlank(*p_)) {
-      ++p_;
-    }
-  }
   bool isHere(char c) const {
     return p_ != end_ && *p_ == c;
   }
@@ -236,7 +232,8 @@ inline double FastCursor::parseNumber() {
 template <typename Item, typename MakeItem>
 void parseTriples(StepCursor& cursor, std::vector<Item>& items, MakeItem makeItem) {
   FastCursor fast(cursor);
-  // Every item has one parenthesis and takes at least the seven characters of "(1,2,3)".
+  // An item has one parenthesis and takes the seven characters of "(1,2,3)" or more. What is not
+  // well-formed may take less, and only makes the list grow on its way.
   reserveLarge(items, std::min(fast.count('('), fast.size() / 7));
   while (fast.nextIs('(')) {
     fast.consumeIf('(');
@@ -255,20 +252,15 @@ void parseTriples(StepCursor& cursor, std::vector<Item>& items, MakeItem makeIte
 }  // namespace
 
 void skipWhitespace(StepCursor& cursor) {
-  while (cursor.pos < cursor.text.size() && isBlank(cursor.text[cursor.pos])) {
-    ++cursor.pos;
-  }
+  FastCursor(cursor).skipBlanks();
 }
 
 bool nextIs(StepCursor& cursor, char c) {
-  skipWhitespace(cursor);
-  return atCharacter(cursor, c);
+  return FastCursor(cursor).nextIs(c);
 }
 
 void consumeIf(StepCursor& cursor, char c) {
-  if (nextIs(cursor, c)) {
-    ++cursor.pos;
-  }
+  FastCursor(cursor).consumeIf(c);
 }
 
 double parseNumber(StepCursor& cursor) {

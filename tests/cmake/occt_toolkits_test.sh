@@ -27,7 +27,7 @@ END
   for toolkit in "$@"; do
     : >"$scratch/kernel/lib/lib$toolkit.so"
   done
-  "$cmake" -S "$here/occt_toolkits" -B "$scratch/build" \
+  "$cmake" -G Ninja -S "$here/occt_toolkits" -B "$scratch/build" \
     -DOpenCASCADE_DIR="$scratch/kernel/lib/cmake" >"$scratch/out" 2>&1
 }
 
