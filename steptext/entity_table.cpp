@@ -11,10 +11,6 @@
 namespace plenvorith {
 namespace {
 
-/// Texts from this size on are moved into the table with the spare room that they grew with, which
-/// the system has not backed with memory yet; smaller ones are copied to their exact size.
-constexpr std::size_t kMoveFrom = std::size_t{1} << 20;
-
 std::string_view withoutFinalCarriageReturn(std::string_view line) {
   if (!line.empty() && line.back() == '\r') {
     line.remove_suffix(1);
@@ -22,18 +18,23 @@ std::string_view withoutFinalCarriageReturn(std::string_view line) {
   return line;
 }
 
+/// Whether a text may take its memory along into the table: it has little to spare, as after a
+/// single line, or so much of it that the system has not backed the spare part yet.
+bool isWorthMoving(const std::string& text) {
+  constexpr std::size_t kLarge = std::size_t{1} << 20;
+  return text.size() >= kLarge || text.capacity() - text.size() <= text.size() / 8;
+}
+
 /// Stores one entity and returns its place, the best hint for the next one: most files number their
 /// entities upwards, and the place of a number is then right behind that of the number before it.
 EntityTable::iterator store(EntityTable& table, EntityTable::iterator previous,
                             const std::string& name, std::string& text) {
   const auto hint = previous == table.end() ? previous : std::next(previous);
-  if (text.size() >= kMoveFrom) {
-    return table.insert_or_assign(hint, name, std::move(text));
-  }
-  // Looks for the place once, where insert_or_assign does so twice.
-  const std::size_t sizeBefore = table.size();
-  const auto place = table.emplace_hint(hint, name, text);
-  if (table.size() == sizeBefore) {
+  // Unlike insert_or_assign, this looks for the place only once.
+  const auto place = table.emplace_hint(hint, name, std::string());
+  if (isWorthMoving(text)) {
+    place->second = std::move(text);
+  } else {
     place->second = text;
   }
   return place;
