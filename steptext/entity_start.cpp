@@ -1,5 +1,7 @@
 #include "steptext/entity_start.h"
 
+#include "common/ascii.h"
+
 namespace plenvorith {
 
 std::size_t entityNameLength(std::string_view line) {
@@ -7,7 +9,7 @@ std::size_t entityNameLength(std::string_view line) {
     return 0;
   }
   std::size_t length = 1;
-  while (length < line.size() && line[length] >= '0' && line[length] <= '9') {
+  while (length < line.size() && isDigit(line[length])) {
     ++length;
   }
   const bool startsEntity = length > 1 && length < line.size() && line[length] == '=';

@@ -6,15 +6,13 @@
 #include <set>
 #include <string_view>
 
+#include "common/ascii.h"
+
 namespace plenvorith {
 namespace {
 
 /// Names that live in the table for as long as the analysis runs.
 using NameViews = std::set<std::string_view>;
-
-constexpr bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 /// Calls `visit` with every reference ("#" and digits) in `text`, from left to right. References in
 /// quoted strings count like any other.

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "common/ascii.h"
 #include "common/reserve.h"
 
 namespace plenvorith {
@@ -20,10 +21,6 @@ namespace {
 
 constexpr bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-constexpr bool isDigit(char c) {
-  return c >= '0' && c <= '9';
 }
 
 /// Up to eight decimal digits that stand in a row.
