@@ -15,13 +15,6 @@ namespace {
 /// the system has not backed with memory yet; smaller ones are copied to their exact size.
 constexpr std::size_t kMoveFrom = std::size_t{1} << 20;
 
-std::string_view withoutFinalCarriageReturn(std::string_view line) {
-  if (!line.empty() && line.back() == '\r') {
-    line.remove_suffix(1);
-  }
-  return line;
-}
-
 /// Stores one entity and returns its place, the best hint for the next one: most files number their
 /// entities upwards, and the place of a number is then right behind that of the number before it.
 EntityTable::iterator store(EntityTable& table, EntityTable::iterator previous,
@@ -48,21 +41,35 @@ void readEntityTable(EntityTable& table, const std::string& path) {
   }
   std::string name;
   std::string text;
+  bool isFirstLine = false;
+  bool isCut = false;
   auto previous = table.end();
-  std::string_view line;
-  while (lines.next(line)) {
-    line = withoutFinalCarriageReturn(line);
-    const std::size_t nameLength = entityNameLength(line);
-    if (nameLength > 0) {
-      if (!name.empty()) {
-        previous = store(table, previous, name, text);
+  std::string_view piece;
+  while (lines.next(piece)) {
+    if (lines.startsLine()) {
+      const std::size_t nameLength = entityNameLength(piece);
+      isFirstLine = nameLength > 0;
+      if (isFirstLine) {
+        if (!name.empty()) {
+          previous = store(table, previous, name, text);
+        }
+        name.assign(piece.substr(0, nameLength));
+        text.clear();
+        piece.remove_prefix(nameLength + 1);
+        isCut = false;
+      } else if (!name.empty()) {
+        text += ' ';
       }
-      name.assign(line.substr(0, nameLength));
-      const std::string_view rest = line.substr(nameLength + 1);
-      text.assign(rest.substr(0, rest.find('\r')));
-    } else if (!name.empty()) {
-      text += ' ';
-      text += line;
+    }
+    if (isFirstLine && !isCut) {
+      const std::size_t carriageReturn = piece.find('\r');
+      text += piece.substr(0, carriageReturn);
+      isCut = carriageReturn != std::string_view::npos;
+    } else if (!isFirstLine && !name.empty()) {
+      text += piece;
+      if (lines.endsLine() && text.back() == '\r') {
+        text.pop_back();
+      }
     }
   }
   if (!name.empty()) {
