@@ -8,7 +8,7 @@
 
 namespace plenvorith {
 
-void preferLargePages(const void* start, std::size_t size) {
+void preferLargePages(void* start, std::size_t size) {
 #ifdef __linux__
   constexpr std::uintptr_t kPage = 4096;
   constexpr std::size_t kWorthwhile = std::size_t{4} << 20;  // two large pages
@@ -16,10 +16,10 @@ void preferLargePages(const void* start, std::size_t size) {
     return;
   }
   const auto address = reinterpret_cast<std::uintptr_t>(start);
-  const std::uintptr_t first = (address + kPage - 1) / kPage * kPage;
-  const std::uintptr_t last = (address + size) / kPage * kPage;
+  const std::size_t skipped = (kPage - address % kPage) % kPage;
   // A system without large pages says so; nothing depends on it.
-  (void)madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+  (void)madvise(static_cast<char*>(start) + skipped, (size - skipped) / kPage * kPage,
+                MADV_HUGEPAGE);
 #else
   (void)start;
   (void)size;

@@ -11,13 +11,6 @@
 namespace plenvorith {
 namespace {
 
-std::string_view withoutFinalCarriageReturn(std::string_view line) {
-  if (!line.empty() && line.back() == '\r') {
-    line.remove_suffix(1);
-  }
-  return line;
-}
-
 /// Whether a text may take its memory along into the table: it has little to spare, as after a
 /// single line, or so much of it that the system has not backed the spare part yet.
 bool isWorthMoving(const std::string& text) {
@@ -49,21 +42,35 @@ void readEntityTable(EntityTable& table, const std::string& path) {
   }
   std::string name;
   std::string text;
+  bool isFirstLine = false;
+  bool isCut = false;
   auto previous = table.end();
-  std::string_view line;
-  while (lines.next(line)) {
-    line = withoutFinalCarriageReturn(line);
-    const std::size_t nameLength = entityNameLength(line);
-    if (nameLength > 0) {
-      if (!name.empty()) {
-        previous = store(table, previous, name, text);
+  std::string_view piece;
+  while (lines.next(piece)) {
+    if (lines.startsLine()) {
+      const std::size_t nameLength = entityNameLength(piece);
+      isFirstLine = nameLength > 0;
+      if (isFirstLine) {
+        if (!name.empty()) {
+          previous = store(table, previous, name, text);
+        }
+        name.assign(piece.substr(0, nameLength));
+        text.clear();
+        piece.remove_prefix(nameLength + 1);
+        isCut = false;
+      } else if (!name.empty()) {
+        text += ' ';
       }
-      name.assign(line.substr(0, nameLength));
-      const std::string_view rest = line.substr(nameLength + 1);
-      text.assign(rest.substr(0, rest.find('\r')));
-    } else if (!name.empty()) {
-      text += ' ';
-      text += line;
+    }
+    if (isFirstLine && !isCut) {
+      const std::size_t carriageReturn = piece.find('\r');
+      text += piece.substr(0, carriageReturn);
+      isCut = carriageReturn != std::string_view::npos;
+    } else if (!isFirstLine && !name.empty()) {
+      text += piece;
+      if (lines.endsLine() && text.back() == '\r') {
+        text.pop_back();
+      }
     }
   }
   if (!name.empty()) {

@@ -9,9 +9,12 @@
 
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <BRepBuilderAPI_MakeWire.hxx>
+#include <BRepMesh_IncrementalMesh.hxx>
 #include <BRepPrimAPI_MakeSphere.hxx>
+#include <BRepPrimAPI_MakeTorus.hxx>
 #include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
+#include <Message_ProgressRange.hxx>
 #include <Poly_Triangulation.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopLoc_Location.hxx>
@@ -79,6 +82,21 @@ TEST(BrepMesher, BoxIsTwelveTrianglesWithNormalsToTheOutside) {
       EXPECT_TRUE(p.z == 0 || p.z == 30);
     }
   }
+}
+
+TEST(BrepMesher, MeshesLikeTheKernelWithAnAngleOfHalfARadian) {
+  // Coarse, so that the angle decides how many triangles there are, and not the deflection.
+  constexpr double kCoarse = 1;
+  const TopoDS_Shape torus = BRepPrimAPI_MakeTorus(5, 2).Shape();
+  BRepMesh_IncrementalMesh mesher(torus, kCoarse, false, 0.5, false);
+  mesher.Perform(Message_ProgressRange());
+  std::size_t expected = 0;
+  for (TopExp_Explorer faces(torus, TopAbs_FACE); faces.More(); faces.Next()) {
+    TopLoc_Location location;
+    expected += static_cast<std::size_t>(
+        BRep_Tool::Triangulation(TopoDS::Face(faces.Current()), location)->NbTriangles());
+  }
+  EXPECT_EQ(meshBrepShapes({BRepPrimAPI_MakeTorus(5, 2).Shape()}, kCoarse).size(), expected);
 }
 
 TEST(BrepMesher, ReversedFaceExchangesTheFirstTwoCorners) {

@@ -35,7 +35,7 @@ testing::Matcher<std::string> maskedLines(const std::string& lines) {
       ownLines(lines));
 }
 
-/// A directory with one of the samples in it.
+/// Copies one of the samples into a directory.
 void addSample(const Sandbox& dir, const std::string& name) {
   dir.write(name, readFile(std::filesystem::path(PLENVORITH_SAMPLES) / name));
 }
@@ -201,6 +201,16 @@ Done
 )"),
              .made = {"out.stl"}});
   EXPECT_GT(recordsOf(dir.read("out.stl")).size(), 118U);
+}
+
+TEST(Samples, MixedTakesTheDeflectionToCleanStepAsWell) {
+  const Sandbox dir;
+  addSample(dir, "mixed.step");
+  const auto trianglesAt = [&dir](const std::string& deflection) {
+    EXPECT_EQ(dir.run({"mixed.step", "out.stp", deflection}).exitStatus, 0);
+    return recordsOf(dir.read("out.stl")).size();
+  };
+  EXPECT_LT(2 * trianglesAt("1"), trianglesAt("0.01"));
 }
 
 }  // namespace

@@ -114,6 +114,7 @@ TEST(EntityTable, KeepsBlanksAndCase) {
 TEST(EntityTable, EndsTheFirstLineOfATextAtACarriageReturn) {
   EXPECT_EQ(tableOf("#1=AB\rCD;\n").at("#1"), "AB");
   EXPECT_EQ(tableOf("#1=AB\r\r\n").at("#1"), "AB");
+  EXPECT_EQ(tableOf("#1=AB\rCD\rEF;\n").at("#1"), "AB");
   EXPECT_EQ(tableOf("#1=\rCD;\nE;\n").at("#1"), " E;");
 }
 
@@ -177,6 +178,66 @@ TEST(EntityTable, ReadsLinesOfEveryLengthRoundPowersOfTwo) {
       ASSERT_EQ(table.at("#2"), "A; B") << length;
     }
   }
+}
+
+constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
+
+TEST(EntityTable, KeepsTheLastOfSeveralLongEntitiesWithOneName) {
+  const std::string longer(2 * kMebibyte, 'y');
+  const std::string shorter(kMebibyte, 'x');
+  EXPECT_TRUE(tableOf("#1=" + shorter + "\n#1=" + longer + "\n").at("#1") == longer);
+  EXPECT_TRUE(tableOf("#1=" + longer + "\n#1=" + shorter + "\n").at("#1") == shorter);
+  EXPECT_EQ(tableOf("#1=" + longer + "\n#2=A;\n#1=B;\n").at("#1"), "B;");
+  EXPECT_TRUE(tableOf("#1=B;\n#2=A;\n#1=" + longer + "\n").at("#1") == longer);
+}
+
+// From 16 MiB on, lines are read in pieces.
+constexpr std::size_t kPiece = 16 * kMebibyte;
+
+TEST(EntityTable, EndsALongFirstLineAtItsFirstCarriageReturn) {
+  const std::string filling(3 * kPiece / 2, 'x');
+  const EntityTable table = tableOf("#1=" + filling + "\r" + filling + "\r#3=C;\nA;\n#2=B;\n");
+  ASSERT_EQ(table.size(), 2U);
+  EXPECT_TRUE(table.at("#1") == filling + " A;");
+  EXPECT_EQ(table.at("#2"), "B;");
+}
+
+TEST(EntityTable, ReadsALongFirstLineWithoutItsFinalCarriageReturn) {
+  for (std::size_t length = kPiece - 6; length <= kPiece - 2; ++length) {
+    const std::string filling(length, 'x');
+    EXPECT_TRUE(tableOf("#1=" + filling + "\r\n#2=B;").at("#1") == filling) << length;
+    EXPECT_TRUE(tableOf("#1=" + filling + "\r").at("#1") == filling) << length;
+  }
+}
+
+TEST(EntityTable, DropsOneCarriageReturnAtTheEndOfALongLine) {
+  // What is not handed out yet moves to the front of the buffer: the line is cut behind 16 MiB.
+  for (std::size_t length = kPiece - 3; length <= kPiece + 1; ++length) {
+    const std::string line = "A\r" + std::string(length - 2, 'x');
+    EXPECT_TRUE(tableOf("#1=\n" + line + "\r\n#2=B;\n").at("#1") == " " + line) << length;
+    EXPECT_TRUE(tableOf("#1=\n" + line + "\r\r\n\r\n").at("#1") == " " + line + "\r ") << length;
+    EXPECT_TRUE(tableOf("#1=\n" + line + "\r").at("#1") == " " + line) << length;
+    EXPECT_TRUE(tableOf("#1=\n" + line).at("#1") == " " + line) << length;
+  }
+}
+
+TEST(EntityTable, DropsALongLineAboveTheFirstEntity) {
+  const std::string filling(5 * kPiece / 2, 'x');
+  EXPECT_THAT(tableOf(filling + "#1=A;\n#2=B;\n"), ElementsAre(Pair("#2", "B;")));
+}
+
+TEST(EntityTable, StartsNoEntityInsideALongLine) {
+  for (std::size_t length = kPiece - 2; length <= kPiece + 2; ++length) {
+    const std::string line = std::string(length, 'x') + "#2=B;";
+    EXPECT_TRUE(tableOf("#1=A\n" + line + "\n").at("#1") == "A " + line) << length;
+  }
+}
+
+TEST(EntityTable, ReadsANameThatIsLongerThanAPiece) {
+  const std::string name = "#" + std::string(3 * kPiece / 2, '7');
+  EXPECT_EQ(tableOf("#1=A;\n" + name + "=B;\n#2=C;\n").at(name), "B;");
+  EXPECT_TRUE(tableOf("#1=A;\n" + name + "\n#2=C;\n").at("#1") == "A; " + name);
+  EXPECT_TRUE(tableOf("#1=A;\n" + name).at("#1") == "A; " + name);
 }
 
 TEST(EntityTable, AgreesWithTheRegularExpressionOnEveryShortFile) {

@@ -1,5 +1,6 @@
 #include "steptext/strip_tessellation.h"
 
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <random>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "tests/support/captured_cout.h"
 #include "tests/support/scoped_env.h"
@@ -75,6 +77,38 @@ TEST_F(StripTessellation, MakesACopyForATriggerWordAnywhere) {
   EXPECT_EQ(copyOf("TESSELLATED_"), "TESSELLATED_\n");
   EXPECT_EQ(copyOf("/* COMPLEX_TRIANGULATED_ */\nDATA;\n"), "/* COMPLEX_TRIANGULATED_ */\nDATA;\n");
   EXPECT_EQ(copyOf("FILE_NAME('TESSELLATED_X');\n"), "FILE_NAME('TESSELLATED_X');\n");
+}
+
+TEST_F(StripTessellation, FindsATriggerWordAcrossTheBlocksOfALongFile) {
+  // All of the file is one entity, so that the copies stay small.
+  const std::string start = "#1=COORDINATES_LIST(";
+  for (const std::string word : {"TESSELLATED_", "COMPLEX_TRIANGULATED_"}) {
+    for (const std::size_t border :
+         {std::size_t{4096}, std::size_t{1} << 20U, std::size_t{2} << 20U}) {
+      for (std::size_t place = border - 45; place <= border + 1; ++place) {
+        const std::string before = start + std::string(place - start.size(), 'x');
+        ASSERT_EQ(copyOf(before + word + "xx"), "") << word << " at " << place;
+        ASSERT_EQ(printed, lineFor(1));
+        ASSERT_EQ(copyOf(before + word), "") << word << " at " << place;
+      }
+    }
+  }
+}
+
+TEST_F(StripTessellation, MakesNoCopyWhereATriggerWordHasALineFeedBetweenTheBlocks) {
+  expectNoCopyOf(std::string((std::size_t{1} << 20U) - 11, 'x') + "TESSELLATED\n_");
+}
+
+TEST_F(StripTessellation, ReadsAPipeOnce) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const std::string content = "DATA;\n#1=TESSELLATED_SOLID();\n#2=A;\n";
+  ASSERT_EQ(::write(ends[1], content.data(), content.size()), static_cast<ssize_t>(content.size()));
+  close(ends[1]);
+  const CapturedCout out;
+  EXPECT_EQ(readFile(stripTessellation("/proc/self/fd/" + std::to_string(ends[0]))),
+            "DATA;\n#2=A;\n");
+  close(ends[0]);
 }
 
 TEST_F(StripTessellation, CopiesATypeThatIsNotOnItsListAndCountsZero) {

@@ -78,6 +78,16 @@ TEST(TessellationAnalysis, FindsNoTessellationWithoutARepresentationOfIt) {
                  {"#4", "SHAPE_REPRESENTATION_RELATIONSHIP('','',#1,#2);"}});
 }
 
+TEST(TessellationAnalysis, FindsNoTessellationInTypesThatOnlyBeginOrEndLikeARepresentationOfIt) {
+  for (const std::string start :
+       {"TESSELLATED_SHAPE_REPRESENTATION_WITH_ACCURACY_PARAMETERS(",
+        "MY_TESSELLATED_SHAPE_REPRESENTATION(", "TESSELLATED_SHAPE_REPRESENTATION (",
+        " TESSELLATED_SHAPE_REPRESENTATION(", "(TESSELLATED_SHAPE_REPRESENTATION(",
+        "TESSELLATED_SHAPE_REPRESENTATION"}) {
+    expectNothing({{"#5", start + "'',(#6),#2);"}});
+  }
+}
+
 TEST(TessellationAnalysis, PairsARepresentationWithItsExactTwin) {
   expectPaired(kPair);
 }

@@ -18,7 +18,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::minutes kTimeout{2};
 constexpr id_t kNobody = 65534;
 
 /// A file descriptor that programs started meanwhile do not inherit.
@@ -132,8 +131,8 @@ bool drain(int fd, std::string& text) {
 }
 
 /// Collects both streams until the program has closed them; false once the time is up.
-bool collect(int out, int err, Outcome& outcome) {
-  const Clock::time_point deadline = Clock::now() + kTimeout;
+bool collect(int out, int err, std::chrono::minutes timeLimit, Outcome& outcome) {
+  const Clock::time_point deadline = Clock::now() + timeLimit;
   std::array<pollfd, 2> streams = {pollfd{out, POLLIN, 0}, pollfd{err, POLLIN, 0}};
   while (streams[0].fd >= 0 || streams[1].fd >= 0) {
     const auto left =
@@ -183,14 +182,16 @@ Outcome runProgram(const Command& command) {
   childErr.close();
 
   Outcome outcome;
-  if (!collect(out.get(), err.get(), outcome)) {
+  if (!collect(out.get(), err.get(), command.timeLimit, outcome)) {
     outcome.timedOut = true;
     kill(child, SIGKILL);
   }
   int status = 0;
-  if (waitpid(child, &status, 0) != child) {
+  rusage usage{};
+  if (wait4(child, &status, 0, &usage) != child) {
     throw std::runtime_error("cannot wait for the program");
   }
+  outcome.peakMemory = std::int64_t{1024} * usage.ru_maxrss;
   if (WIFEXITED(status)) {
     outcome.exitStatus = WEXITSTATUS(status);
   } else {

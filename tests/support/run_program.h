@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -21,6 +23,7 @@ struct Command {
   std::vector<ResourceLimit> limits = {};
   int ignoredSignal = 0;       // 0: none
   bool withoutRights = false;  // gives up root's rights; no change for other users
+  std::chrono::minutes timeLimit{2};
 };
 
 struct Outcome {
@@ -28,6 +31,7 @@ struct Outcome {
   int exitStatus = -1;  // -1 if a signal ended the program
   int signal = 0;       // 0 if it ended by itself
   bool timedOut = false;
+  std::int64_t peakMemory = 0;  // bytes that were resident at most; the caller's at least
 };
 
 /// Runs a program to its end; standard input is empty.
@@ -35,7 +39,7 @@ struct Outcome {
 /// Takes   the command; of the caller's environment the program sees only the options of the
 ///         sanitizers.
 /// Errors  throws std::runtime_error where the system does not let a program start. A program that
-///         takes longer than two minutes is killed. Can be called from several threads at once.
+///         takes longer than its time limit is killed. Can be called from several threads at once.
 Outcome runProgram(const Command& command);
 
 }  // namespace plenvorith::test

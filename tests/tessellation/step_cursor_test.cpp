@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <clocale>
 #include <cmath>
 #include <cstddef>
@@ -167,6 +168,25 @@ TEST(ParseNumber, StopsBehindTheToken) {
   EXPECT_EQ(numberIn("1\0002"s, 1), 1.0);
 }
 
+TEST(ParseNumber, StopsAtEveryByteThatIsNoPartOfIt) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const char c = static_cast<char>(byte);
+    if (std::string_view("0123456789.Ee").find(c) == std::string_view::npos) {
+      EXPECT_EQ(numberIn("12"s + c + "3456789", 2), 12.0) << byte;
+      EXPECT_EQ(numberIn("1.25"s + c + "3456789", 4), 1.25) << byte;
+    }
+  }
+}
+
+TEST(ParseNumber, LeavesTheErrorNumberAsItWas) {
+  errno = EDOM;
+  StepCursor cursor{"0E-999"};
+  const double value = parseNumber(cursor);
+  const int after = errno;
+  EXPECT_EQ(value, 0.0);
+  EXPECT_EQ(after, EDOM);
+}
+
 TEST(ParseNumber, IgnoresADanglingExponent) {
   EXPECT_EQ(numberIn("1e"), 1.0);
   EXPECT_EQ(numberIn("1.E"), 1.0);
@@ -215,6 +235,7 @@ TEST(ParseNumber, RejectsAnOverflow) {
   expectOutOfRange("-1E400");
   expectOutOfRange("1.7976931348623159E308");
   expectOutOfRange("1E99999999999999999999");
+  expectOutOfRange("1E18446744073709551617");  // 2^64 + 1
   expectOutOfRange("1" + std::string(400, '0'));
   EXPECT_EQ(numberIn("1.7976931348623157E308"), std::numeric_limits<double>::max());
   EXPECT_EQ(numberIn("1.7976931348623158E308"), std::numeric_limits<double>::max());
@@ -228,6 +249,7 @@ TEST(ParseNumber, RejectsAnUnderflowThatLosesDigits) {
   expectOutOfRange("2.2250738585072011E-308");
   expectOutOfRange("1E-310");
   expectOutOfRange("1E-99999999999999999999");
+  expectOutOfRange("1E-18446744073709551617");
   EXPECT_EQ(numberIn("2.2250738585072014E-308"), std::numeric_limits<double>::min());
 }
 
@@ -252,6 +274,10 @@ TEST(ParseNumber, RoundsToTheNearestAndHalfWayCasesToEven) {
   EXPECT_EQ(numberIn("9007199254740993"), 9007199254740992.0);
   EXPECT_EQ(numberIn("9007199254740993.0000000000000000000000001"), 9007199254740994.0);
   EXPECT_EQ(numberIn("9007199254740995"), 9007199254740996.0);
+  EXPECT_EQ(numberIn("9007199254740993E1"), 90071992547409936.0);
+  EXPECT_EQ(numberIn("9007199254740992E1"), 90071992547409920.0);
+  EXPECT_EQ(numberIn("3E23"), 0x1.fc3842bd1f072p+77);
+  EXPECT_EQ(numberIn("1E-23"), 0x1.82db34012b251p-77);
   EXPECT_EQ(numberIn("0.1"), 0x1.999999999999ap-4);
   EXPECT_EQ(numberIn("0.1000000000000000055511151231257827021181583404541015625"), 0.1);
   EXPECT_EQ(numberIn("123456789012345678901234567890"), 0x1.8ee90ff6c373ep+96);
