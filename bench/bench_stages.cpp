@@ -1,5 +1,6 @@
 // The stages that are our own code, each by itself, on generated input in memory or on disk.
 
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -18,21 +19,21 @@
 namespace plenvorith {
 namespace {
 
-constexpr int kItems = 100'000;
+constexpr int kItems = 10'000;
 
 std::int64_t bytes(const benchmark::State& state, std::size_t size) {
   return static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(size);
 }
 
-std::string pointList() {
-  std::mt19937 random(1);
+std::string pointList(int decimals) {
+  std::mt19937_64 random(1);
   std::uniform_real_distribution<double> coordinate(-500.0, 500.0);
   std::string text = "(";
   for (int i = 0; i < kItems; ++i) {
-    char point[80];
-    std::snprintf(point, sizeof point, "%s(%.6f,%.6f,%.6f)", i == 0 ? "" : ",", coordinate(random),
-                  coordinate(random), coordinate(random));
-    text += point;
+    std::array<char, 120> point{};
+    std::snprintf(point.data(), point.size(), "%s(%.*f,%.*f,%.*f)", i == 0 ? "" : ",", decimals,
+                  coordinate(random), decimals, coordinate(random), decimals, coordinate(random));
+    text += point.data();
   }
   return text + ")";
 }
@@ -73,7 +74,7 @@ class ExactLikeFile {
 };
 
 void benchPointList(benchmark::State& state) {
-  const std::string text = pointList();
+  const std::string text = pointList(static_cast<int>(state.range(0)));
   for (auto _ : state) {
     StepCursor cursor{text};
     benchmark::DoNotOptimize(parsePointList(cursor));
@@ -81,7 +82,7 @@ void benchPointList(benchmark::State& state) {
   state.SetBytesProcessed(bytes(state, text.size()));
   state.SetItemsProcessed(bytes(state, 3 * kItems));
 }
-BENCHMARK(benchPointList);
+BENCHMARK(benchPointList)->ArgName("decimals")->Arg(6)->Arg(13);
 
 void benchIndexTriples(benchmark::State& state) {
   const std::string text = indexTriples();
@@ -96,8 +97,8 @@ BENCHMARK(benchIndexTriples);
 
 void benchFaceDecoder(benchmark::State& state) {
   const EntityTable table = {
-      {"#1", "COORDINATES_LIST('',100000," + pointList() + ");"},
-      {"#2", "COMPLEX_TRIANGULATED_FACE('',#1,100000,(),$,()," + indexTriples() + ",());"},
+      {"#1", "COORDINATES_LIST('',10000," + pointList(6) + ");"},
+      {"#2", "COMPLEX_TRIANGULATED_FACE('',#1,10000,(),$,()," + indexTriples() + ",());"},
   };
   for (auto _ : state) {
     benchmark::DoNotOptimize(decodeAllTriangulatedFaces(table));

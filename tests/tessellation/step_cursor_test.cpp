@@ -11,6 +11,7 @@
 #include <limits>
 #include <locale>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -39,27 +40,41 @@ using namespace std::string_literals;
 
 constexpr std::size_t kEnd = std::string::npos;
 
+/// What may stand behind a number. Close to the end of the text, and where nothing of a list comes
+/// next, numbers are read in another way than within a list.
+constexpr std::array<std::string_view, 3> kBehind = {"", ",-12.5,0.),(1.25,-2.5E1,3.75),(4,5,6))",
+                                                     "),(1.25,-2.5E1,3.75),(4,5,6),(7,8,9))"};
+
 double numberIn(std::string_view text, std::size_t expectedPos = kEnd) {
-  StepCursor cursor{text};
-  const double value = parseNumber(cursor);
-  EXPECT_EQ(cursor.pos, expectedPos == kEnd ? text.size() : expectedPos) << text;
+  double value = 0.0;
+  std::set<std::uint64_t> values;
+  for (const std::string_view behind : kBehind) {
+    const std::string whole = std::string(text) + std::string(behind);
+    StepCursor cursor{whole};
+    value = parseNumber(cursor);
+    values.insert(std::bit_cast<std::uint64_t>(value));
+    EXPECT_EQ(cursor.pos, expectedPos == kEnd ? text.size() : expectedPos) << whole;
+  }
+  EXPECT_EQ(values.size(), 1U) << text;
   return value;
 }
 
+template <typename Exception>
+void expectError(std::string_view text, std::size_t expectedPos, const char* message) {
+  for (const std::string_view behind : kBehind) {
+    const std::string whole = std::string(text) + std::string(behind);
+    StepCursor cursor{whole};
+    EXPECT_THAT([&] { parseNumber(cursor); }, ThrowsMessage<Exception>(message)) << whole;
+    EXPECT_EQ(cursor.pos, expectedPos) << whole;
+  }
+}
+
 void expectNoNumberIn(std::string_view text, std::size_t expectedPos) {
-  StepCursor cursor{text};
-  EXPECT_THAT([&] { parseNumber(cursor); },
-              ThrowsMessage<std::invalid_argument>("invalid stod argument"))
-      << text;
-  EXPECT_EQ(cursor.pos, expectedPos) << text;
+  expectError<std::invalid_argument>(text, expectedPos, "invalid stod argument");
 }
 
 void expectOutOfRange(std::string_view text) {
-  StepCursor cursor{text};
-  EXPECT_THAT([&] { parseNumber(cursor); },
-              ThrowsMessage<std::out_of_range>("stod argument out of range"))
-      << text;
-  EXPECT_EQ(cursor.pos, text.size()) << text;
+  expectError<std::out_of_range>(text, text.size(), "stod argument out of range");
 }
 
 std::vector<Point3> pointsIn(std::string_view text, std::size_t expectedPos = kEnd) {
@@ -527,7 +542,9 @@ TEST(ParseIndexTriples, GivesTheLeastIntegerForWhatDoesNotFit) {
 template <typename Operation, typename Reference>
 void expectSame(std::string_view text, std::size_t start, Operation operation,
                 Reference reference) {
-  StepCursor cursor{text, start};
+  // Memory of just this size, so that a sanitizer sees what is read behind its end.
+  const std::vector<char> characters(text.begin(), text.end());
+  StepCursor cursor{{characters.data(), characters.size()}, start};
   StepCursor referenceCursor{text, start};
   const Outcome expected = outcomeOf([&] { return reference(referenceCursor); });
   const Outcome actual = outcomeOf([&] { return operation(cursor); });
@@ -536,7 +553,9 @@ void expectSame(std::string_view text, std::size_t start, Operation operation,
 }
 
 void expectSameNumber(std::string_view text) {
-  expectSame(text, 0, parseNumber, test::referenceParseNumber);
+  for (const std::string_view behind : kBehind) {
+    expectSame(std::string(text) + std::string(behind), 0, parseNumber, test::referenceParseNumber);
+  }
 }
 
 void expectSameEverywhere(std::string_view text) {
