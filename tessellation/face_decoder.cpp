@@ -6,7 +6,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "common/reserve.h"
 #include "tessellation/step_cursor.h"
@@ -87,12 +86,6 @@ const std::vector<Point3>* findPoints(const EntityTable& table, const std::strin
   return &cache.emplace(name, parseCoordinates(entity->second)).first->second;
 }
 
-/// A face whose points are known, by the cache that holds them.
-struct LocatedFace {
-  const std::vector<Point3>* points;
-  std::vector<IndexTriple> triples;
-};
-
 void appendTriangles(std::vector<Triangle>& triangles, const std::vector<Point3>& points,
                      const std::vector<IndexTriple>& triples) {
   const auto isPoint = [&points](std::int32_t index) {
@@ -108,42 +101,47 @@ void appendTriangles(std::vector<Triangle>& triangles, const std::vector<Point3>
   }
 }
 
-}  // namespace
-
-std::vector<Triangle> decodeTriangulatedFaces(const EntityTable& table,
-                                              const InstanceNames& faceIds) {
-  // All faces are scanned before the first triangle is made: their number is known then, and the
-  // triangles, by far the largest part of the memory, need not grow by copying.
-  CoordinatesCache cache;
-  std::vector<LocatedFace> faces;
-  std::size_t tripleCount = 0;
-  for (const std::string& faceId : faceIds) {
-    const auto entity = table.find(faceId);
-    if (entity == table.end() || !isFace(entity->second)) {
-      continue;
-    }
-    Face face = parseFace(entity->second);
-    if (const auto* points = findPoints(table, face.coordinates, cache)) {
-      tripleCount += face.triples.size();
-      faces.push_back({points, std::move(face.triples)});
-    }
+std::vector<Triangle> decode(const EntityTable& table, const std::vector<std::string_view>& faces) {
+  std::size_t maxCount = 0;
+  for (const std::string_view text : faces) {
+    maxCount += maxTripleCount(text);
   }
+  // The triangles are by far the largest part of the memory. With room for all of them they need
+  // not grow by copying; what is not used of it is never touched.
   std::vector<Triangle> triangles;
-  reserveLarge(triangles, tripleCount);
-  for (const LocatedFace& face : faces) {
-    appendTriangles(triangles, *face.points, face.triples);
+  reserveLarge(triangles, maxCount);
+  CoordinatesCache cache;
+  for (const std::string_view text : faces) {
+    const Face face = parseFace(text);
+    if (const auto* points = findPoints(table, face.coordinates, cache)) {
+      appendTriangles(triangles, *points, face.triples);
+    }
   }
   return triangles;
 }
 
-std::vector<Triangle> decodeAllTriangulatedFaces(const EntityTable& table) {
-  InstanceNames faceIds;
-  for (const auto& [name, text] : table) {
-    if (isFace(text)) {
-      faceIds.emplace_hint(faceIds.end(), name);
+}  // namespace
+
+std::vector<Triangle> decodeTriangulatedFaces(const EntityTable& table,
+                                              const InstanceNames& faceIds) {
+  std::vector<std::string_view> faces;
+  for (const std::string& faceId : faceIds) {
+    const auto entity = table.find(faceId);
+    if (entity != table.end() && isFace(entity->second)) {
+      faces.push_back(entity->second);
     }
   }
-  return decodeTriangulatedFaces(table, faceIds);
+  return decode(table, faces);
+}
+
+std::vector<Triangle> decodeAllTriangulatedFaces(const EntityTable& table) {
+  std::vector<std::string_view> faces;
+  for (const auto& [name, text] : table) {
+    if (isFace(text)) {
+      faces.push_back(text);
+    }
+  }
+  return decode(table, faces);
 }
 
 }  // namespace plenvorith

@@ -26,6 +26,10 @@ struct IndexTriple {
   std::int32_t k = 0;
 };
 
+/// The most lists of three numbers, "(1,2,3)", that a text may hold. One that is not well-formed
+/// may hold more than this, so the result is good for reserving memory only.
+[[nodiscard]] std::size_t maxTripleCount(std::string_view text);
+
 /// Skips blanks: exactly space, horizontal tab, carriage return and line feed.
 void skipWhitespace(StepCursor& cursor);
 
