@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <iterator>
 #include <string_view>
-#include <utility>
 
 #include "steptext/entity_start.h"
 #include "steptext/line_reader.h"
@@ -11,26 +10,24 @@
 namespace plenvorith {
 namespace {
 
-/// Whether a text may take its memory along into the table: it has little to spare, as after a
-/// single line, or so much of it that the system has not backed the spare part yet.
-bool isWorthMoving(const std::string& text) {
-  constexpr std::size_t kLarge = std::size_t{1} << 20;
-  return text.size() >= kLarge || text.capacity() - text.size() <= text.size() / 8;
+/// Makes room for an entity and returns its place. The best hint for it is behind that of the one
+/// before: most files number their entities upwards, and the place of a number is then right there.
+EntityTable::iterator addEntity(EntityTable& table, EntityTable::iterator previous,
+                                std::string_view name) {
+  const auto hint = previous == table.end() ? previous : std::next(previous);
+  // Unlike operator[], this looks for the place only once.
+  const auto entity = table.emplace_hint(hint, name, std::string());
+  entity->second.clear();  // the last one of a name stays
+  return entity;
 }
 
-/// Stores one entity and returns its place, the best hint for the next one: most files number their
-/// entities upwards, and the place of a number is then right behind that of the number before it.
-EntityTable::iterator store(EntityTable& table, EntityTable::iterator previous,
-                            const std::string& name, std::string& text) {
-  const auto hint = previous == table.end() ? previous : std::next(previous);
-  // Unlike insert_or_assign, this looks for the place only once.
-  const auto place = table.emplace_hint(hint, name, std::string());
-  if (isWorthMoving(text)) {
-    place->second = std::move(text);
-  } else {
-    place->second = text;
+/// Gives back what a text has to spare after it grew, unless that is so much that the system has
+/// not backed it with memory yet.
+void trim(std::string& text) {
+  constexpr std::size_t kLarge = std::size_t{1} << 20;
+  if (text.size() < kLarge && text.capacity() - text.size() > text.size() / 8) {
+    text.shrink_to_fit();
   }
-  return place;
 }
 
 }  // namespace
@@ -40,41 +37,42 @@ void readEntityTable(EntityTable& table, const std::string& path) {
   if (!lines.isOpen()) {
     return;
   }
-  std::string name;
-  std::string text;
+  auto entity = table.end();  // that the lines belong to; none yet
   bool isFirstLine = false;
   bool isCut = false;
-  auto previous = table.end();
   std::string_view piece;
   while (lines.next(piece)) {
     if (lines.startsLine()) {
       const std::size_t nameLength = entityNameLength(piece);
       isFirstLine = nameLength > 0;
       if (isFirstLine) {
-        if (!name.empty()) {
-          previous = store(table, previous, name, text);
+        if (entity != table.end()) {
+          trim(entity->second);
         }
-        name.assign(piece.substr(0, nameLength));
-        text.clear();
+        entity = addEntity(table, entity, piece.substr(0, nameLength));
         piece.remove_prefix(nameLength + 1);
         isCut = false;
-      } else if (!name.empty()) {
-        text += ' ';
+      } else if (entity != table.end()) {
+        entity->second += ' ';
       }
     }
+    if (entity == table.end()) {
+      continue;
+    }
+    std::string& text = entity->second;
     if (isFirstLine && !isCut) {
       const std::size_t carriageReturn = piece.find('\r');
       text += piece.substr(0, carriageReturn);
       isCut = carriageReturn != std::string_view::npos;
-    } else if (!isFirstLine && !name.empty()) {
+    } else if (!isFirstLine) {
       text += piece;
       if (lines.endsLine() && text.back() == '\r') {
         text.pop_back();
       }
     }
   }
-  if (!name.empty()) {
-    store(table, previous, name, text);
+  if (entity != table.end()) {
+    trim(entity->second);
   }
 }
 

@@ -69,6 +69,9 @@ InstanceNames pairedRepresentations(const EntityTable& table, const NameViews& e
   // Skips up to the length of the pattern at once; the text of every entity is searched.
   const std::boyer_moore_horspool_searcher searcher(kRelationship.begin(), kRelationship.end());
   InstanceNames paired;
+  if (exact.empty()) {
+    return paired;  // without a look at all the text of a file that holds nothing but tessellation
+  }
   for (const auto& [name, text] : table) {
     if (std::search(text.begin(), text.end(), searcher) != text.end()) {
       collectPaired(text, exact, tessellated, paired);
