@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <map>
@@ -14,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
+#include <pthread.h>
 
 #include "bench/stopwatch.h"
 
@@ -33,16 +34,13 @@ void readTable(Table& table, const std::string& path) {
       line.pop_back();
     }
     const std::regex pattern(R"(^(#\d+)=(.*))");
-    // The expression is tried on the head of the line alone: the library's engine recurses for
-    // every character and overflows the stack on long lines.
     std::smatch match;
-    const std::string head = line.substr(0, 1000);
-    if (std::regex_search(head, match, pattern)) {
+    if (std::regex_search(line, match, pattern)) {
       if (!name.empty()) {
         table[name] = text;
       }
       name = match[1];
-      text = line.substr(name.size() + 1);
+      text = match[2];
     } else if (!name.empty()) {
       text += " " + line;
     }
@@ -120,15 +118,9 @@ std::vector<Point> coordinates(const std::string& text) {
   return cursor.triples();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc != 3) {
-    return 2;
-  }
-  const plenvorith::bench::Stopwatch stopwatch;
+void convert(const char* input, const char* output) {
   Table table;
-  readTable(table, argv[1]);
+  readTable(table, input);
   std::set<std::string> faces;
   for (const auto& [name, text] : table) {
     if (text.rfind("COMPLEX_TRIANGULATED_FACE(", 0) == 0) {
@@ -177,7 +169,7 @@ int main(int argc, char** argv) {
       triangles.push_back(triangle);
     }
   }
-  std::ofstream file(argv[2], std::ios::binary);
+  std::ofstream file(output, std::ios::binary);
   char header[80] = "Plenvorith binary STL";
   file.write(header, sizeof header);
   const auto count = static_cast<std::uint32_t>(triangles.size());
@@ -193,6 +185,32 @@ int main(int argc, char** argv) {
   }
   file.close();
   std::printf("triangles %zu\n", triangles.size());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    return 2;
+  }
+  const plenvorith::bench::Stopwatch stopwatch;
+  // The library's expressions recurse for every character of a line, which takes more stack than a
+  // program is started with.
+  constexpr std::size_t kStack = std::size_t{4} << 30;
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kStack);
+  pthread_t thread{};
+  const auto run = [](void* arguments) -> void* {
+    char** const paths = static_cast<char**>(arguments);
+    convert(paths[1], paths[2]);
+    return nullptr;
+  };
+  if (pthread_create(&thread, &attributes, run, argv) != 0) {
+    std::perror("pthread_create");
+    return 1;
+  }
+  pthread_join(thread, nullptr);
   stopwatch.report();
   return 0;
 }

@@ -2,6 +2,10 @@
 //
 //   stage table INPUT            reading the entity table
 //   stage analysis INPUT         the analysis of that table, without reading it
+//   stage copy INPUT             a copy of that table: what memory for it takes, without reading
+//                                and without a search for any place
+//   stage walk INPUT             a walk over that table that adds up the lengths of its texts: the
+//                                least that looking at every entity takes
 //   stage strip INPUT            stripping, with the copy in the temporary directory
 //   stage write OUTPUT COUNT     writing COUNT triangles to STL
 
@@ -54,8 +58,21 @@ int main(int argc, char** argv) {
     reading.report();
     return 0;
   }
-  const Stopwatch analysing;
-  const plenvorith::TessellationAnalysis analysis = plenvorith::analyzeTessellation(table);
-  analysing.report();
-  return analysis.uniqueFaces.size() > table.size() ? 1 : 0;
+  const Stopwatch looking;
+  std::size_t result = 0;
+  if (std::strcmp(argv[1], "copy") == 0) {
+    const plenvorith::EntityTable copy(table);
+    looking.report();
+    return copy.size() == table.size() ? 0 : 1;
+  }
+  if (std::strcmp(argv[1], "walk") == 0) {
+    for (const auto& [name, text] : table) {
+      result += text.size();
+    }
+  } else {
+    result = plenvorith::analyzeTessellation(table).uniqueFaces.size();
+  }
+  looking.report();
+  std::printf("result %zu\n", result);
+  return 0;
 }

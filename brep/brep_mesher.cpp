@@ -60,7 +60,8 @@ bool meshShape(const TopoDS_Shape& shape, double deflection) {
   constexpr bool kRelative = false;
   constexpr double kAngularDeflection = 0.5;
   constexpr bool kInParallel = false;
-  // The constructor meshes already. Meshing again divides what the first pass left too coarse.
+  // The constructor meshes already. Whether a second pass finds anything left to do is up to the
+  // release of the kernel; on what is meshed well enough it costs next to nothing.
   BRepMesh_IncrementalMesh mesher(shape, deflection, kRelative, kAngularDeflection, kInParallel);
   mesher.Perform(Message_ProgressRange());
   return mesher.IsDone();
