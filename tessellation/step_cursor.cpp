@@ -183,8 +183,8 @@ class FastCursor {
   }
   const char* p = p_;
   std::uint64_t digits = loadDigits(p);
-  // A minus is made a leading zero. It is as likely as not, so that a branch for it would cost more
-  // than the rest; nor does the place of what follows wait for it.
+  // A minus is made a leading zero. It is as likely as not, so that a branch for it would cost half
+  // as much as the rest; nor does the place of what follows wait for it.
   const std::uint64_t first = digits & 0xFF;
   const std::uint64_t sign = ((first ^ ('-' ^ '0')) - 1) >> 63;
   int count = countUnmarked(markOthers(digits) & ~std::uint64_t{0x80});
