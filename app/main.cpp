@@ -1,55 +1,5 @@
-#include <cctype>
-#include <cstdlib>
-#include <iostream>
-#include <string>
+#include "app/command_line.h"
 
-#include "app/clean_step_pipeline.h"
-#include "app/stl_pipeline.h"
-
-namespace {
-
-/// What follows the last "." of a path, in lower case; the whole path if it has none. A dot in a
-/// directory name counts as well.
-std::string extensionOf(const std::string& path) {
-  const std::size_t dot = path.rfind('.');
-  std::string extension = dot == std::string::npos ? path : path.substr(dot + 1);
-  for (char& c : extension) {
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  }
-  return extension;
-}
-
-/// The linear deflection that an argument asks for. What is no number is 0 to `atof`, and only what
-/// is 0 or less is replaced: "nan" goes to the mesher as it is.
-double deflectionFrom(const char* argument) {
-  constexpr double kDefaultDeflection = 0.1;
-  const double deflection = argument == nullptr ? 0.0 : std::atof(argument);
-  return deflection <= 0.0 ? kDefaultDeflection : deflection;
-}
-
-}  // namespace
-
-// Arguments: input path, output path, deflection (optional), and anything at all to write one file
-// for each shape (optional).
 int main(int argc, char** argv) {
-  if (argc < 3) {
-    return 1;
-  }
-  const std::string inputPath = argv[1];
-  const std::string outputPath = argv[2];
-  const double deflection = deflectionFrom(argc >= 4 ? argv[3] : nullptr);
-  const bool splitShapes = argc >= 5;
-
-  const std::string extension = extensionOf(outputPath);
-  bool converted = false;
-  if (extension == "stl") {
-    converted = plenvorith::convertToStl(inputPath, outputPath, deflection, splitShapes);
-  } else if (extension == "step" || extension == "stp") {
-    converted = plenvorith::convertToCleanStep(inputPath, outputPath, deflection, splitShapes);
-  } else {
-    std::cerr << "Unsupported format: " << extension << std::endl;
-    return 1;
-  }
-  std::cout << (converted ? "Done" : "Failed") << std::endl;
-  return converted ? 0 : 1;
+  return plenvorith::runConverter(argc, argv);
 }
