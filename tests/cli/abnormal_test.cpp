@@ -4,8 +4,8 @@
 #include <csignal>
 #include <string>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -99,7 +99,7 @@ TEST(AbnormalEnd, FollowsAFaceWithoutAQuotedName) {
 
 TEST(AbnormalEnd, LeavesOutTheTrianglesOfFacesThatWereInOrder) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(stepFile(kUnique),
+  dir.write("in.step", appendEntities(stepFile(unique()),
                                       "#99=COMPLEX_TRIANGULATED_FACE('',#523,x,(),$,(),(),());\n"));
   const std::string out = kUntilDecoding;
   expectRun(dir, {"in.step", "out.stl"},
@@ -111,7 +111,7 @@ TEST(AbnormalEnd, LeavesOutTheTrianglesOfFacesThatWereInOrder) {
 
 TEST(AbnormalEnd, LeavesTheCopyWhenTheKernelRefusesTheDeflection) {
   const Sandbox dir;
-  dir.write("paired.step", appendEntities(box(), kPaired));
+  dir.write("paired.step", appendEntities(box(), paired()));
   expectRun(dir, {"paired.step", "out.stl", "1e-9"},
             {.out = ownLines(R"(Reading: paired.step
 [1] Analyzing file structure...
@@ -154,7 +154,7 @@ TEST(AbnormalEnd, LeavesTheInputWhenTheKernelRefusesTheDeflection) {
 
 TEST(AbnormalEnd, FollowsATemporaryDirectoryThatIsMissing) {
   const Sandbox dir;
-  dir.write("paired.step", appendEntities(box(), kPaired));
+  dir.write("paired.step", appendEntities(box(), paired()));
   expectRun(dir, {"paired.step", "out.step"},
             {.out = R"(Reading: paired.step
 [1] Analyzing file structure...
@@ -170,7 +170,7 @@ TEST(AbnormalEnd, FollowsATemporaryDirectoryThatIsMissing) {
 
 TEST(AbnormalEnd, FollowsATemporaryDirectoryThatIsAFile) {
   const Sandbox dir;
-  dir.write("paired.step", appendEntities(box(), kPaired));
+  dir.write("paired.step", appendEntities(box(), paired()));
   expectRun(dir, {"paired.step", "out.step", "0.1", "x"},
             {.err = uncaught("filesystem_error", "temp_directory_path"),
              .exitStatus = kNoExitStatus,
@@ -180,7 +180,7 @@ TEST(AbnormalEnd, FollowsATemporaryDirectoryThatIsAFile) {
 
 TEST(AbnormalEnd, DoesNotFollowAMissingTemporaryDirectoryThatIsNotNeeded) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(dir, {"in.step", "out.stl"},
             {.out = std::string(kUntilDecoding) + R"(  Parsed 2 triangles from tessellation
 [5] Writing STL: 2 triangles (BRep: 0 + Tess: 2)

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -20,7 +20,7 @@ void expectCleanStep(const Sandbox& dir, const std::string& path, double volume)
   EXPECT_THAT(file, Not(HasSubstr("TRIANGULATED_")));
   const Sandbox again;
   again.write("in.step", file);
-  EXPECT_EQ(again.run({"in.step", "out.stl"}).exitStatus, 0);
+  EXPECT_EQ(runIn(again, {"in.step", "out.stl"}).exitStatus, 0);
   EXPECT_EQ(volumeOf(recordsOf(again.read("out.stl"))), volume);
 }
 
@@ -99,7 +99,7 @@ Done
 
 TEST(ToCleanStep, CutsOutTessellationThatIsPaired) {
   const Sandbox dir;
-  dir.write("paired.step", appendEntities(box(), kPaired));
+  dir.write("paired.step", appendEntities(box(), paired()));
   expectRun(dir, {"paired.step", "clean.step"},
             {.out = ownLines(R"(Reading: paired.step
 [1] Analyzing file structure...
@@ -118,7 +118,7 @@ Done
 
 TEST(ToCleanStep, TurnsTessellationAloneIntoStl) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(dir, {"in.step", "model.stp"},
             {.out = R"(Reading: in.step
 [1] Analyzing file structure...
@@ -135,7 +135,7 @@ Done
 
 TEST(ToCleanStep, TurnsMixedGeometryIntoStl) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
   expectRun(dir, {"mixed.step", "a.b.step"},
             {.out = ownLines(R"(Reading: mixed.step
 [1] Analyzing file structure...
@@ -181,7 +181,7 @@ Done
 
 TEST(ToCleanStep, WritesUniqueTessellationAloneWhenExactGeometryIsMissing) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(stepFile(kPaired), kUnique));
+  dir.write("in.step", appendEntities(stepFile(paired()), unique()));
   expectRun(dir, {"in.step", "step"},
             {.out = ownLines(R"(Reading: in.step
 [1] Analyzing file structure...
@@ -218,7 +218,7 @@ Failed
 
 TEST(ToCleanStep, RejectsPairedTessellationWhoseExactGeometryIsMissing) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kPaired));
+  dir.write("in.step", stepFile(paired()));
   expectRun(dir, {"in.step", "out.step"},
             {.out = ownLines(R"(Reading: in.step
 [1] Analyzing file structure...
@@ -251,7 +251,7 @@ Failed
 
 TEST(ToCleanStep, RejectsMixedGeometryWithoutAnyTriangles) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(stepFile(kPaired),
+  dir.write("in.step", appendEntities(stepFile(paired()),
                                       "#520=TESSELLATED_SHAPE_REPRESENTATION('',(#521),#165);\n"));
   expectRun(dir, {"in.step", "out.step"},
             {.out = ownLines(R"(Reading: in.step
@@ -289,7 +289,7 @@ Failed
 
 TEST(ToCleanStep, RejectsAnOutputInAMissingDirectoryForPairedTessellation) {
   const Sandbox dir;
-  dir.write("paired.step", appendEntities(box(), kPaired));
+  dir.write("paired.step", appendEntities(box(), paired()));
   expectRun(dir, {"paired.step", "missing/out.step"},
             {.out = ownLines(R"(Reading: paired.step
 [1] Analyzing file structure...
@@ -307,7 +307,7 @@ Failed
 
 TEST(ToCleanStep, RejectsAnOutputInAMissingDirectoryForTessellationAlone) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(dir, {"in.step", "missing/out.step"},
             {.out = R"(Reading: in.step
 [1] Analyzing file structure...
@@ -323,7 +323,7 @@ Failed
 
 TEST(ToCleanStep, RejectsAnOutputInAMissingDirectoryForMixedGeometry) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
   expectRun(dir, {"mixed.step", "missing/out.step"},
             {.out = ownLines(R"(Reading: mixed.step
 [1] Analyzing file structure...
@@ -363,7 +363,7 @@ Done
 
 TEST(ToCleanStep, SplitLeavesOutTessellationUniqueOrNot) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
   expectRun(dir, {"mixed.step", "out.stp", "0.1", "x"},
             {.out = ownLines(R"([PREPROCESS] Stripped 8 lines -> tmp/mixed.step.clean.stp
   BRep: roots=1, shapes=1
@@ -377,7 +377,7 @@ Done
 
 TEST(ToCleanStep, SplitWritesExactGeometryThatNoTessellationIsPairedWith) {
   const Sandbox dir;
-  dir.write("unpaired.step", appendEntities(box(), kUnique));
+  dir.write("unpaired.step", appendEntities(box(), unique()));
   expectRun(dir, {"unpaired.step", "STEP", "0.1", "x"},
             {.out = ownLines(R"([PREPROCESS] Stripped 4 lines -> tmp/unpaired.step.clean.stp
   BRep: roots=1, shapes=1
@@ -391,7 +391,7 @@ Done
 
 TEST(ToCleanStep, SplitRejectsTessellationAlone) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(
       dir, {"in.step", "out.step", "0.1", "x"},
       {.out = ownLinesWithoutGeometry(R"([PREPROCESS] Stripped 4 lines -> tmp/in.step.clean.stp
@@ -404,7 +404,7 @@ Failed
 
 TEST(ToCleanStep, SplitRejectsAFileThatTransfersNothing) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kPaired));
+  dir.write("in.step", stepFile(paired()));
   expectRun(dir, {"in.step", "out.step", "0.1", "x"},
             {.out = ownLines(R"([PREPROCESS] Stripped 4 lines -> tmp/in.step.clean.stp
   BRep: roots=0, shapes=0

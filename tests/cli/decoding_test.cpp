@@ -6,8 +6,8 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -18,7 +18,7 @@ using testing::HasSubstr;
 std::vector<StlRecord> decoded(const std::string& entities) {
   const Sandbox dir;
   dir.write("in.step", stepFile("#1=TESSELLATED_SHAPE_REPRESENTATION('',(),#9);\n" + entities));
-  const Outcome outcome = dir.run({"in.step", "out.stl"});
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl"});
   EXPECT_THAT(outcome.out, HasSubstr("  Status: tessellation only (no BRep)\n"));
   EXPECT_EQ(outcome.err, outcome.exitStatus == 0 ? "" : "Error: No geometry found in file\n");
   return outcome.exitStatus == 0 ? recordsOf(dir.read("out.stl")) : std::vector<StlRecord>();
@@ -123,7 +123,7 @@ TEST_P(EntityCount, IsThatOfTheNamesThatBeginALine) {
   const Sandbox dir;
   const auto& [entities, count] = GetParam();
   dir.write("in.step", entities);
-  EXPECT_THAT(dir.run({"in.step", "out.stl"}).out,
+  EXPECT_THAT(runIn(dir, {"in.step", "out.stl"}).out,
               HasSubstr(std::string("  Parsed ") + count + " entities\n"));
 }
 
@@ -145,7 +145,7 @@ TEST_P(Classification, IsShownWithItsCounts) {
   const Sandbox dir;
   const auto& [entities, status, counts] = GetParam();
   dir.write("in.step", stepFile(entities));
-  EXPECT_THAT(dir.run({"in.step", "out.stl"}).out,
+  EXPECT_THAT(runIn(dir, {"in.step", "out.stl"}).out,
               HasSubstr(std::string("  Status: ") + status +
                         "\n  Paired tess representations: " + std::to_string(counts[0]) +
                         "\n  Unique tess representations: " + std::to_string(counts[1]) +
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(ClassificationRule, NeedsTheTypeRightBehindTheEqualsSign) {
   const Sandbox dir;
   dir.write("in.step", stepFile("#5= TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);\n"));
-  EXPECT_THAT(dir.run({"in.step", "out.stl"}).out,
+  EXPECT_THAT(runIn(dir, {"in.step", "out.stl"}).out,
               HasSubstr("  Status: no tessellation\n[3] Stripping"));
 }
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <tuple>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -41,7 +41,7 @@ std::string cleanStepTranscript(const std::string& stlPath) {
 
 TEST(Entry, SaysNothingForFewerThanTwoArguments) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(dir, {}, {.exitStatus = 1});
   expectRun(dir, {"in.step"}, {.exitStatus = 1});
 }
@@ -51,7 +51,7 @@ using OutputName = testing::TestWithParam<const char*>;
 TEST_P(OutputName, WithStlAsExtensionInAnyCaseIsWrittenAsGiven) {
   const Sandbox dir;
   const std::string output = GetParam();
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   dir.makeDirectory("dir.step");
   expectRun(dir, {"in.step", output}, {.out = stlTranscript(output), .made = {output}});
   EXPECT_EQ(dir.read(output), stlFile(kUniqueTriangles));
@@ -66,7 +66,7 @@ using StepName = testing::TestWithParam<std::tuple<const char*, const char*>>;
 TEST_P(StepName, RunsTheCleanStepPipeline) {
   const Sandbox dir;
   const auto& [output, stlPath] = GetParam();
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(dir, {"in.step", output}, {.out = cleanStepTranscript(stlPath), .made = {stlPath}});
   EXPECT_EQ(dir.read(stlPath), stlFile(kUniqueTriangles));
 }
@@ -83,7 +83,7 @@ using OtherName = testing::TestWithParam<std::tuple<const char*, const char*>>;
 TEST_P(OtherName, IsRejectedWithItsExtensionInLowerCase) {
   const Sandbox dir;
   const auto& [output, extension] = GetParam();
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   dir.makeDirectory("dir.old");
   expectRun(dir, {"in.step", output},
             {.err = std::string("Unsupported format: ") + extension + "\n", .exitStatus = 1});
@@ -163,14 +163,14 @@ Done
 
 TEST(Entry, IgnoresWhatFollowsTheFourthArgument) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
+  dir.write("in.step", stepFile(unique()));
   expectRun(dir, {"in.step", "out.stl", "0.2", "x", "y", "--help"},
             {.out = stlTranscript("out.stl"), .made = {"out.stl"}});
 }
 
 TEST(Entry, TakesTheInputWhateverItsName) {
   const Sandbox dir;
-  dir.write("in", stepFile(kUnique));
+  dir.write("in", stepFile(unique()));
   std::string transcript = stlTranscript("out.stl");
   transcript.erase(transcript.find(".step"), 5);
   expectRun(dir, {"in", "out.stl"}, {.out = transcript, .made = {"out.stl"}});

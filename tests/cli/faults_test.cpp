@@ -11,8 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -237,9 +237,9 @@ TEST(Output, MayBeTheInput) {
   expectRun(dir, {"box.step", "box.step"},
             {.out = ownLines(std::string(kBoxToStepTranscript) + "Saved: box.step\nDone\n"),
              .overwritten = {"box.step"}});
-  EXPECT_THAT(dir.run({"box.step", "out.stl"}).out, HasSubstr("  BRep: 12 triangles\n"));
+  EXPECT_THAT(runIn(dir, {"box.step", "out.stl"}).out, HasSubstr("  BRep: 12 triangles\n"));
 
-  dir.write("in.stl", stepFile(kUnique));
+  dir.write("in.stl", stepFile(unique()));
   expectRun(dir, {"in.stl", "in.stl"},
             {.out = R"(Reading: in.stl
 [1] Analyzing file structure...
@@ -262,9 +262,9 @@ Done
 
 TEST(FullDisk, IsNotNoticedByTheStlWriter) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kUnique));
-  const Outcome outcome =
-      dir.run({"in.step", "out.stl"}, {.limits = {{RLIMIT_FSIZE, 100}}, .ignoredSignal = SIGXFSZ});
+  dir.write("in.step", stepFile(unique()));
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl"},
+                                {.limits = {{RLIMIT_FSIZE, 100}}, .ignoredSignal = SIGXFSZ});
   EXPECT_THAT(outcome.out, HasSubstr("\nSaved: out.stl\nDone\n"));
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(outcome.exitStatus, 0);

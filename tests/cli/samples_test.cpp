@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -68,8 +68,8 @@ Done
 TEST(Samples, BracketHasMoreTrianglesTheFinerTheMesh) {
   const Sandbox dir;
   addSample(dir, "bracket.step");
-  EXPECT_EQ(dir.run({"bracket.step", "coarse.stl", "1"}).exitStatus, 0);
-  EXPECT_EQ(dir.run({"bracket.step", "fine.stl", "0.01"}).exitStatus, 0);
+  EXPECT_EQ(runIn(dir, {"bracket.step", "coarse.stl", "1"}).exitStatus, 0);
+  EXPECT_EQ(runIn(dir, {"bracket.step", "fine.stl", "0.01"}).exitStatus, 0);
   EXPECT_GT(recordsOf(dir.read("fine.stl")).size(), recordsOf(dir.read("coarse.stl")).size());
 }
 
@@ -207,7 +207,7 @@ TEST(Samples, MixedTakesTheDeflectionToCleanStepAsWell) {
   const Sandbox dir;
   addSample(dir, "mixed.step");
   const auto trianglesAt = [&dir](const std::string& deflection) {
-    EXPECT_EQ(dir.run({"mixed.step", "out.stp", deflection}).exitStatus, 0);
+    EXPECT_EQ(runIn(dir, {"mixed.step", "out.stp", deflection}).exitStatus, 0);
     return recordsOf(dir.read("out.stl")).size();
   };
   EXPECT_LT(2 * trianglesAt("1"), trianglesAt("0.01"));

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -34,7 +34,7 @@ Done
 
 TEST(ToStl, IgnoresTessellationThatIsPaired) {
   const Sandbox dir;
-  dir.write("paired.step", appendEntities(box(), kPaired));
+  dir.write("paired.step", appendEntities(box(), paired()));
   expectRun(dir, {"paired.step", "out.stl"},
             {.out = ownLines(R"(Reading: paired.step
 [1] Analyzing file structure...
@@ -61,7 +61,7 @@ Done
 
 TEST(ToStl, PutsUniqueTessellationBehindExactGeometry) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
   expectRun(dir, {"mixed.step", "out.stl"},
             {.out = ownLines(R"(Reading: mixed.step
 [1] Analyzing file structure...
@@ -107,14 +107,14 @@ Done
 
 TEST(ToStl, LeavesOutExactGeometryThatNoTessellationIsPairedWith) {
   const Sandbox dir;
-  dir.write("unpaired.step", appendEntities(box(), kUnique));
+  dir.write("unpaired.step", appendEntities(box(), unique()));
   expectRun(dir, {"unpaired.step", "out.stl"}, {.out = kUnpairedTranscript, .made = {"out.stl"}});
   EXPECT_EQ(dir.read("out.stl"), stlFile(kUniqueTriangles));
 }
 
 TEST(ToStl, DoesNotSplitWhatHasTessellationOnly) {
   const Sandbox dir;
-  dir.write("unpaired.step", appendEntities(box(), kUnique));
+  dir.write("unpaired.step", appendEntities(box(), unique()));
   expectRun(dir, {"unpaired.step", "out.stl", "0.1", "x"},
             {.out = kUnpairedTranscript, .made = {"out.stl"}});
   EXPECT_EQ(dir.read("out.stl"), stlFile(kUniqueTriangles));
@@ -181,7 +181,7 @@ Failed
 
 TEST(ToStl, RejectsPairedTessellationWhoseExactGeometryIsMissing) {
   const Sandbox dir;
-  dir.write("in.step", stepFile(kPaired));
+  dir.write("in.step", stepFile(paired()));
   expectRun(dir, {"in.step", "out.stl"},
             {.out = ownLines(R"(Reading: in.step
 [1] Analyzing file structure...
@@ -242,7 +242,7 @@ Done
 
 TEST(ToStl, WritesUniqueTessellationAloneWhenExactGeometryIsMissing) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(stepFile(kPaired), kUnique));
+  dir.write("in.step", appendEntities(stepFile(paired()), unique()));
   expectRun(dir, {"in.step", "out.stl"},
             {.out = ownLines(kMissingExactTranscript), .made = {"out.stl"}});
   EXPECT_EQ(dir.read("out.stl"), stlFile(kUniqueTriangles));
@@ -250,7 +250,7 @@ TEST(ToStl, WritesUniqueTessellationAloneWhenExactGeometryIsMissing) {
 
 TEST(ToStl, DoesNotSplitWhenExactGeometryIsMissing) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(stepFile(kPaired), kUnique));
+  dir.write("in.step", appendEntities(stepFile(paired()), unique()));
   expectRun(dir, {"in.step", "out.stl", "0.1", "x"},
             {.out = ownLines(kMissingExactTranscript), .made = {"out.stl"}});
   EXPECT_EQ(dir.read("out.stl"), stlFile(kUniqueTriangles));
@@ -319,7 +319,7 @@ constexpr const char* kMixedSplitStart = R"(Reading: mixed.step
 
 TEST(ToStl, SplitWritesUniqueTessellationToAFileOfItsOwn) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
   expectRun(dir, {"mixed.step", "out.STL", "0.1", "x"},
             {.out = ownLines(std::string(kMixedSplitStart) + R"(  Saved: out.STL_1.stl
   Saved tessellation: out.STL_tess.stl
@@ -332,7 +332,7 @@ Done
 
 TEST(ToStl, SplitReportsFilesThatCouldNotBeWritten) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
   expectRun(dir, {"mixed.step", "missing/out.stl", "0.1", "x"},
             {.out = ownLines(std::string(kMixedSplitStart) + R"(  Saved: missing/out.stl_1.stl
   Saved tessellation: missing/out.stl_tess.stl
@@ -359,15 +359,15 @@ Done
 
 TEST(ToStl, WritesTheSameBytesEachTime) {
   const Sandbox dir;
-  dir.write("mixed.step", appendEntities(appendEntities(box(), kPaired), kUnique));
-  EXPECT_EQ(dir.run({"mixed.step", "a.stl"}).exitStatus, 0);
-  EXPECT_EQ(dir.run({"mixed.step", "b.stl"}).exitStatus, 0);
+  dir.write("mixed.step", appendEntities(appendEntities(box(), paired()), unique()));
+  EXPECT_EQ(runIn(dir, {"mixed.step", "a.stl"}).exitStatus, 0);
+  EXPECT_EQ(runIn(dir, {"mixed.step", "b.stl"}).exitStatus, 0);
   EXPECT_EQ(dir.read("a.stl"), dir.read("b.stl"));
 }
 
 TEST(ToStl, ReplacesAnExistingFile) {
   const Sandbox dir;
-  dir.write("unpaired.step", appendEntities(box(), kUnique));
+  dir.write("unpaired.step", appendEntities(box(), unique()));
   dir.write("out.stl", std::string(1000, 'x'));
   expectRun(dir, {"unpaired.step", "out.stl"},
             {.out = kUnpairedTranscript, .overwritten = {"out.stl"}});

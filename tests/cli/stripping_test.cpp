@@ -5,8 +5,8 @@
 #include <csignal>
 #include <string>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -18,7 +18,7 @@ using testing::HasSubstr;
 void expectStripped(const std::string& input, int lines, const std::string& copy) {
   const Sandbox dir;
   dir.write("in.step", input);
-  const Outcome outcome = dir.run({"in.step", "out.stl", "1e-9"});
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl", "1e-9"});
   EXPECT_THAT(outcome.signal, AnyOf(SIGABRT, SIGSEGV));
   EXPECT_THAT(outcome.out, HasSubstr("\n[PREPROCESS] Stripped " + std::to_string(lines) +
                                      " lines -> tmp/in.step.clean.stp\n"));
@@ -29,7 +29,7 @@ void expectStripped(const std::string& input, int lines, const std::string& copy
 TEST(Stripping, MakesNoCopyWithoutATriggerWord) {
   const Sandbox dir;
   dir.write("in.step", appendEntities(box(), "#500=COORDINATES_LIST('',0,());\n"));
-  const Outcome outcome = dir.run({"in.step", "out.stl", "1e-9"});
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl", "1e-9"});
   EXPECT_EQ(outcome.signal, SIGABRT);
   EXPECT_THAT(outcome.out, HasSubstr("[3] Stripping tessellation and reading BRep...\n  BRep: "));
   EXPECT_TRUE(std::filesystem::is_empty(dir / "tmp"));
@@ -51,7 +51,7 @@ TEST(Stripping, KeepsComplexEntities) {
 }
 
 TEST(Stripping, CutsOutEachOfTheFourKindsAndKeepsReferencesToThem) {
-  expectStripped(appendEntities(box(), kPaired), 4,
+  expectStripped(appendEntities(box(), paired()), 4,
                  appendEntities(box(),
                                 "#500=SHAPE_REPRESENTATION('',(#11),#165);\n"
                                 "#501=SHAPE_REPRESENTATION_RELATIONSHIP('','',#500,#510);\n"));
@@ -93,18 +93,18 @@ TEST(Stripping, EndsTheCopyWithALineFeed) {
 TEST(Stripping, NamesTheCopyAfterTheLastPartOfThePath) {
   const Sandbox dir;
   dir.makeDirectory("a");
-  dir.write("a/in", appendEntities(box(), kPaired));
+  dir.write("a/in", appendEntities(box(), paired()));
   const std::string absolute = dir / "a/in";
   for (const std::string& input : {std::string("a/in"), std::string("./a/../a//in"), absolute}) {
-    EXPECT_THAT(dir.run({input, "out.stl"}).out,
+    EXPECT_THAT(runIn(dir, {input, "out.stl"}).out,
                 HasSubstr("[PREPROCESS] Stripped 4 lines -> tmp/in.clean.stp\n"));
   }
 }
 
 TEST(Stripping, TakesABackslashAsASeparatorToo) {
   const Sandbox dir;
-  dir.write("a\\in.step", appendEntities(box(), kPaired));
-  EXPECT_THAT(dir.run({"a\\in.step", "out.stl"}).out,
+  dir.write("a\\in.step", appendEntities(box(), paired()));
+  EXPECT_THAT(runIn(dir, {"a\\in.step", "out.stl"}).out,
               HasSubstr("[PREPROCESS] Stripped 4 lines -> tmp/in.step.clean.stp\n"));
 }
 

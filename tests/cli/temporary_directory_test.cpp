@@ -6,8 +6,8 @@
 
 #include <sys/resource.h>
 
+#include "tests/cli/expect_run.h"
 #include "tests/cli/inputs.h"
-#include "tests/cli/sandbox.h"
 
 namespace plenvorith::test {
 namespace {
@@ -58,7 +58,7 @@ Failed
 
 TEST(TemporaryDirectory, MayEndInASlash) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   expectRun(
       dir, {"in.step", "out.stl"},
       {.out = ownLines(pairedTranscript("in.step", "tmp/in.step.clean.stp")), .made = {"out.stl"}},
@@ -67,7 +67,7 @@ TEST(TemporaryDirectory, MayEndInASlash) {
 
 TEST(TemporaryDirectory, MayBeAbsolute) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   const std::string absolute = dir / "tmp";
   expectRun(dir, {"in.step", "out.stl"},
             {.out = ownLines(pairedTranscript("in.step", absolute + "/in.step.clean.stp")),
@@ -77,7 +77,7 @@ TEST(TemporaryDirectory, MayBeAbsolute) {
 
 TEST(TemporaryDirectory, MayBeNotWritable) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   fs::permissions(dir / "tmp", fs::perms::owner_read | fs::perms::owner_exec |
                                    fs::perms::others_read | fs::perms::others_exec);
   expectRun(dir, {"in.step", "out.stl"},
@@ -101,7 +101,7 @@ Failed
 
 TEST(TemporaryDirectory, MayHoldADirectoryInPlaceOfTheCopy) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   dir.makeDirectory("tmp/in.step.clean.stp");
   dir.write("tmp/in.step.clean.stp/kept", "kept");
   expectRun(dir, {"in.step", "out.stl"},
@@ -112,9 +112,9 @@ TEST(TemporaryDirectory, MayHoldADirectoryInPlaceOfTheCopy) {
 
 TEST(TemporaryDirectory, MayHoldAStaleCopyWhichIsReplacedAndDeleted) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   dir.write("tmp/in.step.clean.stp", std::string(100000, 'x'));
-  const Outcome outcome = dir.run({"in.step", "out.stl"});
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl"});
   EXPECT_THAT(outcome.out, ownLines(pairedTranscript("in.step", "tmp/in.step.clean.stp")));
   EXPECT_EQ(outcome.exitStatus, 0);
   EXPECT_TRUE(fs::is_empty(dir / "tmp"));
@@ -123,7 +123,7 @@ TEST(TemporaryDirectory, MayHoldAStaleCopyWhichIsReplacedAndDeleted) {
 
 TEST(TemporaryDirectory, MayHoldAStaleCopyThatCannotBeReplacedAndIsRead) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   dir.write("tmp/in.step.clean.stp", dataFile("line.step"));
   fs::permissions(dir / "tmp/in.step.clean.stp", fs::perms::owner_read | fs::perms::others_read);
   fs::permissions(dir / "tmp", fs::perms::owner_read | fs::perms::owner_exec |
@@ -153,10 +153,10 @@ Failed
 
 TEST(TemporaryDirectory, MayHoldALinkInPlaceOfTheCopyWhoseTargetIsWritten) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   dir.write("target", "old");
   fs::create_symlink("../target", dir / "tmp/in.step.clean.stp");
-  const Outcome outcome = dir.run({"in.step", "out.stl"});
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl"});
   EXPECT_THAT(outcome.out, ownLines(pairedTranscript("in.step", "tmp/in.step.clean.stp")));
   EXPECT_EQ(outcome.exitStatus, 0);
   EXPECT_TRUE(fs::is_empty(dir / "tmp"));  // the link goes, its target stays
@@ -164,12 +164,12 @@ TEST(TemporaryDirectory, MayHoldALinkInPlaceOfTheCopyWhoseTargetIsWritten) {
             appendEntities(box(),
                            "#500=SHAPE_REPRESENTATION('',(#11),#165);\n"
                            "#501=SHAPE_REPRESENTATION_RELATIONSHIP('','',#500,#510);\n"));
-  EXPECT_EQ(dir.read("in.step"), appendEntities(box(), kPaired));
+  EXPECT_EQ(dir.read("in.step"), appendEntities(box(), paired()));
 }
 
 TEST(TemporaryDirectory, MayHoldTheInput) {
   const Sandbox dir;
-  dir.write("tmp/in.step", appendEntities(box(), kPaired));
+  dir.write("tmp/in.step", appendEntities(box(), paired()));
   expectRun(dir, {"tmp/in.step", "out.stl"},
             {.out = ownLines(pairedTranscript("tmp/in.step", "tmp/in.step.clean.stp")),
              .made = {"out.stl"}});
@@ -177,7 +177,7 @@ TEST(TemporaryDirectory, MayHoldTheInput) {
 
 TEST(TemporaryDirectory, MayHoldTheInputWithTheNameOfACopy) {
   const Sandbox dir;
-  dir.write("tmp/in.clean.stp", appendEntities(box(), kPaired));
+  dir.write("tmp/in.clean.stp", appendEntities(box(), paired()));
   expectRun(dir, {"tmp/in.clean.stp", "out.stl"},
             {.out = ownLines(pairedTranscript("tmp/in.clean.stp", "tmp/in.clean.stp.clean.stp")),
              .made = {"out.stl"}});
@@ -185,7 +185,7 @@ TEST(TemporaryDirectory, MayHoldTheInputWithTheNameOfACopy) {
 
 TEST(FullDisk, LeavesACopyCutShortThatCannotBeRead) {
   const Sandbox dir;
-  dir.write("in.step", appendEntities(box(), kPaired));
+  dir.write("in.step", appendEntities(box(), paired()));
   // The limit stands for a disk on which the copy does not fit; the copy is deleted all the same.
   expectRun(dir, {"in.step", "out.stl"},
             {.out = ownLines(kNoCopyTranscript),
@@ -196,9 +196,9 @@ TEST(FullDisk, LeavesACopyCutShortThatCannotBeRead) {
 
 TEST(FileSizeLimit, EndsTheProgramWhichLeavesTheCopy) {
   const Sandbox dir;
-  const std::string input = appendEntities(box(), kPaired);
+  const std::string input = appendEntities(box(), paired());
   dir.write("in.step", input);
-  const Outcome outcome = dir.run({"in.step", "out.stl"}, {.limits = {{RLIMIT_FSIZE, 2048}}});
+  const Outcome outcome = runIn(dir, {"in.step", "out.stl"}, {.limits = {{RLIMIT_FSIZE, 2048}}});
   EXPECT_EQ(outcome.signal, SIGXFSZ);
   EXPECT_THAT(outcome.out, AllOf(HasSubstr("\n[3] Stripping"), Not(HasSubstr("Failed"))));
   EXPECT_TRUE(fs::exists(dir / "tmp/in.step.clean.stp"));
@@ -210,11 +210,11 @@ TEST(FileSizeLimit, EndsTheProgramWhichLeavesTheCopy) {
 
 TEST(TwoRuns, DoNotMeetWhenTheirInputsHaveDifferentNames) {
   const Sandbox dir;
-  dir.write("a.step", appendEntities(box(), kPaired));
-  dir.write("b.step", appendEntities(dataFile("parts.step"), kPaired));
+  dir.write("a.step", appendEntities(box(), paired()));
+  dir.write("b.step", appendEntities(dataFile("parts.step"), paired()));
   for (int round = 0; round < 5; ++round) {
-    auto first = std::async(std::launch::async, [&] { return dir.run({"a.step", "a.stl"}); });
-    const Outcome b = dir.run({"b.step", "b.stl"});
+    auto first = std::async(std::launch::async, [&] { return runIn(dir, {"a.step", "a.stl"}); });
+    const Outcome b = runIn(dir, {"b.step", "b.stl"});
     EXPECT_EQ(first.get().exitStatus, 0);
     EXPECT_EQ(b.exitStatus, 0);
     EXPECT_EQ(volumeOf(recordsOf(dir.read("a.stl"))), 6000);
@@ -228,11 +228,11 @@ TEST(TwoRuns, DoNotMeetWhenTheyHaveDifferentTemporaryDirectories) {
   dir.makeDirectory("a");
   dir.makeDirectory("b");
   dir.makeDirectory("tmp2");
-  dir.write("a/in.step", appendEntities(box(), kPaired));
-  dir.write("b/in.step", appendEntities(dataFile("parts.step"), kPaired));
+  dir.write("a/in.step", appendEntities(box(), paired()));
+  dir.write("b/in.step", appendEntities(dataFile("parts.step"), paired()));
   for (int round = 0; round < 5; ++round) {
-    auto first = std::async(std::launch::async, [&] { return dir.run({"a/in.step", "a.stl"}); });
-    const Outcome b = dir.run({"b/in.step", "b.stl"}, {.environment = {"TMPDIR=tmp2"}});
+    auto first = std::async(std::launch::async, [&] { return runIn(dir, {"a/in.step", "a.stl"}); });
+    const Outcome b = runIn(dir, {"b/in.step", "b.stl"}, {.environment = {"TMPDIR=tmp2"}});
     EXPECT_EQ(first.get().exitStatus, 0);
     EXPECT_EQ(b.exitStatus, 0);
     EXPECT_EQ(volumeOf(recordsOf(dir.read("a.stl"))), 6000);

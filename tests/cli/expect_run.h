@@ -1,7 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,32 +7,13 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/run_program.h"
-#include "tests/support/temp_dir.h"
+#include "tests/support/sandbox.h"
 
 namespace plenvorith::test {
 
-/// A fresh directory in which the program runs, with an empty `tmp/`, its temporary directory.
-class Sandbox {
- public:
-  Sandbox();
-  ~Sandbox();
-  Sandbox(const Sandbox&) = delete;
-  Sandbox& operator=(const Sandbox&) = delete;
-
-  std::filesystem::path operator/(std::string_view name) const;
-  void write(std::string_view name, std::string_view content) const;
-  void makeDirectory(std::string_view name) const;
-  std::string read(std::string_view name) const;
-
-  /// Runs the program with these arguments; `command` says how. What is unset in it is filled in.
-  Outcome run(const std::vector<std::string>& arguments, Command command = {}) const;
-
-  /// Everything in the directory: path to content, or to what else it is.
-  std::map<std::string, std::string> content() const;
-
- private:
-  TempDir directory_;
-};
+/// Runs the program with these arguments; `command` says how. What is unset in it is filled in.
+Outcome runIn(const Sandbox& sandbox, const std::vector<std::string>& arguments,
+              Command command = {});
 
 /// The exit status of a program that a signal ends.
 constexpr int kNoExitStatus = -1;
