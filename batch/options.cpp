@@ -1,0 +1,259 @@
+#include "batch/options.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iostream>
+#include <string_view>
+#include <thread>
+
+#include <CLI/CLI.hpp>
+
+#include "batch/version.h"
+#include "common/ascii.h"
+
+namespace plenvorith {
+namespace {
+
+constexpr const char* kHelp = R"(usage: plenvorith-batch [OPTION]... INPUT... -o DIR
+
+Converts every STEP file (.stp .step .p21) named, or found in the folders named.
+INPUT x/a.stp becomes DIR/x/a.stp.stl: the path below the deepest folder that
+holds all INPUTs, then the file's full name, then the new extension.
+
+  -o, --output DIR       where the outputs go
+      --base DIR         the folder that the paths below DIR begin in
+      --files-from FILE  more INPUTs, one a line or each ended by a NUL; "-" is
+                         standard input
+      --include GLOB     take only files whose name, or path, matches
+      --exclude GLOB     leave out files and folders whose name, or path, matches
+      --follow           look into folders that are links
+      --to stl|stp       kind of output (stl)
+      --deflection D     linear deflection of the mesh (0.1)
+      --split            one file for each shape
+      --resume           leave out what is converted already
+      --prune            remove the outputs of inputs that have vanished
+      --dry-run          tell what would be done; change nothing
+      --jobs N           files at once: 4, 50%, +1 or -1 (one for each core)
+      --time-limit T     longest time for one file: 90, 5m, 2h, 0 for ever (1h)
+      --memory-limit M   address space for one file: 800M, 4G, 0 for all (0)
+      --memory-free M    begin no file while less memory is free (1G)
+      --export FILE      write what is known of all files, as .csv or .json
+      --bar              progress line, even if standard error is no terminal
+      --program FILE     run this instead of the converter that is built in
+      --version          print version and kernel release
+  -h, --help             this text
+
+--export and --prune need no INPUT. Exit status: 0 all files converted, 1 some
+not, 2 nothing was begun.)";
+
+std::optional<std::int64_t> numberFrom(std::string_view text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (text.empty() || !isDigit(text.front()) || stop != end || error != std::errc()) {
+    return std::nullopt;
+  }
+  return number;
+}
+
+/// The number in front of a unit's letter, times the unit; nothing if that is out of range.
+std::optional<std::int64_t> scaled(std::string_view digits, std::int64_t unit) {
+  const std::optional<std::int64_t> number = numberFrom(digits);
+  constexpr std::int64_t kLargest = std::int64_t{1} << 60;
+  if (!number || *number > kLargest / unit) {
+    return std::nullopt;
+  }
+  return *number * unit;
+}
+
+std::string_view withoutLast(const std::string& text) {
+  return std::string_view(text).substr(0, text.size() - 1);
+}
+
+/// The texts of options whose values are more than texts.
+struct RawValues {
+  std::optional<std::string> jobs, timeLimit, memoryLimit, memoryFree;
+  bool help = false;
+  bool version = false;
+};
+
+void addOptions(CLI::App& app, Options& options, RawValues& raw) {
+  app.set_help_flag();
+  app.option_defaults()->take_last();
+  app.add_option("INPUT", options.inputs)->take_all();
+  app.add_option("-o,--output", options.output);
+  app.add_option("--base", options.base);
+  app.add_option("--files-from", options.listing);
+  app.add_option("--include", options.include)->take_all()->allow_extra_args(false);
+  app.add_option("--exclude", options.exclude)->take_all()->allow_extra_args(false);
+  app.add_flag("--follow", options.followLinks);
+  app.add_option("--to", options.settings.to);
+  app.add_option("--deflection", options.settings.deflection);
+  app.add_flag("--split", options.settings.split);
+  app.add_flag("--resume", options.resume);
+  app.add_flag("--prune", options.prune);
+  app.add_flag("--dry-run", options.dryRun);
+  app.add_option("--jobs", raw.jobs);
+  app.add_option("--time-limit", raw.timeLimit);
+  app.add_option("--memory-limit", raw.memoryLimit);
+  app.add_option("--memory-free", raw.memoryFree);
+  app.add_option("--export", options.exportPath);
+  app.add_flag("--bar", options.bar);
+  app.add_option("--program", options.settings.program);
+  app.add_flag("--worker", options.worker);
+  app.add_flag("--version", raw.version);
+  app.add_flag("-h,--help", raw.help);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("plenvorith-batch: ") + error.what() + " (--help lists the options)\n";
+  });
+}
+
+/// Gives 0, or another number where the library has printed what is wrong.
+int parse(CLI::App& app, int argc, char** argv) {
+  CLI11_PARSE(app, argc, argv);
+  return 0;
+}
+
+/// Converts one value, if it is given; adds a line to `problems` where it is not what `form` says.
+template <typename Value, typename Convert>
+void take(const char* option, const std::optional<std::string>& text, const char* form,
+          Value& value, std::vector<std::string>& problems, Convert convert) {
+  if (!text) {
+    return;
+  }
+  if (const auto converted = convert(*text)) {
+    value = *converted;
+  } else {
+    problems.push_back(std::string(option) + " is " + form + ", not " + *text);
+  }
+}
+
+/// Whether the run has nothing to convert and only works on what earlier runs have noted.
+bool worksOnTheStateOnly(const Options& options) {
+  return options.prune || !options.exportPath.empty();
+}
+
+/// What is wrong with the options, one line each.
+std::vector<std::string> check(Options& options, const RawValues& raw) {
+  std::vector<std::string> problems;
+  const int cores = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+  const ConversionSettings& settings = options.settings;
+  if (options.inputs.empty() && !options.listing && !worksOnTheStateOnly(options)) {
+    problems.emplace_back("no INPUT (--help explains)");
+  }
+  if (options.output.empty()) {
+    problems.emplace_back("no output folder: -o DIR is missing");
+  }
+  if (settings.to != "stl" && settings.to != "stp") {
+    problems.push_back("--to is stl or stp, not " + settings.to);
+  }
+  if (!isDeflection(settings.deflection)) {
+    problems.push_back("--deflection is a number above 0, not " + settings.deflection);
+  }
+  const std::string& path = options.exportPath;
+  if (!path.empty() && !path.ends_with(".csv") && !path.ends_with(".json")) {
+    problems.push_back("--export is a file that ends in .csv or .json, not " + path);
+  }
+  options.jobs = cores;
+  take("--jobs", raw.jobs, "a number above 0, as in 4, 50%, +1 or -1", options.jobs, problems,
+       [cores](const std::string& text) { return jobsFrom(text, cores); });
+  take("--time-limit", raw.timeLimit, "a number and s, m or h", options.settings.timeLimit,
+       problems, durationFrom);
+  take("--memory-limit", raw.memoryLimit, "a number of bytes and k, M or G",
+       options.settings.memoryLimit, problems, bytesFrom);
+  take("--memory-free", raw.memoryFree, "a number of bytes and k, M or G", options.memoryFree,
+       problems, bytesFrom);
+  return problems;
+}
+
+}  // namespace
+
+std::optional<int> jobsFrom(const std::string& text, int cores) {
+  constexpr std::int64_t kMost = 4096;
+  if (text.empty()) {
+    return std::nullopt;
+  }
+  const bool isRelative = text.front() == '+' || text.front() == '-';
+  const bool isShare = text.back() == '%';
+  std::string_view digits = text;
+  digits.remove_prefix(isRelative ? 1 : 0);
+  digits.remove_suffix(isShare ? 1 : 0);
+  const std::optional<std::int64_t> number = numberFrom(digits);
+  if (!number || *number > kMost || (isRelative && isShare) || (*number == 0 && !isRelative)) {
+    return std::nullopt;
+  }
+  std::int64_t jobs = *number;
+  if (isShare) {
+    jobs = cores * *number / 100;
+  } else if (isRelative) {
+    jobs = text.front() == '+' ? cores + *number : cores - *number;
+  }
+  return static_cast<int>(std::clamp(jobs, std::int64_t{1}, kMost));
+}
+
+std::optional<std::chrono::seconds> durationFrom(const std::string& text) {
+  std::optional<std::int64_t> seconds;
+  switch (text.empty() ? '\0' : text.back()) {
+    case 'h':
+      seconds = scaled(withoutLast(text), 3600);
+      break;
+    case 'm':
+      seconds = scaled(withoutLast(text), 60);
+      break;
+    case 's':
+      seconds = scaled(withoutLast(text), 1);
+      break;
+    default:
+      seconds = scaled(text, 1);
+  }
+  constexpr std::int64_t kLongest = std::int64_t{100} * 366 * 24 * 3600;
+  if (!seconds) {
+    return std::nullopt;
+  }
+  return std::chrono::seconds(std::min(*seconds, kLongest));
+}
+
+std::optional<std::int64_t> bytesFrom(const std::string& text) {
+  constexpr std::string_view kUnits = "kKmMgGtT";
+  const std::size_t unit = text.empty() ? std::string_view::npos : kUnits.find(text.back());
+  if (unit == std::string_view::npos) {
+    return scaled(text, 1);
+  }
+  return scaled(withoutLast(text), std::int64_t{1} << (10 * (unit / 2 + 1)));
+}
+
+bool isDeflection(const std::string& text) {
+  double number = 0.0;
+  // The first character tells, too: "inf" and "nan" are numbers to the function.
+  const bool startsLikeNumber = !text.empty() && (isDigit(text.front()) || text.front() == '.');
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return startsLikeNumber && stop == end && error == std::errc() && number > 0.0 &&
+         text.find_first_of("xX") == std::string::npos;
+}
+
+ParsedOptions parseOptions(int argc, char** argv) {
+  constexpr int kWrongUse = 2;
+  ParsedOptions parsed;
+  RawValues raw;
+  CLI::App app;
+  addOptions(app, parsed.options, raw);
+  if (parse(app, argc, argv) != 0) {
+    parsed.exitStatus = kWrongUse;
+  } else if (raw.help) {
+    std::cout << kHelp << std::endl;
+    parsed.exitStatus = 0;
+  } else if (raw.version) {
+    std::cout << "plenvorith-batch " << versionText() << std::endl;
+    parsed.exitStatus = 0;
+  } else if (!parsed.options.worker) {
+    const std::vector<std::string> problems = check(parsed.options, raw);
+    for (const std::string& problem : problems) {
+      std::cerr << "plenvorith-batch: " << problem << std::endl;
+      parsed.exitStatus = kWrongUse;
+    }
+  }
+  return parsed;
+}
+
+}  // namespace plenvorith

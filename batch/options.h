@@ -1,0 +1,66 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace plenvorith {
+
+/// What decides, for all files of a run alike, what is made of them and with how much.
+struct ConversionSettings {
+  std::string to = "stl";          ///< extension of the output: "stl" or "stp"
+  std::string deflection = "0.1";  ///< as given; a number above 0, in millimetres
+  bool split = false;              ///< one file for each shape
+  bool prepare = false;            ///< rewrite the input for the converter first
+  std::string program;             ///< what to run for each file; empty: the converter in here
+  std::chrono::seconds timeLimit = std::chrono::hours(1);  ///< for each file; 0: none
+  std::int64_t memoryLimit = 0;  ///< bytes of address space for each file; 0: none
+};
+
+/// What the command line asks for.
+struct Options {
+  ConversionSettings settings;
+  std::vector<std::string> inputs;     ///< files and folders
+  std::optional<std::string> listing;  ///< file that lists more of them; "-" is standard input
+  std::string output;                  ///< the output folder, DIR
+  std::string base;                    ///< where the names of the outputs begin; empty: find out
+  std::vector<std::string> include;  ///< globs, one of which a file has to match, if there are any
+  std::vector<std::string> exclude;  ///< globs of files and folders to leave out
+  bool followLinks = false;          ///< look into folders that are links
+  bool resume = false;               ///< leave out what is converted
+  bool prune = false;                ///< remove outputs whose inputs have vanished
+  bool dryRun = false;               ///< tell what would be done
+  bool bar = false;                  ///< show the progress line, terminal or not
+  int jobs = 1;                      ///< files at once on this machine
+  std::int64_t memoryFree = std::int64_t{1} << 30;  ///< bytes; below, no further file is begun
+  std::string exportPath;                           ///< .csv or .json file to write; may be empty
+  bool worker = false;  ///< take jobs on standard input instead, for a driver
+};
+
+struct ParsedOptions {
+  Options options;
+  std::optional<int> exitStatus;  ///< set if the program is to end with it at once
+};
+
+/// Reads the command line and checks all that can be checked without looking at any file.
+///
+/// Prints  help or version on standard output where they are asked for; what is wrong on standard
+///         error.
+ParsedOptions parseOptions(int argc, char** argv);
+
+/// The number of jobs that a text asks for on a machine with this many cores: "4", "150%", "+1" and
+/// "-1" (one more or fewer than cores); at least 1. Nothing for other texts.
+std::optional<int> jobsFrom(const std::string& text, int cores);
+
+/// The seconds of "90", "90s", "5m" or "2h". Nothing for other texts.
+std::optional<std::chrono::seconds> durationFrom(const std::string& text);
+
+/// The bytes of "1000", "64k", "512M" or "2G" (powers of 1024). Nothing for other texts.
+std::optional<std::int64_t> bytesFrom(const std::string& text);
+
+/// Whether a text is a decimal number above 0.
+bool isDeflection(const std::string& text);
+
+}  // namespace plenvorith

@@ -1,0 +1,342 @@
+#include "batch/state.h"
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "batch/state_queries.h"
+#include "batch/statement.h"
+
+namespace plenvorith {
+namespace {
+
+constexpr std::array<const char*, 3> kStatusNames = {"converted", "delivering", "failed"};
+
+}  // namespace
+
+struct StateHandle {
+  sqlite3* database = nullptr;
+  std::array<sqlite3_stmt*, kQueryCount> statements{};
+};
+
+namespace {
+
+sqlite3_stmt* statementOf(StateHandle& state, Query query) {
+  return state.statements[static_cast<std::size_t>(query)];
+}
+
+bool prepareStatements(StateHandle& state) {
+  const std::array<std::string, kQueryCount> queries = allQueries();
+  for (std::size_t i = 0; i < queries.size(); ++i) {
+    if (sqlite3_prepare_v3(state.database, queries[i].c_str(), -1, SQLITE_PREPARE_PERSISTENT,
+                           &state.statements[i], nullptr) != SQLITE_OK) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// A commit that is not waited for on the disk is lost in a power cut, but never half of it. The log
+// of changes is kept short, for small disks.
+constexpr const char* kSetup = R"(
+PRAGMA journal_mode = WAL;
+PRAGMA synchronous = NORMAL;
+PRAGMA wal_autocheckpoint = 250;
+PRAGMA journal_size_limit = 0;
+)";
+
+void bindOptional(StatementUse& use, const std::optional<int>& value) {
+  if (value) {
+    use.bind(std::int64_t{*value});
+  } else {
+    use.bindNull();
+  }
+}
+
+void bindBounds(StatementUse& use, const std::optional<Bounds>& bounds) {
+  for (const auto corner : {&Bounds::low, &Bounds::high}) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      if (bounds) {
+        use.bind(((*bounds).*corner)[axis]);
+      } else {
+        use.bindNull();
+      }
+    }
+  }
+}
+
+std::optional<int> optionalFrom(StatementUse& use) {
+  const bool isNull = use.isNull();
+  const auto value = static_cast<int>(use.integer());
+  return isNull ? std::nullopt : std::optional(value);
+}
+
+std::optional<Bounds> boundsFrom(StatementUse& use) {
+  const bool isNull = use.isNull();
+  Bounds bounds;
+  for (const auto corner : {&Bounds::low, &Bounds::high}) {
+    for (double& value : bounds.*corner) {
+      value = use.real();
+    }
+  }
+  return isNull ? std::nullopt : std::optional(bounds);
+}
+
+FileStatus statusFrom(std::string_view name) {
+  for (std::size_t i = 0; i < kStatusNames.size(); ++i) {
+    if (name == kStatusNames[i]) {
+      return static_cast<FileStatus>(i);
+    }
+  }
+  return FileStatus::Failed;
+}
+
+/// The record in a row of PLENVORITH_FILE_COLUMNS and the id, without its outputs.
+std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
+  FileRecord file;
+  file.path = use.bytes();
+  file.name = use.bytes();
+  file.run = use.integer();
+  file.status = statusFrom(use.bytes());
+  file.reason = use.bytes();
+  file.lastLine = use.bytes();
+  file.exitStatus = optionalFrom(use);
+  file.signal = optionalFrom(use);
+  file.size = use.integer();
+  file.mtime = use.integer();
+  file.hash = use.bytes();
+  file.settings = use.bytes();
+  file.program = use.bytes();
+  file.triangles = use.integer();
+  file.seconds = use.real();
+  file.cpuSeconds = use.real();
+  file.peakMemory = use.integer();
+  file.bounds = boundsFrom(use);
+  file.host = use.bytes();
+  file.transcript = use.bytes();
+  return {std::move(file), use.integer()};
+}
+
+std::vector<OutputRecord> outputsOf(StateHandle& state, std::int64_t id) {
+  std::vector<OutputRecord> outputs;
+  StatementUse use(statementOf(state, Query::FindOutputs));
+  use.bind(id);
+  while (use.step()) {
+    std::string path = use.bytes();
+    outputs.push_back({std::move(path), use.integer()});
+  }
+  return outputs;
+}
+
+void bindFile(StatementUse& use, const FileRecord& file) {
+  use.bindBytes(file.path);
+  use.bindBytes(file.name);
+  use.bind(file.run);
+  use.bindText(statusName(file.status));
+  use.bindText(file.reason);
+  use.bindBytes(file.lastLine);
+  bindOptional(use, file.exitStatus);
+  bindOptional(use, file.signal);
+  use.bind(file.size);
+  use.bind(file.mtime);
+  use.bindBytes(file.hash);
+  use.bindText(file.settings);
+  use.bindText(file.program);
+  use.bind(file.triangles);
+  use.bind(file.seconds);
+  use.bind(file.cpuSeconds);
+  use.bind(file.peakMemory);
+  bindBounds(use, file.bounds);
+  use.bindText(file.host);
+  use.bindBytes(file.transcript);
+}
+
+bool putOutputs(StateHandle& state, std::int64_t id, const std::vector<OutputRecord>& outputs) {
+  StatementUse drop(statementOf(state, Query::DropOutputs));
+  drop.bind(id);
+  if (!drop.finish()) {
+    return false;
+  }
+  for (const OutputRecord& output : outputs) {
+    StatementUse put(statementOf(state, Query::PutOutput));
+    put.bindBytes(output.path);
+    put.bind(id);
+    put.bind(output.size);
+    if (!put.finish()) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::string joined(const std::vector<std::string>& arguments) {
+  std::string text;
+  for (const std::string& argument : arguments) {
+    text.append(argument).push_back('\0');
+  }
+  return text;
+}
+
+std::vector<std::string> cutApart(std::string_view text) {
+  std::vector<std::string> arguments;
+  while (!text.empty()) {
+    const std::size_t end = text.find('\0');
+    arguments.emplace_back(text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  }
+  return arguments;
+}
+
+}  // namespace
+
+void CloseState::operator()(StateHandle* state) const {
+  for (sqlite3_stmt* const statement : state->statements) {
+    sqlite3_finalize(statement);
+  }
+  sqlite3_close(state->database);
+  delete state;
+}
+
+State openState(const std::string& path, std::string& problem) {
+  State state(new StateHandle);
+  const auto fail = [&] {
+    problem = path + ": " + stateProblem(*state);
+    return State();
+  };
+  if (sqlite3_open_v2(path.c_str(), &state->database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                      nullptr) != SQLITE_OK) {
+    return fail();
+  }
+  constexpr int kPatience = 5000;  // milliseconds that a reader may keep the state
+  sqlite3_busy_timeout(state->database, kPatience);
+  const int version = numberFrom(state->database, "PRAGMA user_version", -1);
+  if (version > kStateVersion) {
+    problem = path + ": written by a newer version of the program";
+    return State();
+  }
+  if (version < 0 || !executeStatements(state->database, kSetup) ||
+      (version < kStateVersion && !executeStatements(state->database, kStateSchema)) ||
+      !prepareStatements(*state)) {
+    return fail();
+  }
+  return state;
+}
+
+std::string stateProblem(StateHandle& state) {
+  return sqlite3_errmsg(state.database);
+}
+
+bool beginChanges(StateHandle& state) {
+  return executeStatements(state.database, "BEGIN IMMEDIATE");
+}
+
+bool commitChanges(StateHandle& state) {
+  if (executeStatements(state.database, "COMMIT")) {
+    return true;
+  }
+  dropChanges(state);
+  return false;
+}
+
+void dropChanges(StateHandle& state) {
+  if (sqlite3_get_autocommit(state.database) == 0) {
+    (void)executeStatements(state.database,
+                            "ROLLBACK");  // nothing is left to do if that fails as well
+  }
+}
+
+std::int64_t putRun(StateHandle& state, const RunRecord& run) {
+  const std::string arguments = joined(run.arguments);
+  StatementUse use(statementOf(state, Query::PutRun));
+  if (run.id == 0) {
+    use.bindNull();
+  } else {
+    use.bind(run.id);
+  }
+  use.bindText(run.start);
+  use.bindText(run.end);
+  use.bind(run.seconds);
+  use.bindText(run.result);
+  use.bindBytes(arguments);
+  use.bindText(run.program);
+  use.bindText(run.host);
+  use.bindBytes(run.base);
+  const std::int64_t id = use.step() ? use.integer() : 0;
+  return use.finish() ? id : 0;
+}
+
+bool putFile(StateHandle& state, const FileRecord& file) {
+  std::int64_t id = 0;
+  {
+    StatementUse use(statementOf(state, Query::PutFile));
+    bindFile(use, file);
+    id = use.step() ? use.integer() : 0;
+    if (!use.finish()) {
+      return false;
+    }
+  }
+  return putOutputs(state, id, file.outputs);
+}
+
+bool removeFile(StateHandle& state, const std::string& path) {
+  std::int64_t id = 0;
+  {
+    StatementUse find(statementOf(state, Query::FindId));
+    find.bindBytes(path);
+    if (!find.step()) {
+      return find.finish();
+    }
+    id = find.integer();
+  }
+  StatementUse remove(statementOf(state, Query::RemoveFile));
+  remove.bind(id);
+  return putOutputs(state, id, {}) && remove.finish();
+}
+
+std::optional<FileRecord> findFile(StateHandle& state, const std::string& path) {
+  StatementUse use(statementOf(state, Query::FindFile));
+  use.bindBytes(path);
+  if (!use.step()) {
+    return std::nullopt;
+  }
+  auto [file, id] = fileFrom(use);
+  file.outputs = outputsOf(state, id);
+  return std::move(file);
+}
+
+bool forEachFile(StateHandle& state, const std::function<void(const FileRecord&)>& visit) {
+  StatementUse use(statementOf(state, Query::AllFiles));
+  while (use.step()) {
+    auto [file, id] = fileFrom(use);
+    file.outputs = outputsOf(state, id);
+    visit(file);
+  }
+  return use.finish();
+}
+
+std::vector<RunRecord> allRuns(StateHandle& state) {
+  std::vector<RunRecord> runs;
+  StatementUse use(statementOf(state, Query::AllRuns));
+  while (use.step()) {
+    RunRecord run;
+    run.id = use.integer();
+    run.start = use.bytes();
+    run.end = use.bytes();
+    run.seconds = use.real();
+    run.result = use.bytes();
+    run.arguments = cutApart(use.bytes());
+    run.program = use.bytes();
+    run.host = use.bytes();
+    run.base = use.bytes();
+    runs.push_back(std::move(run));
+  }
+  return runs;
+}
+
+const char* statusName(FileStatus status) {
+  return kStatusNames.at(static_cast<std::size_t>(status));
+}
+
+}  // namespace plenvorith
