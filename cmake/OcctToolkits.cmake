@@ -1,5 +1,5 @@
-# Offers plenvorith::occt: the toolkits of Open CASCADE Technology that the program links, and
-# plenvorith::occt_modeling: those that tests and the generator of the samples build shapes with.
+# Offers plenvorith::occt: the toolkits of Open CASCADE Technology that the program links. Installed,
+# too: other projects link the same.
 #
 # The kernel's version file accepts exact matches only, so the release is compared here. Its exported
 # targets may name libraries that its development packages do not bring (TBB) and carry no include
@@ -19,24 +19,22 @@ else()
   set(occt_data_exchange TKDESTEP TKDESTL)
 endif()
 
-# Adds an interface target for some toolkits.
+# Adds plenvorith::<name>, a target for some toolkits.
 function(plenvorith_occt_target name)
-  add_library(plenvorith_${name} INTERFACE)
-  add_library(plenvorith::${name} ALIAS plenvorith_${name})
-  target_include_directories(plenvorith_${name} SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
+  add_library(plenvorith::${name} INTERFACE IMPORTED)
+  target_include_directories(plenvorith::${name} SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
   # Where the kernel lies outside the system's folders, its toolkits find each other by the path that
   # the program carries, which only the older of the two kinds of tags passes on.
-  target_link_options(plenvorith_${name} INTERFACE LINKER:--disable-new-dtags)
+  target_link_options(plenvorith::${name} INTERFACE LINKER:--disable-new-dtags)
   foreach(toolkit IN LISTS ARGN)
     find_library(
       occt_${toolkit} ${toolkit} REQUIRED
       PATHS ${OpenCASCADE_LIBRARY_DIR}
       NO_DEFAULT_PATH)
     mark_as_advanced(occt_${toolkit})
-    target_link_libraries(plenvorith_${name} INTERFACE ${occt_${toolkit}})
+    target_link_libraries(plenvorith::${name} INTERFACE ${occt_${toolkit}})
   endforeach()
 endfunction()
 
 plenvorith_occt_target(occt ${occt_data_exchange} TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel)
-plenvorith_occt_target(occt_modeling TKFillet TKBO TKPrim TKTopAlgo TKG3d TKBRep TKMath TKernel)
 message(STATUS "Open CASCADE ${occt_version} in ${OpenCASCADE_LIBRARY_DIR}")

@@ -24,17 +24,50 @@ if(PLENVORITH_SANITIZE)
 endif()
 set(CMAKE_CXX_EXTENSIONS OFF)
 
-# plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...])
+# plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...] [NOT_INSTALLED])
 #
 # One static library for one folder of the tree. Its headers are included by their path from the
 # project's root ("steptext/entity_table.h"); USES are the libraries whose headers they include.
+#
+# Other projects find it with find_package(Plenvorith), unless it is NOT_INSTALLED.
 function(plenvorith_library room)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS;SOURCES;USES")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "NOT_INSTALLED" "" "HEADERS;SOURCES;USES")
   set(target plenvorith_${room})
   add_library(${target} STATIC ${ARG_SOURCES})
   add_library(plenvorith::${room} ALIAS ${target})
   target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
                                   FILES ${ARG_HEADERS})
-  target_link_libraries(${target} PRIVATE plenvorith::flags PUBLIC ${ARG_USES})
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:plenvorith::flags> PUBLIC ${ARG_USES})
   target_compile_features(${target} PUBLIC cxx_std_20)
+  if(PROJECT_IS_TOP_LEVEL AND NOT ARG_NOT_INSTALLED)
+    plenvorith_install_library(${room} "${ARG_USES}")
+  endif()
+endfunction()
+
+# plenvorith_install_library(<room> <list of targets>)
+#
+# Rooms above the kernel, in the second of two export sets, are offered only where it is found.
+function(plenvorith_install_library room uses)
+  set(target plenvorith_${room})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)
+    # Without machine code beside what the linker optimises, only this very compiler could use it.
+    target_compile_options(${target} PRIVATE -ffat-lto-objects)
+  endif()
+  set(export Plenvorith)
+  get_property(kernel_rooms GLOBAL PROPERTY PlenvorithKernel_rooms)
+  list(TRANSFORM kernel_rooms PREPEND plenvorith:: OUTPUT_VARIABLE kernel_targets)
+  foreach(used IN LISTS uses)
+    if(used IN_LIST kernel_targets OR used STREQUAL "plenvorith::occt")
+      set(export PlenvorithKernel)
+    endif()
+  endforeach()
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${room})
+  install(
+    TARGETS ${target}
+    EXPORT ${export}
+    ARCHIVE COMPONENT development
+    FILE_SET HEADERS
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plenvorith
+    COMPONENT development)
+  set_property(GLOBAL APPEND PROPERTY ${export}_rooms ${room})
 endfunction()

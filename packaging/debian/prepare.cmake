@@ -1,25 +1,44 @@
 # Turns what `cmake --install` installs into what Debian's policy asks for. CPack runs this on the
-# files of the package before it packs them.
-set(usr ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr)
-set(doc ${usr}/share/doc/plenvorith)
+# files of the packages before it packs them.
 
-file(READ ${doc}/LICENSE licence)
-string(REGEX MATCH "Copyright [^\n]*" holder "${licence}")
-string(REGEX REPLACE "^.*Copyright [^\n]*\n\n" "" terms "${licence}")
-string(REGEX REPLACE "\n\n" "\n.\n" terms "${terms}")
-string(REGEX REPLACE "([^\n]+)" " \\1" terms "${terms}")
-file(WRITE ${doc}/copyright
-     "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/\n"
-     "\nFiles: *\n${holder}\nLicense: Expat\n${terms}")
-string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
-file(WRITE ${doc}/changelog.Debian
-     "plenvorith (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) bookworm; "
-     "urgency=medium\n\n  * What is new stands in changelog.gz.\n\n"
-     " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+# write_changelog(<package> <doc folder>)
+function(write_changelog package doc)
+  string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+  file(WRITE ${doc}/changelog.Debian
+       "${package} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) bookworm; "
+       "urgency=medium\n\n  * What is new stands in changelog.gz of plenvorith.\n\n"
+       " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+  execute_process(COMMAND gzip -9n ${doc}/changelog.Debian COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# write_copyright(<licence> <doc folder>)
+function(write_copyright licence doc)
+  file(READ ${licence} text)
+  string(REGEX MATCH "Copyright [^\n]*" holder "${text}")
+  string(REGEX REPLACE "^.*Copyright [^\n]*\n\n" "" terms "${text}")
+  string(REGEX REPLACE "\n\n" "\n.\n" terms "${terms}")
+  string(REGEX REPLACE "([^\n]+)" " \\1" terms "${terms}")
+  file(WRITE ${doc}/copyright
+       "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/\n"
+       "\nFiles: *\n${holder}\nLicense: Expat\n${terms}")
+endfunction()
+
+set(programs ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/programs/usr)
+set(doc ${programs}/share/doc/plenvorith)
+set(development ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/development/usr)
+set(development_doc ${development}/share/doc/libplenvorith-dev)
+
+write_copyright(${doc}/LICENSE ${development_doc})
+write_changelog(libplenvorith-dev ${development_doc})
+file(GLOB_RECURSE archives ${development}/lib/*.a)
+execute_process(COMMAND strip --strip-debug --enable-deterministic-archives
+                        --remove-section=.gnu.lto_* --remove-section=.gnu.debuglto_*
+                        --remove-section=.comment ${archives} COMMAND_ERROR_IS_FATAL ANY)
+
+write_copyright(${doc}/LICENSE ${doc})
+write_changelog(plenvorith ${doc})
 file(RENAME ${doc}/CHANGELOG.md ${doc}/changelog)
 file(REMOVE ${doc}/LICENSE)
-
-file(GLOB compressed ${usr}/share/man/man1/*.1 ${doc}/changelog ${doc}/changelog.Debian)
+file(GLOB compressed ${programs}/share/man/man1/*.1 ${doc}/changelog)
 execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
-
-file(RENAME ${usr}/share/zsh/site-functions ${usr}/share/zsh/vendor-completions)
+file(RENAME ${programs}/share/zsh/site-functions ${programs}/share/zsh/vendor-completions)

@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
-# Installs a build into a scratch folder and converts samples with what is installed.
+# What `cmake --install` installs: programs that run, documents whose links lead somewhere, libraries
+# that other projects build with.
 #
-#   install_test.sh CMAKE BUILD
+#   install_test.sh CMAKE BUILD CASE
 set -euo pipefail
+shopt -s globstar nullglob
 cmake=$1 build=$2
 
 scratch=$(mktemp -d)
@@ -10,31 +12,164 @@ trap 'rm -rf "$scratch"' EXIT
 mkdir "$scratch/tmp" "$scratch/home"
 export TMPDIR=$scratch/tmp HOME=$scratch/home
 cd "$scratch"
+doc=usr/share/doc/plenvorith
 
 fail() {
   echo "FAILED: $*" >&2
   exit 1
 }
 
-"$cmake" --install "$build" --prefix "$scratch/usr" >installed
+# What the build was configured with.
+setting() {
+  sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"
+}
+source=$(setting plenvorith_SOURCE_DIR)
+compiler=$(setting CMAKE_CXX_COMPILER)
+sanitize=$(setting PLENVORITH_SANITIZE)
 
-doc=usr/share/doc/plenvorith
-for file in bin/plenvorith bin/plenvorith-batch share/man/man1/plenvorith.1 \
-  share/man/man1/plenvorith-batch.1 share/doc/plenvorith/LICENSE \
-  share/doc/plenvorith/samples/README.md share/zsh/site-functions/_plenvorith \
-  share/bash-completion/completions/plenvorith share/bash-completion/completions/plenvorith-batch; do
-  [[ -f usr/$file ]] || fail "$file is not installed"
-done
-[[ ! -e usr/include && ! -e usr/lib ]] || fail 'development files are installed'
+install() {
+  "$cmake" --install "$build" --prefix "$scratch/usr" "$@" >installed
+}
 
-usr/bin/plenvorith $doc/samples/tessellated.step knot.stl >transcript
-[[ $(tail -n 1 transcript) == Done ]] || fail "$(cat transcript)"
-(($(stat -c %s knot.stl) == 84 + 50 * 1536)) || fail "knot.stl has $(stat -c %s knot.stl) bytes"
+has_kernel() {
+  [[ $(setting PLENVORITH_WITH_KERNEL) =~ ^(ON|TRUE|true)$ ]]
+}
 
-usr/bin/plenvorith-batch --help | grep -q '^usage: plenvorith-batch' || fail 'no help'
-if type -P parallel >/dev/null; then
-  usr/bin/plenvorith-batch $doc/samples/tessellated.step -o meshes >summary
-  cmp knot.stl meshes/tessellated.step.stl
-fi
+# Configures and builds the project in a folder with the compiler that built ours.
+build_project() {
+  {
+    "$cmake" -G Ninja -S "$1" -B "$1/build" -DCMAKE_PREFIX_PATH="$scratch/usr" \
+      -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="${sanitize:+-fsanitize=$sanitize}" \
+      "${@:2}" &&
+      "$cmake" --build "$1/build"
+  } >log 2>&1 || fail "$(cat log)"
+}
 
-bash -n usr/share/bash-completion/completions/plenvorith
+# Prints block NUMBER of a language in docs/library.md.
+example() {
+  awk -v begin="\`\`\`$1" -v number="$2" \
+    '$0 == "```" { on = 0 } on { print } $0 == begin { on = ++count == number }' \
+    "$source/docs/library.md"
+}
+
+expect_knot() {
+  (($(stat -c %s "$1") == 84 + 50 * 1536)) || fail "$1 has $(stat -c %s "$1") bytes"
+}
+
+ProgramsConvertASample() {
+  has_kernel || exit 77
+  install
+  usr/bin/plenvorith $doc/samples/tessellated.step knot.stl >transcript
+  [[ $(tail -n 1 transcript) == Done ]] || fail "$(cat transcript)"
+  expect_knot knot.stl
+
+  usr/bin/plenvorith-batch --help | grep -q '^usage: plenvorith-batch' || fail 'no help'
+  if type -P parallel >/dev/null; then
+    usr/bin/plenvorith-batch $doc/samples/tessellated.step -o meshes >summary
+    cmp knot.stl meshes/tessellated.step.stl
+  fi
+}
+
+EveryProgramHasItsPageAndCompletions() {
+  has_kernel || exit 77
+  install
+  local program name version
+  version=$(setting CMAKE_PROJECT_VERSION)
+  for program in usr/bin/*; do
+    name=${program##*/}
+    page=usr/share/man/man1/$name.1
+    grep -q "\"Plenvorith $version\"" "$page" || fail "no version in $page"
+    grep -qF "$(setting PLENVORITH_CONTACT)" "$page" || fail "no contact in $page"
+    ! grep '@[A-Za-z_]*@' "$page" || fail "something is not filled in in $page"
+    bash -n "usr/share/bash-completion/completions/$name"
+    grep -q "^#compdef $name$" "usr/share/zsh/site-functions/_$name" || fail "completion of $name"
+  done
+  [[ -f usr/share/man/man1/plenvorith.1 ]] || fail 'no page'
+}
+
+LinksBetweenDocumentsLeadSomewhere() {
+  install
+  local page link count=0
+  for page in "$doc"/**/*.md; do
+    while IFS= read -r link; do
+      count=$((count + 1))
+      [[ -e ${page%/*}/$link ]] || fail "$page links to $link"
+    done < <(sed 's/](/\n](/g' "$page" | sed -n 's/^](\([^):#]*\)[#)].*/\1/p' | grep .)
+  done
+  ((count >= 10)) || fail "only $count links found"
+  grep -qF "<$(setting PLENVORITH_CONTACT)>" $doc/SECURITY.md || fail 'SECURITY.md names no contact'
+}
+
+ProgramsComeWithoutDevelopmentFiles() {
+  install --component programs
+  [[ ! -e usr/include && ! -e usr/lib ]] || fail "$(find usr/include usr/lib)"
+}
+
+OtherProjectsDecodeWithoutTheKernel() {
+  install
+  mkdir decode
+  example cpp 1 >decode/decode.cpp
+  example cmake 1 >decode/CMakeLists.txt
+  build_project decode -DCMAKE_DISABLE_FIND_PACKAGE_OpenCASCADE=ON
+  decode/build/decode "$source/samples/tessellated.step" knot.stl
+  expect_knot knot.stl
+}
+
+OtherProjectsConvert() {
+  has_kernel || exit 77
+  install
+  mkdir convert
+  example cpp 2 >convert/convert.cpp
+  example cmake 2 >convert/CMakeLists.txt
+  build_project convert -DOpenCASCADE_DIR="$(setting OpenCASCADE_DIR)"
+  convert/build/convert "$source/samples/mixed.step" ring.stl >transcript
+  usr/bin/plenvorith "$source/samples/mixed.step" expected.stl >transcript
+  cmp ring.stl expected.stl
+}
+
+OtherProjectsAreToldThatTheKernelIsMissing() {
+  install
+  mkdir convert
+  example cmake 2 >convert/CMakeLists.txt
+  : >convert/convert.cpp
+  ! "$cmake" -G Ninja -S convert -B convert/build -DCMAKE_PREFIX_PATH="$scratch/usr" \
+    -DCMAKE_DISABLE_FIND_PACKAGE_OpenCASCADE=ON >log 2>&1 || fail 'found without a kernel'
+  if has_kernel; then
+    grep -q 'Open CASCADE [0-9.]* was not found' log || fail "$(cat log)"
+  else
+    grep -q 'Plenvorith_FOUND to FALSE' log || fail "$(cat log)"
+  fi
+}
+
+PkgConfigKnowsTheLibraries() {
+  type -P pkg-config >/dev/null || exit 77
+  install
+  local flags
+  flags=$(PKG_CONFIG_PATH=$(echo usr/lib/**/pkgconfig) pkg-config --cflags --libs plenvorith)
+  example cpp 1 >decode.cpp
+  # shellcheck disable=SC2086 # several flags
+  "$compiler" -std=c++20 ${sanitize:+-fsanitize=$sanitize} decode.cpp $flags -o decode
+  ./decode "$source/samples/tessellated.step" knot.stl
+  expect_knot knot.stl
+}
+
+APartOfOtherSourcesIsNotInstalled() {
+  mkdir parent
+  example cpp 1 >parent/decode.cpp
+  cat >parent/CMakeLists.txt <<END
+cmake_minimum_required(VERSION 3.25)
+project(parent LANGUAGES CXX)
+set(PLENVORITH_WITH_KERNEL OFF)
+add_subdirectory("$source" plenvorith)
+add_executable(decode decode.cpp)
+target_link_libraries(decode PRIVATE plenvorith::tessellation plenvorith::output)
+install(TARGETS decode)
+END
+  build_project parent
+  "$cmake" --install parent/build --prefix "$scratch/usr" >installed
+  usr/bin/decode "$source/samples/tessellated.step" knot.stl
+  expect_knot knot.stl
+  [[ $(find usr -type f) == usr/bin/decode ]] || fail "$(find usr -type f)"
+}
+
+"$3"
