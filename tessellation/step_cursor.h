@@ -31,13 +31,25 @@ struct IndexTriple {
 [[nodiscard]] std::size_t maxTripleCount(std::string_view text);
 
 /// Skips blanks: exactly space, horizontal tab, carriage return and line feed.
-void skipWhitespace(StepCursor& cursor);
+inline void skipWhitespace(StepCursor& cursor) {
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (cursor.pos < cursor.text.size() && isBlank(cursor.text[cursor.pos])) {
+    ++cursor.pos;
+  }
+}
 
 /// Whether `c` comes next, behind blanks, which are skipped.
-[[nodiscard]] bool nextIs(StepCursor& cursor, char c);
+[[nodiscard]] inline bool nextIs(StepCursor& cursor, char c) {
+  skipWhitespace(cursor);
+  return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
+}
 
 /// Skips blanks and then `c`, if it comes next.
-void consumeIf(StepCursor& cursor, char c);
+inline void consumeIf(StepCursor& cursor, char c) {
+  if (nextIs(cursor, c)) {
+    ++cursor.pos;
+  }
+}
 
 /// Reads a real number behind blanks.
 ///

@@ -1,13 +1,12 @@
 #include "tests/reference/reference_step_cursor.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
 
-#include <locale.h>
-#include <stdlib.h>
+#include "tests/reference/reference_number.h"
 
 namespace plenvorith::test {
 namespace {
@@ -21,27 +20,6 @@ void skipDigits(StepCursor& cursor) {
          cursor.text[cursor.pos] <= '9') {
     ++cursor.pos;
   }
-}
-
-void skipSign(StepCursor& cursor) {
-  if (isNow(cursor, '-') || isNow(cursor, '+')) {
-    ++cursor.pos;
-  }
-}
-
-/// strtod with the checks of std::stod.
-double toDouble(const std::string& token) {
-  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-  errno = 0;
-  char* end = nullptr;
-  const double value = strtod_l(token.c_str(), &end, cLocale);
-  if (end == token.c_str()) {
-    throw std::invalid_argument("invalid stod argument");
-  }
-  if (errno == ERANGE) {
-    throw std::out_of_range("stod argument out of range");
-  }
-  return value;
 }
 
 std::int32_t toInt32(double value) {
@@ -86,23 +64,16 @@ void referenceConsumeIf(StepCursor& cursor, char c) {
 
 double referenceParseNumber(StepCursor& cursor) {
   referenceSkipWhitespace(cursor);
-  const std::size_t start = cursor.pos;
-  skipSign(cursor);
-  skipDigits(cursor);
-  if (isNow(cursor, '.')) {
-    ++cursor.pos;
-    skipDigits(cursor);
+  const std::size_t start = std::min(cursor.pos, cursor.text.size());
+  const ReferenceNumber number = referenceNumber(cursor.text.substr(start));
+  cursor.pos += number.length;
+  if (number.error == NumberError::NoNumber) {
+    throw std::invalid_argument("invalid stod argument");
   }
-  if (isNow(cursor, 'E') || isNow(cursor, 'e')) {
-    ++cursor.pos;
-    skipSign(cursor);
-    skipDigits(cursor);
+  if (number.error == NumberError::OutOfRange) {
+    throw std::out_of_range("stod argument out of range");
   }
-  std::string token;
-  for (std::size_t i = start; i < cursor.pos; ++i) {
-    token += cursor.text[i];
-  }
-  return toDouble(token);
+  return number.value;
 }
 
 std::string referenceParseReference(StepCursor& cursor) {
