@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "common/block_reader.h"
 #include "steptext/entity_start.h"
 #include "steptext/line_reader.h"
 
@@ -33,10 +34,8 @@ void trim(std::string& text) {
 }  // namespace
 
 void readEntityTable(EntityTable& table, const std::string& path) {
-  LineReader lines(path);
-  if (!lines.isOpen()) {
-    return;
-  }
+  BlockReader file(path);
+  LineReader lines(file);
   auto entity = table.end();  // that the lines belong to; none yet
   bool isFirstLine = false;
   bool isCut = false;

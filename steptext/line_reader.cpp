@@ -1,14 +1,7 @@
 #include "steptext/line_reader.h"
 
-#include <algorithm>
-#include <cstring>
-#include <ios>
-
 namespace plenvorith {
 namespace {
-
-/// Stays in the processor's second-level cache; larger blocks take as long or longer.
-constexpr std::size_t kBlockSize = std::size_t{1} << 17;
 
 /// Longer lines are cut, so that one line that is most of a large file is not in memory twice.
 constexpr std::size_t kLargestPiece = std::size_t{16} << 20;
@@ -20,64 +13,34 @@ bool mayBeInName(std::string_view text) {
 
 }  // namespace
 
-LineReader::LineReader(const std::string& path) : file_(path, std::ios::binary) {
-  if (file_.is_open()) {
-    buffer_.resize(kBlockSize);
-  }
-}
-
-bool LineReader::isOpen() const {
-  return file_.is_open();
-}
-
 bool LineReader::next(std::string_view& piece) {
   startsLine_ = endsLine_;
   std::size_t searched = 0;  // bytes known to hold no line feed
   while (true) {
-    const char* const start = buffer_.data() + begin_;
-    const std::size_t available = end_ - begin_;
-    const void* const lineFeed = std::memchr(start + searched, '\n', available - searched);
-    if (lineFeed != nullptr) {
-      const auto size = static_cast<std::size_t>(static_cast<const char*>(lineFeed) - start);
-      handOut(piece, size, true);
-      ++begin_;
+    const std::size_t lineFeed = rest_.find('\n', searched);
+    if (lineFeed != std::string_view::npos) {
+      piece = handOut(lineFeed, true);
+      rest_.remove_prefix(1);
       return true;
     }
-    searched = available;
-    if (available >= kLargestPiece && !(startsLine_ && mayBeInName({start, available}))) {
-      handOut(piece, available, false);
+    searched = rest_.size();
+    if (searched >= kLargestPiece && !(startsLine_ && mayBeInName(rest_))) {
+      piece = handOut(searched, false);
       return true;
     }
-    if (!readMore()) {
-      const bool hasPiece = available > 0 || !startsLine_;
-      handOut(piece, available, true);
-      return hasPiece;
+    if (!file_.next(rest_, searched)) {
+      piece = handOut(searched, true);
+      return searched > 0 || !startsLine_;
     }
   }
 }
 
-void LineReader::handOut(std::string_view& piece, std::size_t size, bool endsLine) {
-  piece = {buffer_.data() + begin_, size};
-  begin_ += size;
+/// Takes a piece off the front of what is left.
+std::string_view LineReader::handOut(std::size_t size, bool endsLine) {
+  const std::string_view piece = rest_.substr(0, size);
+  rest_.remove_prefix(size);
   endsLine_ = endsLine;
-}
-
-/// Reads behind what has not been handed out, which moves to the front; false at the end of the
-/// file, with the buffer as it was.
-bool LineReader::readMore() {
-  if (!file_.good()) {
-    return false;
-  }
-  std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
-            buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
-  end_ -= begin_;
-  begin_ = 0;
-  if (end_ == buffer_.size()) {
-    buffer_.resize(2 * buffer_.size());
-  }
-  file_.read(buffer_.data() + end_, static_cast<std::streamsize>(buffer_.size() - end_));
-  end_ += static_cast<std::size_t>(file_.gcount());
-  return true;
+  return piece;
 }
 
 }  // namespace plenvorith

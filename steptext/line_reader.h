@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <fstream>
-#include <string>
 #include <string_view>
-#include <vector>
+
+#include "common/block_reader.h"
 
 namespace plenvorith {
 
@@ -12,18 +11,17 @@ namespace plenvorith {
 ///
 /// Lines are split at line feeds, which belong to no line; carriage returns stay. A last line
 /// without a line feed is a line, a final line feed does not start another one. A file that cannot
-/// be read after it was opened (a directory, for example) has no lines.
+/// be read has no lines.
 ///
 /// A line of less than 16 MiB is always one piece, and an instance name at the start of a line is
 /// never cut. The last piece of a line may be empty.
 ///
-/// Cost    one pass over the file in large blocks; memory for one piece.
+/// Cost    one pass over the file; memory for one piece.
 class LineReader {
  public:
-  explicit LineReader(const std::string& path);
-
-  /// Whether the file could be opened.
-  [[nodiscard]] bool isOpen() const;
+  /// Reads the lines from where `file`, which has to live as long as the reader, stands. `rest` is
+  /// what comes in front of that: the end of the last block, or nothing.
+  explicit LineReader(BlockReader& file, std::string_view rest = {}) : file_(file), rest_(rest) {}
 
   /// Sets `piece` to the next piece, valid until the next call; false at the end of the file.
   [[nodiscard]] bool next(std::string_view& piece);
@@ -39,13 +37,10 @@ class LineReader {
   }
 
  private:
-  void handOut(std::string_view& piece, std::size_t size, bool endsLine);
-  bool readMore();
+  std::string_view handOut(std::size_t size, bool endsLine);
 
-  std::ifstream file_;
-  std::vector<char> buffer_;
-  std::size_t begin_ = 0;  // of what has not been handed out
-  std::size_t end_ = 0;    // of what has been read
+  BlockReader& file_;
+  std::string_view rest_;  // of the block, not handed out yet
   bool startsLine_ = true;
   bool endsLine_ = true;
 };

@@ -4,16 +4,16 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <optional>
 #include <string_view>
-#include <vector>
 
+#include "common/block_reader.h"
 #include "common/reserve.h"
 #include "steptext/entity_start.h"
+#include "steptext/line_reader.h"
+#include "steptext/trigger_word.h"
 
 namespace plenvorith {
 namespace {
@@ -25,89 +25,28 @@ constexpr std::array<std::string_view, 4> kStrippedTypes = {
     "COORDINATES_LIST",
 };
 
-/// What stays of a file: runs of whole lines, each with its line feed, except perhaps the last.
+/// What stays of a file: whole lines, each with a line feed.
 struct KeptLines {
-  std::vector<std::string_view> runs;
+  std::string text;
   std::int32_t removedLines = 0;
 };
 
-/// Stays in the processor's second-level cache; larger blocks take as long or longer.
-constexpr std::size_t kBlockSize = std::size_t{1} << 17;
-
-/// Words that decide whether there is anything to strip.
-constexpr std::array<std::string_view, 2> kTriggerWords = {"TESSELLATED_", "COMPLEX_TRIANGULATED_"};
-constexpr std::size_t kOverlap = 20;  // one less than the longest of them
-
-/// Whether `text` may hold a trigger word: whether it holds the letters "LAT", which every trigger
-/// word does and little else in a file of exact geometry. The compiler turns the loop into wide
-/// instructions, which makes it several times as fast as any search for the words themselves.
-bool mayHoldTriggerWord(std::string_view text) {
-  const char* const bytes = text.data();
-  unsigned char found = 0;
-  for (std::size_t i = 0; i + 2 < text.size(); ++i) {
-    const int difference = (bytes[i] ^ 'L') | (bytes[i + 1] ^ 'A') | (bytes[i + 2] ^ 'T');
-    found |= static_cast<unsigned char>(difference == 0 ? 1 : 0);
-  }
-  return found != 0;
-}
-
-/// Whether `text` holds a trigger word in any place: in a type that is not stripped, in a string,
-/// in the header. A word holds no line feed, so lines need not be told apart.
-bool holdsTriggerWord(std::string_view text) {
-  constexpr std::size_t kChunk = 4096;
-  for (std::size_t start = 0; start < text.size(); start += kChunk) {
-    const std::string_view chunk = text.substr(start, kChunk + kOverlap);
-    const auto isIn = [chunk](std::string_view word) {
-      return chunk.find(word) != std::string_view::npos;
-    };
-    if (mayHoldTriggerWord(chunk) &&
-        std::any_of(kTriggerWords.begin(), kTriggerWords.end(), isIn)) {
+/// Reads on until a trigger word has come by.
+///
+/// Most files hold none and only pass through one block of memory. One that does is read once more;
+/// what cannot be read twice (a pipe) stays in `block` from the start.
+bool findTriggerWord(BlockReader& file, std::string_view& block) {
+  // A word may lie across the border of two blocks.
+  constexpr std::size_t kAcross = kLongestTriggerWord - 1;
+  const bool isRereadable = file.seek(0);
+  std::size_t kept = 0;
+  while (file.next(block, kept)) {
+    if (holdsTriggerWord(block.substr(kept - std::min(kept, kAcross)))) {
       return true;
     }
+    kept = isRereadable ? std::min(block.size(), kAcross) : block.size();
   }
   return false;
-}
-
-/// Reads a file whole if it holds a trigger word; gives nothing otherwise.
-std::optional<std::string> readIfTessellated(std::ifstream& file) {
-  // Most files hold none and only pass through one block of memory. One that does is read once
-  // more, whole; what cannot be read twice (a pipe) is kept from the start.
-  const std::streamoff size = file.seekg(0, std::ios::end).tellg();
-  const bool isRereadable = size >= 0;
-  file.clear();
-  file.seekg(0);
-  file.clear();
-
-  std::string content;
-  std::vector<char> block(kBlockSize);
-  std::size_t overlap = 0;  // bytes of the block before, in front: a word may lie across
-  bool isTessellated = false;
-  while (!isTessellated && file.good()) {
-    char* const fresh = block.data() + overlap;
-    file.read(fresh, static_cast<std::streamsize>(block.size() - overlap));
-    const auto freshSize = static_cast<std::size_t>(file.gcount());
-    if (!isRereadable) {
-      content.append(fresh, freshSize);
-    }
-    const std::string_view bytes(block.data(), overlap + freshSize);
-    isTessellated = holdsTriggerWord(bytes);
-    overlap = std::min(kOverlap, bytes.size());
-    std::memmove(block.data(), bytes.data() + bytes.size() - overlap, overlap);
-  }
-  if (!isTessellated) {
-    return std::nullopt;
-  }
-  if (isRereadable) {
-    file.clear();
-    file.seekg(0);
-    content.reserve(static_cast<std::size_t>(size));
-    preferLargePages(content.data(), content.capacity());
-  }
-  while (file.good()) {
-    file.read(block.data(), static_cast<std::streamsize>(block.size()));
-    content.append(block.data(), static_cast<std::size_t>(file.gcount()));
-  }
-  return content;
 }
 
 /// Whether a line starts an entity to strip. The type only has to begin with one of the names, and
@@ -122,38 +61,31 @@ bool startsStrippedEntity(std::string_view line) {
                      [&](std::string_view type) { return text.starts_with(type); });
 }
 
-/// Whether a line ends an entity to strip: its last byte is ";", line ends aside. Nothing else may
-/// stand behind the semicolon, neither a blank nor a comment.
-bool endsStrippedEntity(std::string_view line) {
-  const std::size_t last = line.find_last_not_of("\r\n");
-  return last != std::string_view::npos && line[last] == ';';
-}
-
-/// Cuts the next line, with its line feed, off the front of `content`.
-std::string_view takeLine(std::string_view& content) {
-  const std::string_view line = content.substr(0, content.find('\n'));
-  const std::string_view whole = content.substr(0, line.size() + 1);
-  content.remove_prefix(whole.size());
-  return whole;
-}
-
-KeptLines withoutTessellation(std::string_view content) {
+KeptLines withoutTessellation(LineReader& lines, std::size_t mostBytes) {
   KeptLines kept;
-  const char* runStart = content.data();
-  while (!content.empty()) {
-    std::string_view line = takeLine(content);
-    if (!startsStrippedEntity(line)) {
-      continue;
+  kept.text.reserve(mostBytes);
+  preferLargePages(kept.text.data(), kept.text.capacity());
+  bool isStripped = false;
+  // The last byte of a line that is to be stripped, carriage returns aside. A ";" ends the entity,
+  // but nothing else may stand behind it, neither a blank nor a comment.
+  char lastByte = ';';
+  std::string_view piece;
+  while (lines.next(piece)) {
+    if (lines.startsLine()) {
+      isStripped = (isStripped && lastByte != ';') || startsStrippedEntity(piece);
+      lastByte = '\0';
     }
-    kept.runs.emplace_back(runStart, static_cast<std::size_t>(line.data() - runStart));
-    ++kept.removedLines;
-    while (!endsStrippedEntity(line) && !content.empty()) {
-      line = takeLine(content);
-      ++kept.removedLines;
+    if (isStripped) {
+      const std::size_t last = piece.find_last_not_of('\r');
+      lastByte = last == std::string_view::npos ? lastByte : piece[last];
+      kept.removedLines += lines.endsLine() ? 1 : 0;
+    } else {
+      kept.text += piece;
+      if (lines.endsLine()) {
+        kept.text += '\n';
+      }
     }
-    runStart = content.data();
   }
-  kept.runs.emplace_back(runStart, static_cast<std::size_t>(content.data() - runStart));
   return kept;
 }
 
@@ -169,34 +101,23 @@ std::string_view lastComponent(std::string_view path) {
   return hasDrive ? path.substr(2) : path;
 }
 
-void writeLines(const std::string& path, const std::vector<std::string_view>& runs) {
-  std::ofstream file(path);
-  char last = '\n';
-  for (const std::string_view run : runs) {
-    file.write(run.data(), static_cast<std::streamsize>(run.size()));
-    last = run.empty() ? last : run.back();
-  }
-  if (last != '\n') {
-    file.put('\n');
-  }
-}
-
 }  // namespace
 
 std::string stripTessellation(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file.is_open()) {
+  BlockReader file(path);
+  std::string_view start;
+  if (!findTriggerWord(file, start)) {
     return path;
   }
-  const std::optional<std::string> content = readIfTessellated(file);
-  file.close();
-  if (!content) {
-    return path;
+  const std::uint64_t size = file.sizeHint();
+  if (file.seek(0)) {
+    start = {};
   }
-  const KeptLines kept = withoutTessellation(*content);
+  LineReader lines(file, start);
+  const KeptLines kept = withoutTessellation(lines, size);
   const std::filesystem::path cleanName = std::string(lastComponent(path)) + ".clean.stp";
   std::string cleanPath = (std::filesystem::temp_directory_path() / cleanName).string();
-  writeLines(cleanPath, kept.runs);
+  std::ofstream(cleanPath).write(kept.text.data(), static_cast<std::streamsize>(kept.text.size()));
   std::cout << "[PREPROCESS] Stripped " << kept.removedLines << " lines -> " << cleanPath
             << std::endl;
   return cleanPath;
