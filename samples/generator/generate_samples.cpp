@@ -12,21 +12,17 @@
 #include <utility>
 #include <vector>
 
-#include <BRep_Tool.hxx>
 #include <IFSelect_ReturnStatus.hxx>
 #include <Interface_Static.hxx>
-#include <Poly_Triangulation.hxx>
 #include <STEPControl_Controller.hxx>
 #include <STEPControl_Writer.hxx>
-#include <TopExp_Explorer.hxx>
-#include <TopLoc_Location.hxx>
-#include <TopoDS.hxx>
-#include <TopoDS_Face.hxx>
-#include <gp_Pnt.hxx>
 
-#include "brep/brep_mesher.h"
+#include "samples/generator/annotation.h"
+#include "samples/generator/coupling.h"
 #include "samples/generator/exact_shapes.h"
 #include "samples/generator/facets.h"
+#include "samples/generator/meshes.h"
+#include "samples/generator/products.h"
 #include "samples/generator/step_entities.h"
 
 namespace plenvorith::samples {
@@ -103,34 +99,6 @@ std::string nameOf(const Entities& entities, const std::string& type) {
   return entities.text.substr(start, equals - start);
 }
 
-/// The meshes of the faces of a shape.
-std::vector<Facets> meshFaces(const TopoDS_Shape& shape, double deflection) {
-  (void)meshShape(shape, deflection);
-  std::vector<Facets> meshes;
-  for (TopExp_Explorer faces(shape, TopAbs_FACE); faces.More(); faces.Next()) {
-    const TopoDS_Face face = TopoDS::Face(faces.Current());
-    TopLoc_Location location;
-    const Handle(Poly_Triangulation) mesh = BRep_Tool::Triangulation(face, location);
-    Facets facets;
-    for (int i = 1; i <= mesh->NbNodes(); ++i) {
-      const gp_Pnt p = mesh->Node(i).Transformed(location.Transformation());
-      facets.points.push_back({p.X(), p.Y(), p.Z()});
-    }
-    for (int i = 1; i <= mesh->NbTriangles(); ++i) {
-      std::array<int, 3> nodes{};
-      mesh->Triangle(i).Get(nodes[0], nodes[1], nodes[2]);
-      if (face.Orientation() == TopAbs_REVERSED) {
-        std::swap(nodes[0], nodes[1]);
-      }
-      facets.triangles.push_back({static_cast<std::size_t>(nodes[0]),
-                                  static_cast<std::size_t>(nodes[1]),
-                                  static_cast<std::size_t>(nodes[2])});
-    }
-    meshes.push_back(facets);
-  }
-  return meshes;
-}
-
 // --- Tessellated shapes ---
 
 std::size_t addFace(Entities& entities, const Facets& facets) {
@@ -158,45 +126,6 @@ std::size_t addTessellation(Entities& entities, const std::vector<Facets>& faces
   const std::size_t solid =
       add(entities, "TESSELLATED_SOLID(''," + list(faceNumbers, ref) + "," + exactSolid + ")");
   return add(entities, "TESSELLATED_SHAPE_REPRESENTATION('',(" + ref(solid) + ")," + context + ")");
-}
-
-std::string addContext(Entities& entities) {
-  const std::size_t length =
-      add(entities, "(LENGTH_UNIT() NAMED_UNIT(*) SI_UNIT(.MILLI.,.METRE.))");
-  const std::size_t angle = add(entities, "(NAMED_UNIT(*) PLANE_ANGLE_UNIT() SI_UNIT($,.RADIAN.))");
-  const std::size_t solidAngle =
-      add(entities, "(NAMED_UNIT(*) SI_UNIT($,.STERADIAN.) SOLID_ANGLE_UNIT())");
-  const std::size_t accuracy =
-      add(entities, "UNCERTAINTY_MEASURE_WITH_UNIT(LENGTH_MEASURE(1.E-04)," + ref(length) +
-                        ",'distance_accuracy_value','confusion accuracy')");
-  return ref(
-      add(entities, "(GEOMETRIC_REPRESENTATION_CONTEXT(3) GLOBAL_UNCERTAINTY_ASSIGNED_CONTEXT((" +
-                        ref(accuracy) + ")) GLOBAL_UNIT_ASSIGNED_CONTEXT((" + ref(length) + "," +
-                        ref(angle) + "," + ref(solidAngle) + ")) REPRESENTATION_CONTEXT('',''))"));
-}
-
-/// Appends a product whose shape is the representation `shape`.
-void addProduct(Entities& entities, const std::string& name, std::size_t shape) {
-  const std::string application =
-      ref(add(entities, "APPLICATION_CONTEXT('managed model based 3d engineering')"));
-  add(entities,
-      "APPLICATION_PROTOCOL_DEFINITION('international standard',"
-      "'ap242_managed_model_based_3d_engineering',2014," +
-          application + ")");
-  const std::string productContext =
-      ref(add(entities, "PRODUCT_CONTEXT(''," + application + ",'mechanical')"));
-  const std::string product =
-      ref(add(entities, "PRODUCT('" + name + "','" + name + "','',(" + productContext + "))"));
-  add(entities, "PRODUCT_RELATED_PRODUCT_CATEGORY('part',$,(" + product + "))");
-  const std::string formation =
-      ref(add(entities, "PRODUCT_DEFINITION_FORMATION('',''," + product + ")"));
-  const std::string definitionContext = ref(
-      add(entities, "PRODUCT_DEFINITION_CONTEXT('part definition'," + application + ",'design')"));
-  const std::string definition = ref(
-      add(entities, "PRODUCT_DEFINITION('design',''," + formation + "," + definitionContext + ")"));
-  const std::string definitionShape =
-      ref(add(entities, "PRODUCT_DEFINITION_SHAPE('',''," + definition + ")"));
-  add(entities, "SHAPE_DEFINITION_REPRESENTATION(" + definitionShape + "," + ref(shape) + ")");
 }
 
 /// Appends a tessellated copy of the one exact solid that `entities` hold, the way design systems
@@ -230,9 +159,9 @@ bool writeExact(const std::string& directory, const std::string& name,
 
 bool writeTessellated(const std::string& directory) {
   Entities entities;
-  const std::string context = addContext(entities);
+  const std::string context = addContext(entities, LengthUnit::Millimetre);
   const std::size_t shape = addTessellation(entities, {makeKnot()}, "$", context);
-  addProduct(entities, "knot", shape);
+  (void)addProduct(entities, "knot", shape);
   return writeStep(directory, "tessellated", "A trefoil knot, tessellation only",
                    wrap(entities.text));
 }
@@ -249,9 +178,21 @@ bool writeMixed(const std::string& directory) {
   Entities entities = exactEntities(ring, {"ring"}, directory);
   addPairedCopy(entities, ring, 0.05);
   const std::string context = nameOf(entities, "( GEOMETRIC_REPRESENTATION_CONTEXT(");
-  addProduct(entities, "gem", addTessellation(entities, {makeGem()}, "$", context));
+  (void)addProduct(entities, "gem", addTessellation(entities, {makeGem()}, "$", context));
   return writeStep(directory, "mixed",
                    "A ring, exact with a tessellated copy, and a gem, tessellation only",
+                   entities.text);
+}
+
+bool writeCoupling(const std::string& directory) {
+  return writeStep(directory, "coupling", "A flange coupling, tessellation only, in inches",
+                   wrap(couplingEntities().text));
+}
+
+bool writeAnnotated(const std::string& directory) {
+  Entities entities = exactEntities(makeBracket(), {"bracket"}, directory);
+  addAnnotation(entities, nameOf(entities, "( GEOMETRIC_REPRESENTATION_CONTEXT("));
+  return writeStep(directory, "annotated", "A bracket, exact, and its dimensions as triangles",
                    entities.text);
 }
 
@@ -269,6 +210,7 @@ int main(int argc, char** argv) {
       writeExact(directory, "bracket", "A bracket, one solid", makeBracket(), {"bracket"}) &&
       writeExact(directory, "assembly", "A lamp, three solids and a sheet", makeLamp(),
                  {"lamp", "foot", "pole", "bulb", "shade"}) &&
-      writeTessellated(directory) && writePaired(directory) && writeMixed(directory);
+      writeTessellated(directory) && writePaired(directory) && writeMixed(directory) &&
+      writeCoupling(directory) && writeAnnotated(directory);
   return written ? 0 : 1;
 }
