@@ -1,14 +1,29 @@
-// The stages that are our own code, each by itself, on generated input in memory or on disk.
+// The stages that are our own code, each by itself.
+//
+//   bench_stages [--benchmark_...]            decoding and writing, on what is made in memory
+//   bench_stages INPUT [--benchmark_...]      and the stages that read a file, once each:
+//
+//     table      reading the entity table
+//     analysis   the analysis of that table, without reading it
+//     copy       a copy of that table: what memory for it takes, without reading and without a
+//                search for any place
+//     walk       a walk over that table that adds up the lengths of its texts: the least that
+//                looking at every entity takes
+//     strip      stripping, with the copy in the temporary directory
+//
+// bench/run picks one with --benchmark_filter and reads what it prints as JSON.
 
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
+#include "bench/stopwatch.h"
 #include "output/stl_writer.h"
 #include "steptext/entity_table.h"
 #include "steptext/strip_tessellation.h"
@@ -47,32 +62,6 @@ std::string indexTriples() {
   return text + ")";
 }
 
-/// A file of many short entities as exact geometry has them, gone at the end of the scope.
-class ExactLikeFile {
- public:
-  ExactLikeFile() : path_(std::filesystem::temp_directory_path() / "plenvorith-bench.stp") {
-    std::ofstream file(path_);
-    for (int i = 1; i <= kItems; ++i) {
-      file << "#" << i << "=CARTESIAN_POINT('',(" << 0.25 * i << ",1.5,-2.));\n";
-    }
-  }
-  ~ExactLikeFile() {
-    std::filesystem::remove(path_);
-  }
-  ExactLikeFile(const ExactLikeFile&) = delete;
-  ExactLikeFile& operator=(const ExactLikeFile&) = delete;
-
-  std::string path() const {
-    return path_;
-  }
-  std::size_t size() const {
-    return std::filesystem::file_size(path_);
-  }
-
- private:
-  std::filesystem::path path_;
-};
-
 void benchPointList(benchmark::State& state) {
   const std::string text = pointList(static_cast<int>(state.range(0)));
   for (auto _ : state) {
@@ -82,7 +71,7 @@ void benchPointList(benchmark::State& state) {
   state.SetBytesProcessed(bytes(state, text.size()));
   state.SetItemsProcessed(bytes(state, 3 * kItems));
 }
-BENCHMARK(benchPointList)->ArgName("decimals")->Arg(6)->Arg(13);
+BENCHMARK(benchPointList)->Name("points")->ArgName("decimals")->Arg(6)->Arg(13);
 
 void benchIndexTriples(benchmark::State& state) {
   const std::string text = indexTriples();
@@ -93,7 +82,7 @@ void benchIndexTriples(benchmark::State& state) {
   state.SetBytesProcessed(bytes(state, text.size()));
   state.SetItemsProcessed(bytes(state, 3 * kItems));
 }
-BENCHMARK(benchIndexTriples);
+BENCHMARK(benchIndexTriples)->Name("triples");
 
 void benchFaceDecoder(benchmark::State& state) {
   const EntityTable table = {
@@ -106,53 +95,125 @@ void benchFaceDecoder(benchmark::State& state) {
   state.SetBytesProcessed(bytes(state, table.at("#1").size() + table.at("#2").size()));
   state.SetItemsProcessed(bytes(state, kItems));
 }
-BENCHMARK(benchFaceDecoder);
+BENCHMARK(benchFaceDecoder)->Name("faces");
 
-void benchEntityTable(benchmark::State& state) {
-  const ExactLikeFile file;
+/// Reads the table in which a stage begins.
+EntityTable tableOf(const std::string& path) {
+  EntityTable table;
+  readEntityTable(table, path);
+  return table;
+}
+
+/// Says what a stage over the file at `path` took, in user and system time, too. One iteration is
+/// one cold run, as in the program.
+void finish(benchmark::State& state, const bench::Times& times, const std::string& path) {
+  state.SetIterationTime(times.wall);
+  state.counters["user"] = times.user;
+  state.counters["system"] = times.system;
+  state.counters["wall"] = times.wall;
+  state.SetBytesProcessed(static_cast<std::int64_t>(std::filesystem::file_size(path)));
+}
+
+void benchTable(benchmark::State& state, const std::string& path) {
   for (auto _ : state) {
     EntityTable table;
-    readEntityTable(table, file.path());
-    benchmark::DoNotOptimize(table);
+    const bench::Stopwatch stopwatch;
+    readEntityTable(table, path);
+    finish(state, stopwatch.elapsed(), path);
   }
-  state.SetBytesProcessed(bytes(state, file.size()));
-  state.SetItemsProcessed(bytes(state, kItems));
 }
-BENCHMARK(benchEntityTable);
 
-void benchAnalysis(benchmark::State& state) {
-  const ExactLikeFile file;
-  EntityTable table;
-  readEntityTable(table, file.path());
-  // With one tessellated representation every text is searched for relationships.
-  table["#0"] = "TESSELLATED_SHAPE_REPRESENTATION('',(),$);";
+void benchAnalysis(benchmark::State& state, const std::string& path) {
+  const EntityTable table = tableOf(path);
   for (auto _ : state) {
+    const bench::Stopwatch stopwatch;
     benchmark::DoNotOptimize(analyzeTessellation(table));
+    finish(state, stopwatch.elapsed(), path);
   }
-  state.SetBytesProcessed(bytes(state, file.size()));
 }
-BENCHMARK(benchAnalysis);
 
-void benchStripNothing(benchmark::State& state) {
-  const ExactLikeFile file;
+void benchCopy(benchmark::State& state, const std::string& path) {
+  const EntityTable table = tableOf(path);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(stripTessellation(file.path()));
+    const bench::Stopwatch stopwatch;
+    const EntityTable copy(table);
+    finish(state, stopwatch.elapsed(), path);
+    benchmark::DoNotOptimize(copy.size());
   }
-  state.SetBytesProcessed(bytes(state, file.size()));
 }
-BENCHMARK(benchStripNothing);
 
-void benchStlWriter(benchmark::State& state) {
-  const std::vector<Triangle> triangles(kItems, makeTriangle({0, 0, 0}, {1, 0, 0}, {0, 1, 0}));
+void benchWalk(benchmark::State& state, const std::string& path) {
+  const EntityTable table = tableOf(path);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(writeBinaryStl("/dev/null", triangles));
+    const bench::Stopwatch stopwatch;
+    std::size_t result = 0;
+    for (const auto& [name, text] : table) {
+      result += text.size();
+    }
+    finish(state, stopwatch.elapsed(), path);
+    benchmark::DoNotOptimize(result);
   }
-  state.SetBytesProcessed(bytes(state, 84 + 50 * triangles.size()));
-  state.SetItemsProcessed(bytes(state, kItems));
 }
-BENCHMARK(benchStlWriter);
+
+void benchStrip(benchmark::State& state, const std::string& path) {
+  for (auto _ : state) {
+    const bench::Stopwatch stopwatch;
+    const std::string clean = stripTessellation(path);
+    finish(state, stopwatch.elapsed(), path);
+    if (clean != path) {
+      std::filesystem::remove(clean);
+    }
+  }
+}
+
+/// A file in the temporary directory, as large as row 7 of the table asks for.
+void benchWrite(benchmark::State& state) {
+  constexpr std::size_t kTriangles = 1'200'000;
+  std::vector<Triangle> triangles(kTriangles);
+  for (std::size_t i = 0; i < kTriangles; ++i) {
+    const auto n = static_cast<double>(i);
+    triangles[i] = makeTriangle({n, 0, 0}, {n, 1, 0}, {n, 0, 1});
+  }
+  const std::filesystem::path path =
+      std::filesystem::temp_directory_path() / "plenvorith-bench.stl";
+  for (auto _ : state) {
+    const bench::Stopwatch stopwatch;
+    if (!writeBinaryStl(path, triangles)) {
+      state.SkipWithError("cannot write");
+      return;
+    }
+    finish(state, stopwatch.elapsed(), path);
+    std::filesystem::remove(path);  // cutting off an old file would be measured, too
+  }
+}
+BENCHMARK(benchWrite)->Name("write")->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void registerFileStages(const std::string& path) {
+  const auto add = [&path](const char* name, auto stage) {
+    benchmark::RegisterBenchmark(name, stage, path)
+        ->Iterations(1)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
+  };
+  add("table", benchTable);
+  add("analysis", benchAnalysis);
+  add("copy", benchCopy);
+  add("walk", benchWalk);
+  add("strip", benchStrip);
+}
 
 }  // namespace
 }  // namespace plenvorith
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (argc > 2 || (argc == 2 && std::strncmp(argv[1], "--", 2) == 0)) {
+    std::fprintf(stderr, "usage: bench_stages [INPUT] [--benchmark_...]\n");
+    return 2;
+  }
+  if (argc == 2) {
+    plenvorith::registerFileStages(argv[1]);
+  }
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

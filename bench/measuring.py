@@ -1,0 +1,203 @@
+"""What bench/run and bench/peers share: running a process and counting what it took, comparing two
+in alternation, printing the table, and keeping the figures of a run."""
+
+import csv
+import datetime
+import json
+import os
+import platform
+import re
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+BUILD = ROOT / "build" / "release"
+BENCH = BUILD / "bench"
+PROGRAM = BUILD / "app" / "plenvorith"
+INPUTS = ROOT / "build" / "bench"
+MEGABYTE = 1_000_000
+
+
+@dataclass
+class Run:
+    """What one process, or one stage of it, took: seconds, bytes and faults of memory."""
+
+    user: float
+    system: float
+    wall: float
+    peak: int = 0  # of the whole process
+    faults: int = 0  # minor ones, of the whole process
+    text: str = ""
+
+    @property
+    def processor(self):
+        return self.user + self.system
+
+
+def run(*command, status=0, cwd=None, env=None, timeout=None):
+    """Runs a process to its end. Ends the program if it ends otherwise than expected. Past the
+    timeout the process is killed; its status then has to be that of the signal or None, which
+    means any."""
+    with tempfile.TemporaryFile() as out:
+        start = time.perf_counter()
+        limited = ["timeout", "-s", "KILL", str(timeout)] if timeout else []
+        process = subprocess.Popen([*limited, *map(str, command)], stdout=out,
+                                   stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL, cwd=cwd,
+                                   env=env)
+        _, ended, usage = os.wait4(process.pid, 0)
+        wall = time.perf_counter() - start
+        process.returncode = os.waitstatus_to_exitcode(ended)
+        out.seek(0)
+        text = out.read().decode(errors="replace")
+    if status is not None and process.returncode != status:
+        sys.exit(f"failed: {' '.join(map(str, command))}\n{text}")
+    return Run(usage.ru_utime, usage.ru_stime, wall, usage.ru_maxrss * 1024, usage.ru_minflt, text)
+
+
+def reported(*command):
+    """The same for a baseline that says itself how long it took, without its start."""
+    result = run(*command)
+    times = re.search(r"^seconds user (\S+) system (\S+) wall (\S+)$", result.text, re.M)
+    result.user, result.system, result.wall = map(float, times.groups())
+    return result
+
+
+def stage(name, *path):
+    """One stage of the program by itself."""
+    result = run(BENCH / "bench_stages", *path, f"--benchmark_filter=^{name}/",
+                 "--benchmark_format=json")
+    counted = json.loads(result.text[result.text.index("{"):])["benchmarks"][0]
+    result.user, result.system, result.wall = (counted[key] for key in ("user", "system", "wall"))
+    return result
+
+
+def build():
+    """The release preset with its benchmarks."""
+    subprocess.run([ROOT / "script" / "bootstrap", "bench"], check=True)
+    subprocess.run(["cmake", "--preset", "release", "-DPLENVORITH_BUILD_BENCH=ON"], cwd=ROOT,
+                   stdout=sys.stderr, check=True)
+    subprocess.run(["cmake", "--build", "--preset", "release"], cwd=ROOT, stdout=sys.stderr,
+                   check=True)
+    INPUTS.mkdir(parents=True, exist_ok=True)
+
+
+def tessellation(kind, megabytes):
+    path = INPUTS / f"tessellation-{kind}-{megabytes}.stp"
+    if not path.exists():
+        run(BENCH / "generate_tessellation", kind, megabytes, path)
+    return path
+
+
+def exact(kind, megabytes):
+    """As the kernel writes it, with "#1 = "."""
+    path = INPUTS / f"exact-{kind}-{megabytes}.stp"
+    if not path.exists():
+        run(BENCH / "generate_exact", kind, megabytes, path)
+    return path
+
+
+def without_blanks(path):
+    """The same file with "#1=" for the kernel's "#1 = ", as most systems write it."""
+    result = path.with_suffix(".plain.stp")
+    if not result.exists():
+        with open(path, "rb") as source, open(result, "wb") as target:
+            for line in source:
+                target.write(re.sub(rb"^(#\d+) = ", rb"\1=", line))
+    return result
+
+
+def touch(memory):
+    """A virtual machine gets its memory from its host when it is first touched, which can take
+    longer than all the rest. So as much as a run needs is touched before it."""
+    if memory:
+        run(BENCH / "baseline_io", "touch", memory)
+
+
+def alternate(ours, baseline, pairs, memory=0, warm_up=True):
+    """Runs both by turns, so that both see the same machine; gives the pairs."""
+    def warm(measured):
+        touch(memory)
+        return measured()
+
+    result = [(warm(ours), warm(baseline)) for _ in range(pairs + warm_up)]
+    return result[warm_up:]
+
+
+def first_line(*command):
+    result = subprocess.run(command, capture_output=True, text=True, check=False, cwd=ROOT)
+    return (result.stdout.splitlines() or [""])[0].strip()
+
+
+def machine():
+    """Where and of what a run was made, as pairs of a name and a text."""
+    processor = re.search(r"^model name\s*: (.*)$", Path("/proc/cpuinfo").read_text(), re.M)
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    release = re.search(r'^PRETTY_NAME="(.*)"$', Path("/etc/os-release").read_text(), re.M)
+    pages = Path("/sys/kernel/mm/transparent_hugepage/enabled")
+    packages = ("libocct-foundation-dev", "libmimalloc-dev", "libgoogle-perftools-dev", "libc6")
+    installed = [(name, first_line("dpkg-query", "-W", "-f=${Version}", name)) for name in packages]
+    return [
+        ("Date", f"{datetime.date.today():%Y-%m-%d}"),
+        ("Commit", first_line("git", "rev-parse", "HEAD")
+         + (" and changes" if first_line("git", "status", "--porcelain", "-uno") else "")),
+        ("Compiler", first_line("c++", "--version")),
+        ("Processor", f"{os.cpu_count()} x {processor[1] if processor else platform.machine()}"),
+        ("Memory", f"{memory:.0f} GiB, transparent large pages: "
+         + (pages.read_text().strip() if pages.exists() else "none")),
+        ("System", f"{release[1] if release else '?'}, Linux {platform.release()}"),
+        ("Packages", ", ".join(f"{name} {version}" for name, version in installed if version)),
+        ("Load at the start", " ".join(f"{load:.2f}" for load in os.getloadavg())),
+    ]
+
+
+class Figures:
+    """Every figure of a run, and the table made of them. With a folder both are kept there, beside
+    a README that says what they were made on."""
+
+    def __init__(self, name, folder=None):
+        self.raw = []
+        self.lines = []
+        self.name = name
+        self.folder = folder
+        self.about = machine()
+
+    def line(self, text):
+        print(text, flush=True)
+        self.lines.append(text)
+
+    def count(self, row, work, side, measured):
+        self.raw.append([row, work, side, f"{measured.user:.6f}", f"{measured.system:.6f}",
+                         f"{measured.wall:.6f}", measured.peak, measured.faults])
+
+    def keep(self):
+        if not self.folder:
+            return
+        self.folder.mkdir(parents=True, exist_ok=True)
+        with open(self.folder / f"{self.name}raw.csv", "w", newline="") as out:
+            writer = csv.writer(out, lineterminator="\n")
+            writer.writerow(["row", "work", "side", "user_s", "system_s", "wall_s", "peak_bytes",
+                             "minor_faults"])
+            writer.writerows(self.raw)
+        (self.folder / f"{self.name}summary.md").write_text("\n".join(self.lines) + "\n")
+        readme = self.folder / "README.md"
+        heading = f"# A run of bench/{'peers' if self.name else 'run'}\n"
+        about = heading + "\n" + "".join(f"- {name}: {text}\n" for name, text in self.about)
+        old = readme.read_text() if readme.exists() else ""
+        others = [part for part in re.split(r"(?=^# )", old, flags=re.M)
+                  if part and not part.startswith(heading)]
+        readme.write_text("\n".join(part.rstrip() + "\n" for part in [*others, about]))
+        print(f"Kept in {self.folder}", file=sys.stderr)
+
+
+def archive_folder(name):
+    """Where the run of today on the machine of this name is kept."""
+    return ROOT / "bench" / "runs" / f"{datetime.date.today():%Y-%m-%d}-{name}"
+
+
+def median(measured, what):
+    return statistics.median(getattr(one, what) for one in measured)
