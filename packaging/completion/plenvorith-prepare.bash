@@ -1,0 +1,11 @@
+# bash completion for plenvorith-prepare
+
+_plenvorith_prepare() {
+  local cur prev words cword
+  _init_completion || return
+  case $cword in
+    1 | 2) _filedir '@(stp|step|p21)' ;;
+  esac
+}
+
+complete -F _plenvorith_prepare plenvorith-prepare
