@@ -21,8 +21,24 @@ if(PLENVORITH_SANITIZE)
   target_compile_options(plenvorith_flags
                          INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(plenvorith_flags INTERFACE -fsanitize=${PLENVORITH_SANITIZE})
+else()
+  # What makes of a fault, ours or the kernel's, an end of the program instead of a way in. The
+  # checked functions of the C library need an optimised build.
+  target_compile_options(
+    plenvorith_flags
+    INTERFACE -fstack-protector-strong
+              $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE>
+              $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+  target_link_options(plenvorith_flags INTERFACE LINKER:-z,relro LINKER:-z,now)
 endif()
 set(CMAKE_CXX_EXTENSIONS OFF)
+
+# Programs are loaded at addresses that nobody can foretell. The libraries fit into the shared ones
+# of others, too, which without the second line would keep g++ from inlining.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+target_compile_options(plenvorith_flags INTERFACE -fno-semantic-interposition)
 
 # plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...] [NOT_INSTALLED])
 #
