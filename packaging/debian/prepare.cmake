@@ -23,6 +23,13 @@ function(write_copyright licence doc)
        "\nFiles: *\n${holder}\nLicense: Expat\n${terms}")
 endfunction()
 
+# write_overrides(<package> <usr folder>): what lintian need not tell
+function(write_overrides package usr)
+  file(WRITE ${usr}/share/lintian/overrides/${package}
+       "# The package is not uploaded to Debian.\n"
+       "${package}: initial-upload-closes-no-bugs\n")
+endfunction()
+
 set(programs ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/programs/usr)
 set(doc ${programs}/share/doc/plenvorith)
 set(development ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/development/usr)
@@ -30,6 +37,7 @@ set(development_doc ${development}/share/doc/libplenvorith-dev)
 
 write_copyright(${doc}/LICENSE ${development_doc})
 write_changelog(libplenvorith-dev ${development_doc})
+write_overrides(libplenvorith-dev ${development})
 file(GLOB_RECURSE archives ${development}/lib/*.a)
 execute_process(COMMAND strip --strip-debug --enable-deterministic-archives
                         --remove-section=.gnu.lto_* --remove-section=.gnu.debuglto_*
@@ -37,6 +45,15 @@ execute_process(COMMAND strip --strip-debug --enable-deterministic-archives
 
 write_copyright(${doc}/LICENSE ${doc})
 write_changelog(plenvorith ${doc})
+write_overrides(plenvorith ${programs})
+file(GLOB binaries ${programs}/bin/*)
+foreach(binary IN LISTS binaries)
+  file(READ ${binary} magic LIMIT 4 HEX)
+  if(magic STREQUAL "7f454c46")
+    execute_process(COMMAND strip --remove-section=.comment --remove-section=.note ${binary}
+                            COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+endforeach()
 file(RENAME ${doc}/CHANGELOG.md ${doc}/changelog)
 file(REMOVE ${doc}/LICENSE)
 file(GLOB compressed ${programs}/share/man/man1/*.1 ${doc}/changelog)
