@@ -53,6 +53,9 @@ inline int countUnmarked(std::uint64_t marks) {
   return std::countr_zero(marks) / 8;
 }
 
+inline constexpr std::array<std::uint64_t, 9> kPowersOfTen = {
+    1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+
 /// The number that eight digits make.
 inline std::uint64_t combineEight(std::uint64_t digits) {
   // Puts pairs together, then fours, then all.
@@ -102,8 +105,6 @@ inline std::uint64_t combineFirst(std::uint64_t digits, int count) {
       return false;
     }
   }
-  static constexpr std::array<std::uint64_t, 8> kPowersOfTen = {
-      1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000};
   number.mantissa =
       number.mantissa * kPowersOfTen[static_cast<std::size_t>(count)] + combineFirst(digits, count);
   number.exponent -= count;

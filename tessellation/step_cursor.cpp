@@ -1,13 +1,13 @@
 #include "tessellation/step_cursor.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <limits>
 
 #include "common/ascii.h"
 #include "common/number.h"
 #include "common/reserve.h"
+#include "tessellation/short_triple.h"
 
 namespace plenvorith {
 namespace {
@@ -30,45 +30,52 @@ std::int32_t truncateToInt32(double value) {
   return result.error;
 }
 
-/// Reads "(a,b,c)", whose "(" comes next, and a comma behind it.
-[[gnu::always_inline]] inline NumberError readTriple(StepCursor& cursor,
-                                                     std::array<double, 3>& numbers) {
+/// Reads "(a,b,c)", whose "(" comes next.
+[[gnu::noinline]] NumberError readTriple(StepCursor& cursor, Point3& numbers) {
   consumeIf(cursor, '(');
-  NumberError error = readNumberAt(cursor, numbers[0]);
+  NumberError error = readNumberAt(cursor, numbers.x);
   if (error == NumberError::None) {
     consumeIf(cursor, ',');
-    error = readNumberAt(cursor, numbers[1]);
+    error = readNumberAt(cursor, numbers.y);
   }
   if (error == NumberError::None) {
     consumeIf(cursor, ',');
-    error = readNumberAt(cursor, numbers[2]);
+    error = readNumberAt(cursor, numbers.z);
   }
   if (error == NumberError::None) {
     consumeIf(cursor, ')');
-    consumeIf(cursor, ',');
   }
   return error;
 }
 
 /// Reads "(a,b,c)" items into `items` until something else comes, then the outer ")" if it is
-/// there.
-template <typename Item, typename MakeItem>
-void parseTriples(StepCursor& cursor, std::vector<Item>& items, MakeItem makeItem) {
-  StepCursor fast = cursor;  // lives in registers, as nothing else knows of it
-  reserveLarge(items, maxTripleCount(fast.text.substr(std::min(fast.pos, fast.text.size()))));
-  NumberError error = NumberError::None;
-  while (error == NumberError::None && nextIs(fast, '(')) {
-    std::array<double, 3> numbers{};
-    error = readTriple(fast, numbers);
-    if (error == NumberError::None) {
-      items.push_back(makeItem(numbers[0], numbers[1], numbers[2]));
+/// there. `readShort` reads an item of the common form, `makeItem` makes one of any three numbers.
+template <typename Item, typename ReadShort, typename MakeItem>
+void parseTriples(StepCursor& cursor, std::vector<Item>& items, ReadShort readShort,
+                  MakeItem makeItem) {
+  const std::string_view text = cursor.text;
+  const char* const end = text.data() + text.size();
+  reserveLarge(items, maxTripleCount(text.substr(std::min(cursor.pos, text.size()))));
+  // A cursor that nothing else knows of stays in registers.
+  StepCursor fast = cursor;
+  while (nextIs(fast, '(')) {
+    Item item;
+    if (const char* const behind = readShort(text.data() + fast.pos, end, item)) {
+      fast.pos = static_cast<std::size_t>(behind - text.data());
+    } else {
+      cursor.pos = fast.pos;
+      Point3 numbers;
+      if (const NumberError error = readTriple(cursor, numbers); error != NumberError::None) {
+        throwNumberError(error);
+      }
+      fast.pos = cursor.pos;
+      item = makeItem(numbers);
     }
+    items.push_back(item);
+    consumeIf(fast, ',');
   }
+  consumeIf(fast, ')');
   cursor.pos = fast.pos;
-  if (error != NumberError::None) {
-    throwNumberError(error);
-  }
-  consumeIf(cursor, ')');
 }
 
 }  // namespace
@@ -140,7 +147,8 @@ void skipParenthesisedGroup(StepCursor& cursor) {
 std::vector<Point3> parsePointList(StepCursor& cursor) {
   std::vector<Point3> points;
   consumeIf(cursor, '(');
-  parseTriples(cursor, points, [](double x, double y, double z) { return Point3{x, y, z}; });
+  parseTriples(cursor, points, shorttriple::readPoint,
+               [](const Point3& numbers) { return numbers; });
   return points;
 }
 
@@ -151,8 +159,9 @@ std::vector<IndexTriple> parseIndexTriples(StepCursor& cursor) {
   }
   ++cursor.pos;
   // An empty list ends at its ")" like any other.
-  parseTriples(cursor, triples, [](double i, double j, double k) {
-    return IndexTriple{truncateToInt32(i), truncateToInt32(j), truncateToInt32(k)};
+  parseTriples(cursor, triples, shorttriple::readIndices<IndexTriple>, [](const Point3& numbers) {
+    return IndexTriple{truncateToInt32(numbers.x), truncateToInt32(numbers.y),
+                       truncateToInt32(numbers.z)};
   });
   return triples;
 }

@@ -399,6 +399,90 @@ void expectSameEverywhere(std::string_view text) {
   }
 }
 
+/// A number as lists of points or triples hold them, and now and then one that they do not.
+std::string listNumber(std::mt19937& random, bool isIndex) {
+  const auto digits = [&random](std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+      text += static_cast<char>('0' + pick(random, 10));
+    }
+    return text;
+  };
+  const std::vector<std::string> rare = {
+      "",    "-",   ".",    "+1",    "1E2", "1.5E-3", "$",     " 1", "1 ",      "1..2",
+      "-.5", "1.E", "\xB9", "1E400", "--1", "1:25",   "/1.25", "#1", "(1,2,3)", "1\n"};
+  if (pick(random, 200) == 0) {
+    return rare[pick(random, rare.size())];
+  }
+  if (isIndex && pick(random, 50) != 0) {
+    return digits(1 + pick(random, pick(random, 8) == 0 ? 12 : 7));
+  }
+  const std::string sign = pick(random, 2) == 0 ? "-" : "";
+  const std::size_t longest = pick(random, 8) == 0 ? 20 : 8;
+  return sign + digits(1 + pick(random, pick(random, 8) == 0 ? 12 : 4)) + "." +
+         digits(pick(random, longest));
+}
+
+/// A list of `count` triples, with blanks in some places.
+std::string list(std::mt19937& random, std::size_t count, bool isIndex) {
+  const std::vector<std::string> blanks = {" ", "\r\n", "\n ", "\t"};
+  const auto blank = [&] {
+    return pick(random, 40) == 0 ? blanks[pick(random, blanks.size())] : std::string();
+  };
+  std::string text = "(";
+  for (std::size_t i = 0; i < count; ++i) {
+    text += i == 0 ? "" : blank() + "," + blank();
+    text += "(" + blank() + listNumber(random, isIndex) + "," + listNumber(random, isIndex) + "," +
+            listNumber(random, isIndex) + blank() + ")";
+  }
+  return text + ")";
+}
+
+void expectSameLists(std::string_view text) {
+  expectSame(text, 0, parsePointList, test::referenceParsePointList);
+  expectSame(text, 0, parseIndexTriples, test::referenceParseIndexTriples);
+}
+
+TEST(ListsAgainstReference, AgreeOnRandomLists) {
+  std::mt19937 random(8);
+  for (int i = 0; i < 30'000; ++i) {
+    expectSameLists(list(random, pick(random, 30), i % 2 == 0));
+  }
+}
+
+TEST(ListsAgainstReference, AgreeOnEveryByteAtEveryPlace) {
+  const std::string triples = "((1,23456789,3),(4,5,6),(7,8,9),(10,11,12),(13,14,15),(1,1,1))";
+  const std::string points =
+      "((-1.5,2.12345678,3.),(40.,-5.123456789012,61.5),(0.,0.,0.),(1.,2.,3.),(4.,5.,6.),(7.,8.,9.)"
+      ")";
+  for (const std::string& whole : {triples, points}) {
+    for (int byte = 0; byte < 256; ++byte) {
+      for (std::size_t place = 0; place < whole.size(); ++place) {
+        std::string text = whole;
+        text[place] = static_cast<char>(byte);
+        expectSameLists(text);
+      }
+    }
+  }
+}
+
+TEST(ListsAgainstReference, AgreeOnNumbersOfEveryLength) {
+  const std::string behind = ",(1.,2.,3.),(4.,5.,6.),(7.,8.,9.),(1.,2.,3.),(4.,5.,6.),(7.,8.,9.))";
+  for (std::size_t whole = 0; whole <= 40; ++whole) {
+    for (std::size_t fraction = 0; fraction <= 40; ++fraction) {
+      for (const std::string sign : {"", "-"}) {
+        for (const std::string point : {"", "."}) {
+          const std::string number =
+              sign + std::string(whole, '9') + point + std::string(fraction, '8');
+          expectSameLists("((" + number + ",2,3)" + behind);
+          expectSameLists("((1.25,-2.," + number + ")" + behind);
+          expectSameLists("((1," + number + ",3)" + behind);
+        }
+      }
+    }
+  }
+}
+
 TEST(StepCursorAgainstReference, AgreesOnEveryShortText) {
   forEveryString({"(", ")", "'", ",", "1", " ", "#"}, 5,
                  [](const std::string& text) { expectSameEverywhere(text); });
