@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <set>
@@ -24,12 +25,14 @@ struct SectionRule {
   std::size_t fewestWords, mostWords;
 };
 
+constexpr std::string_view kUse = "<use ";
+
 constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 
 constexpr std::array<SectionRule, 20> kRules = {{
     {"each", Place::Setup, Body::Words, 1, kAnyNumber},
     {"file", Place::Setup, Body::Text, 1, 1},
-    {"bytes", Place::Setup, Body::Words, 1, 1},
+    {"bytes", Place::Setup, Body::Words, 1, 2},
     {"step", Place::Setup, Body::Text, 1, kAnyNumber},
     {"copy", Place::Setup, Body::None, 2, 2},
     {"directory", Place::Setup, Body::None, 1, 1},
@@ -142,31 +145,39 @@ Section parseHeading(std::string_view line, int number) {
   return section;
 }
 
-void addTextLine(Section& section, const std::string& line, int number,
-                 const std::filesystem::path& commonTexts) {
-  constexpr std::string_view kUse = "<use ";
-  if (!line.starts_with(kUse)) {
-    section.lines.push_back(line);
-    return;
-  }
+/// Adds the lines of a common text, for a line "<use NAME [PLACE=TEXT...]>": each TEXT stands where
+/// the common text has "{PLACE}".
+void addCommonText(Section& section, std::string_view line, int number,
+                   const std::filesystem::path& commonTexts) {
   if (!line.ends_with('>')) {
     reject(number, "\"<use\" without \">\"");
   }
-  const std::string name = line.substr(kUse.size(), line.size() - kUse.size() - 1);
-  const std::filesystem::path path = commonTexts / (name + ".txt");
+  const std::vector<std::string> words =
+      splitWords(line.substr(kUse.size(), line.size() - kUse.size() - 1), number);
+  const std::filesystem::path path = commonTexts / (words.empty() ? "" : words[0] + ".txt");
   if (!std::filesystem::is_regular_file(path)) {
-    reject(number, "there is no common text \"" + name + "\"");
+    reject(number, "there is no common text \"" + (words.empty() ? "" : words[0]) + "\"");
   }
-  for (std::string& common : splitLines(readFile(path))) {
-    section.lines.push_back(std::move(common));
+  Section common{.line = number, .lines = splitLines(readFile(path))};
+  for (std::size_t i = 1; i < words.size(); ++i) {
+    const std::size_t equals = words[i].find('=');
+    if (equals == std::string::npos ||
+        !replaceIn(common, "{" + words[i].substr(0, equals) + "}", words[i].substr(equals + 1))) {
+      reject(number, "the common text has no place for \"" + words[i] + "\"");
+    }
   }
+  std::ranges::move(common.lines, std::back_inserter(section.lines));
 }
 
 void addLine(Section& section, const std::string& line, int number,
              const std::filesystem::path& commonTexts) {
   switch (ruleFor(section).body) {
     case Body::Text:
-      addTextLine(section, line, number, commonTexts);
+      if (line.starts_with(kUse)) {
+        addCommonText(section, line, number, commonTexts);
+      } else {
+        section.lines.push_back(line);
+      }
       return;
     case Body::Words:
       if (std::vector<std::string> words = splitWords(line, number); !words.empty()) {

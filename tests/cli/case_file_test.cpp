@@ -97,6 +97,18 @@ TEST(ParseCases, MakesACaseOfEachRow) {
   EXPECT_THAT(cases[1].runs[0].command.words, ElementsAre("p", "b", "-", "{other}"));
 }
 
+TEST(ParseCases, PutsTextsIntoACommonText) {
+  const TempDir common;
+  writeFile(common / "saved.txt", "Saved: {path}{path}\n{other}\n");
+  const std::string text = "# About.\n== run p\n== out\n";
+  EXPECT_THAT(
+      parseCases(text + "<use saved path=a.stl>\n", common.path()).at(0).runs[0].expected[0].lines,
+      ElementsAre("Saved: a.stla.stl", "{other}"));
+  for (const char* wrong : {"<use saved path>\n", "<use saved place=a>\n"}) {
+    EXPECT_THROW((void)parseCases(text + wrong, common.path()), std::runtime_error) << wrong;
+  }
+}
+
 TEST(ParseCases, PutsInACommonText) {
   const TempDir common;
   writeFile(common / "start.txt", "Reading\n  {n} shapes\n");

@@ -35,12 +35,17 @@ std::string withLineEnds(const std::vector<std::string>& lines) {
   return text;
 }
 
+/// The words of a section, one right behind the other; all that as often as its heading says.
 std::string bytesOf(const Section& section) {
-  std::string bytes;
+  std::string once;
   for (const std::vector<std::string>& row : section.rows) {
     for (const std::string& word : row) {
-      bytes += word;
+      once += word;
     }
+  }
+  std::string bytes;
+  for (int times = section.words.size() < 2 ? 1 : std::stoi(section.words[1]); times > 0; --times) {
+    bytes += once;
   }
   return bytes;
 }

@@ -148,6 +148,8 @@ TEST_F(CaseRunTest, MakesWhatACaseBeginsWith) {
   EXPECT_THAT(
       failures("== bytes b\n"
                "\"1\\r\\n\" 2 3\n"
+               "== bytes repeated 1000\n"
+               "\"\\x00\" x\n"
                "== step s whole more\n"
                "#3=C;\n"
                "== step t more\n"
@@ -163,6 +165,7 @@ TEST_F(CaseRunTest, MakesWhatACaseBeginsWith) {
                "{sandbox}/d\n"
                "== check\n"
                "b size 5\n"
+               "repeated size 2000\n"
                "== expect-file s\n"
                "DATA;\n#1=A;\n#2=B;\n#3=C;\nENDSEC;\n"
                "== expect-step t more\n"

@@ -36,13 +36,4 @@ testing::Matcher<std::string> ownLines(std::string_view lines) {
                            testing::Eq(std::string(lines)));
 }
 
-testing::Matcher<std::string> ownLinesWithoutGeometry(std::string_view lines) {
-  constexpr std::string_view kPlace = "(refused or empty)\n";
-  const std::size_t place = lines.find(kPlace);
-  const std::string before(lines.substr(0, place));
-  const std::string behind(lines.substr(place + kPlace.size()));
-  return testing::AnyOf(ownLines(before + behind),
-                        ownLines(before + "  BRep: roots=0, shapes=0\n" + behind));
-}
-
 }  // namespace plenvorith::test

@@ -36,8 +36,4 @@ void expectRun(const Sandbox& sandbox, const std::vector<std::string>& arguments
 /// Compares the program's own lines only: the kernel reports its doings on standard output too.
 testing::Matcher<std::string> ownLines(std::string_view lines);
 
-/// The same for a file without geometry: releases of the kernel differ in whether they refuse it or
-/// read it and find nothing, which makes a line more where `lines` has "(refused or empty)".
-testing::Matcher<std::string> ownLinesWithoutGeometry(std::string_view lines);
-
 }  // namespace plenvorith::test

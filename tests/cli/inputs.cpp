@@ -6,11 +6,6 @@
 
 namespace plenvorith::test {
 
-const std::vector<StlRecord> kUniqueTriangles = {
-    {0, 0, 1, 0, 0, 50, 1, 0, 50, 1, 1, 50},
-    {0, 0, 1, 0, 0, 50, 1, 1, 50, 0, 1, 50},
-};
-
 std::string dataFile(std::string_view name) {
   std::string content = readFile(std::filesystem::path(PLENVORITH_TEST_DATA) / name);
   EXPECT_FALSE(content.empty()) << name;

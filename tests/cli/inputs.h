@@ -2,10 +2,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "tests/cli/step_files.h"
-#include "tests/support/stl_file.h"
 
 namespace plenvorith::test {
 
@@ -19,8 +17,5 @@ std::string box();
 /// exact geometry, and tessellation that nothing is tied to.
 std::string paired();
 std::string unique();
-
-/// The triangles of `unique`.
-extern const std::vector<StlRecord> kUniqueTriangles;
 
 }  // namespace plenvorith::test
