@@ -1,9 +1,10 @@
 // Writes a STEP file of exact geometry through the kernel, the same for the same arguments.
 //
-//   generate_exact plates|assembly MEGABYTES OUTPUT
+//   generate_exact plates|assembly|surfaces MEGABYTES OUTPUT
 //
 // "plates" are few large plates, each with many drilled holes and rounded edges; "assembly" is many
-// small distinct solids. The size comes out roughly as asked for.
+// small distinct solids; "surfaces" are free-form faces that belong to no solid. The size comes out
+// roughly as asked for.
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,10 +12,15 @@
 #include <random>
 
 #include <BRepAlgoAPI_Cut.hxx>
+#include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepFilletAPI_MakeFillet.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakeCylinder.hxx>
+#include <Geom_BSplineSurface.hxx>
 #include <STEPControl_Writer.hxx>
+#include <TColStd_Array1OfInteger.hxx>
+#include <TColStd_Array1OfReal.hxx>
+#include <TColgp_Array2OfPnt.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_ListOfShape.hxx>
 #include <TopoDS.hxx>
@@ -52,27 +58,61 @@ TopoDS_Shape plate(int columns, int rows, double y, double z, std::mt19937_64& r
   return cut.Shape();
 }
 
+/// One wavy free-form face, its corner at (x, y, 0).
+TopoDS_Shape surface(double x, double y, std::mt19937_64& random) {
+  constexpr int kPoles = 16;
+  constexpr int kDegree = 3;
+  constexpr int kKnots = kPoles - kDegree + 1;
+  std::uniform_real_distribution<double> height(-2.0, 2.0);
+  TColgp_Array2OfPnt poles(1, kPoles, 1, kPoles);
+  for (int i = 1; i <= kPoles; ++i) {
+    for (int j = 1; j <= kPoles; ++j) {
+      poles(i, j) = gp_Pnt(x + 5.0 * i, y + 5.0 * j, height(random));
+    }
+  }
+  TColStd_Array1OfReal knots(1, kKnots);
+  TColStd_Array1OfInteger multiplicities(1, kKnots);
+  for (int i = 1; i <= kKnots; ++i) {
+    knots(i) = i;
+    multiplicities(i) = i == 1 || i == kKnots ? kDegree + 1 : 1;
+  }
+  const Handle(Geom_BSplineSurface) shape = new Geom_BSplineSurface(
+      poles, knots, knots, multiplicities, multiplicities, kDegree, kDegree);
+  constexpr double kTolerance = 1e-6;
+  return BRepBuilderAPI_MakeFace(shape, kTolerance).Face();
+}
+
+/// What one solid or face takes in the file, measured.
+double megabytesOf(const char* kind) {
+  return std::strcmp(kind, "plates") == 0     ? 0.30
+         : std::strcmp(kind, "assembly") == 0 ? 0.084
+                                              : 0.026;
+}
+
+TopoDS_Shape piece(const char* kind, int i, std::mt19937_64& random) {
+  if (std::strcmp(kind, "surfaces") == 0) {
+    return surface((i % 10) * 90.0, (i / 10) * 90.0, random);
+  }
+  const int side = std::strcmp(kind, "plates") == 0 ? 8 : 2;
+  return plate(side, side, (i % 10) * (10.0 * side + 5), (i / 10) * 10.0, random);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::fprintf(stderr, "usage: generate_exact plates|assembly MEGABYTES OUTPUT\n");
+    std::fprintf(stderr, "usage: generate_exact plates|assembly|surfaces MEGABYTES OUTPUT\n");
     return 2;
   }
+  const char* const kind = argv[1];
   const double megabytes = std::strtod(argv[2], nullptr);
-  const bool plates = std::strcmp(argv[1], "plates") == 0;
-  // Measured: what one solid of either kind takes in the file.
-  const int columns = plates ? 8 : 2;
-  const int rows = plates ? 8 : 2;
-  const double solidMegabytes = plates ? 0.30 : 0.084;
-  const int count = std::max(1, static_cast<int>(megabytes / solidMegabytes + 0.5));
+  const int count = std::max(1, static_cast<int>(megabytes / megabytesOf(kind) + 0.5));
   std::mt19937_64 random(kSeed);
   TopoDS_Compound compound;
   const TopoDS_Builder builder;
   builder.MakeCompound(compound);
   for (int i = 0; i < count; ++i) {
-    builder.Add(compound,
-                plate(columns, rows, (i % 10) * (10.0 * rows + 5), (i / 10) * 10.0, random));
+    builder.Add(compound, piece(kind, i, random));
   }
   STEPControl_Writer writer;
   writer.Transfer(compound, STEPControl_AsIs);

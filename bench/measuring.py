@@ -39,14 +39,15 @@ class Run:
         return self.user + self.system
 
 
-def run(*command, status=0, cwd=None, env=None, timeout=None):
-    """Runs a process to its end. Ends the program if it ends otherwise than expected. Past the
-    timeout the process is killed; its status then has to be that of the signal or None, which
-    means any."""
+def run(*command, status=0, cwd=None, env=None, limit=None):
+    """Runs a process to its end. Ends the program if it ends otherwise than expected; a status of
+    None stands for any. Past the limit, in seconds of processor time, the process is killed, and
+    so it is where it sits idle for long."""
     with tempfile.TemporaryFile() as out:
         start = time.perf_counter()
-        limited = ["timeout", "-s", "KILL", str(timeout)] if timeout else []
-        process = subprocess.Popen([*limited, *map(str, command)], stdout=out,
+        if limit:
+            command = ["timeout", "-s", "KILL", 5 * limit, "prlimit", f"--cpu={limit}", *command]
+        process = subprocess.Popen([*map(str, command)], stdout=out,
                                    stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL, cwd=cwd,
                                    env=env)
         _, ended, usage = os.wait4(process.pid, 0)
