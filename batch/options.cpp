@@ -130,7 +130,7 @@ void take(const char* option, const std::optional<std::string>& text, const char
 
 /// Whether the run has nothing to convert and only works on what earlier runs have noted.
 bool worksOnTheStateOnly(const Options& options) {
-  return options.prune || !options.exportPath.empty();
+  return !options.dryRun && (options.prune || !options.exportPath.empty());
 }
 
 /// What is wrong with the options, one line each.

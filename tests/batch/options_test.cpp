@@ -124,6 +124,8 @@ TEST(ParseOptions, PrintHelpAndVersion) {
 
 TEST(ParseOptions, RejectsWhatDoesNotFit) {
   EXPECT_EQ(problemOf({"-o", "out"}), "plenvorith-batch: no INPUT (--help explains)\n");
+  EXPECT_EQ(problemOf({"-o", "out", "--prune", "--dry-run"}),
+            "plenvorith-batch: no INPUT (--help explains)\n");
   EXPECT_EQ(problemOf({"in"}), "plenvorith-batch: no output folder: -o DIR is missing\n");
   EXPECT_EQ(problemOf({"in", "-o", "out", "--to", "obj"}),
             "plenvorith-batch: --to is stl or stp, not obj\n");

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "batch/find_files.h"
+#include "batch/ledger.h"
+#include "batch/options.h"
+#include "batch/state.h"
+#include "batch/summary.h"
+
+namespace plenvorith {
+
+/// How a run of conversions ended.
+struct LoopEnd {
+  int signal = 0;       ///< that interrupted it, 0 if none did
+  std::string problem;  ///< why it could not go on; empty if it could
+};
+
+/// Converts files with workers on this machine, and settles their results in the state.
+///
+/// Prints  each failure on standard error as it happens, and the progress.
+LoopEnd convertFiles(const Options& options, StateHandle& state, const RunContext& context,
+                     const std::vector<InputFile>& files, Summary& summary);
+
+/// The order to convert files in: the largest first, so that none of them is begun when all others
+/// are done; the usual ones as they are.
+void sortForConversion(std::vector<InputFile>& files);
+
+/// Bytes of memory that are free for further programs; a large number if the system does not tell.
+std::int64_t freeMemory();
+
+}  // namespace plenvorith

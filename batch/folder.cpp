@@ -1,0 +1,82 @@
+#include "batch/folder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+#include <system_error>
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace plenvorith {
+namespace {
+
+struct CloseFolder {
+  void operator()(DIR* folder) const {
+    closedir(folder);
+  }
+};
+
+constexpr mode_t kRights = 0777;
+
+}  // namespace
+
+std::vector<std::string> namesInFolder(const std::string& path) {
+  std::vector<std::string> names;
+  const std::unique_ptr<DIR, CloseFolder> folder(opendir(path.c_str()));
+  if (!folder) {
+    return names;
+  }
+  while (const dirent* const entry = readdir(folder.get())) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") {
+      names.emplace_back(name);
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool makeFolders(const std::string& path) {
+  if (mkdir(path.c_str(), kRights) == 0) {
+    return true;
+  }
+  if (errno == ENOENT) {
+    const std::string above = folderOf(path);
+    return !above.empty() && makeFolders(above) && mkdir(path.c_str(), kRights) == 0;
+  }
+  struct stat status {};
+  return errno == EEXIST && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool makeEmptyFolder(const std::string& path) {
+  if (!makeFolders(path)) {
+    return false;
+  }
+  for (const std::string& name : namesInFolder(path)) {
+    removeTree(path + '/' + name);
+  }
+  return namesInFolder(path).empty();
+}
+
+void removeTree(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::remove_all(path, ignored);
+}
+
+void removeEmptyFolders(const std::string& below, const std::string& file) {
+  std::string folder = folderOf(file);
+  while (folder.size() > below.size() && rmdir(folder.c_str()) == 0) {
+    folder = folderOf(folder);
+  }
+}
+
+std::string folderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+}  // namespace plenvorith

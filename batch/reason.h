@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "batch/child.h"
+#include "batch/input_facts.h"
+#include "batch/options.h"
+
+namespace plenvorith {
+
+/// All that is known about a conversion that failed.
+struct Evidence {
+  ChildEnd end;
+  std::string transcript;  ///< or its two ends
+  InputFacts facts;
+  ConversionSettings settings;
+  std::string incomplete;  ///< an output that is not whole
+};
+
+/// Why a conversion failed, in words that a person can act on.
+std::string reasonFor(const Evidence& evidence);
+
+/// Whether the disk was full while a file was converted. A program may not notice: the copy that
+/// the converter makes of an input with tessellation is not checked.
+bool diskWasFull(const ChildEnd& end);
+
+/// Whether the transcript tells that the converter made a copy of its input.
+bool madeCopy(const std::string& transcript);
+
+/// What is said of a converted file that is not whole.
+extern const char* const kEndsInTheMiddle;
+
+}  // namespace plenvorith

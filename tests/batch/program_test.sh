@@ -1,0 +1,701 @@
+#!/usr/bin/env bash
+# Runs one case on plenvorith-batch, in a folder of its own.
+#
+#   program_test.sh BATCH CONVERTER SAMPLES CASE
+#
+# BATCH is the program, CONVERTER the one that converts a single file, SAMPLES the folder of the
+# samples. Exit status 77 means that the case cannot run here.
+#
+# shellcheck disable=SC2016 # file names and scripts in single quotes are meant as they stand
+set -euo pipefail
+batch=$1 converter=$2 samples=$3 case=$4 program=()
+
+scratch=$(mktemp -d)
+trap 'chmod -R u+rwx "$scratch"; rm -rf "$scratch"' EXIT
+mkdir "$scratch/tmp" "$scratch/home"
+export TMPDIR=$scratch/tmp HOME=$scratch/home
+cd "$scratch"
+
+fail() {
+  printf 'FAILED: %s\n' "$*" >&2
+  [[ ! -f stdout ]] || cat stdout stderr >&2
+  exit 1
+}
+
+skip() {
+  echo "skipped: $*"
+  exit 77
+}
+
+# A file of one triangle, whose first corner has the x coordinate NUMBER.
+step_file() {
+  local path=$1 number=$2
+  mkdir -p "$(dirname -- "$path")"
+  cat >"$path" <<END
+ISO-10303-21;
+HEADER;
+FILE_DESCRIPTION((''),'2;1');
+FILE_NAME('','',(''),(''),'','','');
+FILE_SCHEMA(('AP242_MANAGED_MODEL_BASED_3D_ENGINEERING_MIM_LF'));
+ENDSEC;
+DATA;
+#1=TESSELLATED_SHAPE_REPRESENTATION('',(#2),\$);
+#2=TESSELLATED_SOLID('',(#3),\$);
+#3=COMPLEX_TRIANGULATED_FACE('',#4,3,(),\$,(),((1,2,3)),());
+#4=COORDINATES_LIST('',3,(($number.,0.,0.),(0.,1.,0.),(0.,0.,1.)));
+ENDSEC;
+END-ISO-10303-21;
+END
+}
+
+# Runs the program with these arguments and asks for the exit status EXPECTED.
+run() {
+  local expected=$1 status=0
+  shift
+  "$batch" "${program[@]}" "$@" >stdout 2>stderr || status=$?
+  ((status == expected)) || fail "exit status $status, not $expected"
+}
+
+# The output is a binary STL file of the triangle that step_file wrote with this number.
+expect_stl() {
+  local path=$1 number=$2 size x
+  [[ -f $path ]] || fail "missing: $path"
+  size=$(stat -c %s -- "$path")
+  ((size == 134)) || fail "$path has $size bytes"
+  x=$(od -An -tf4 --endian=little -j96 -N4 <"$path")
+  ((x == number)) || fail "$path holds triangle $x, not $number"
+}
+
+expect_line() {
+  grep -Fxq -- "$2" "$1" || fail "no line '$2' in $1: $(cat "$1")"
+}
+
+expect_count() {
+  local count
+  count=$(find "$1" -name .plenvorith-batch -prune -o -type f -print0 | tr -dc '\0' | wc -c)
+  ((count == $2)) || fail "$count outputs, not $2"
+}
+
+expect_nothing_left() {
+  [[ -z $(ls -A "$TMPDIR") ]] || fail "left in the temporary folder: $(ls -A "$TMPDIR")"
+  [[ ! -e $1/.plenvorith-batch/run ]] || fail 'work in progress was left behind'
+}
+
+# Has a script with the given body run for each file, in which $1 is the input and $2 the output.
+pretend() {
+  program=(--program "$scratch/pretended")
+  printf '#!/usr/bin/env bash\n%s\n' "$1" >"$scratch/pretended.new"
+  chmod +x "$scratch/pretended.new"
+  mv -f "$scratch/pretended.new" "$scratch/pretended"
+}
+
+# Whether a line of the table of all files matches.
+expect_row() {
+  "$batch" -o "$1" --export "$scratch/table.csv"
+  grep -aEq -- "$2" "$scratch/table.csv" || fail "no row '$2' in: $(cat "$scratch/table.csv")"
+}
+
+# ------------------------------------------------------------------------------------------- cases
+
+names=(
+  'a.stp' 'a.STP' 'a.step' 'a.StEp' 'a.p21' 'a.stp.stp' 'two words.stp' "it's.stp" 'say "hi".stp'
+  $'two\nlines.stp' $'ends with a line feed\n.stp' $'tab\tstop.stp' '-dash.stp' '--resume.step'
+  'größe.stp' '部品.stp' $'not \xff utf-8.stp' '$(touch gone).stp' '`x`.stp' '{}.stp' '{= die =}.stp'
+  'back\slash.stp' '%s.stp' '*.stp' '.hidden.stp'
+)
+
+ConvertsTwoHundredOddlyNamedFiles() {
+  local number=0 folder name
+  for folder in . sub 'sub/of sub' $'new\nline' '-f' 'ü' 'a.stp.d' "quote'"; do
+    for name in "${names[@]}"; do
+      number=$((number + 1))
+      step_file "in/$folder/$name" "$number"
+    done
+  done
+  ((number == 200)) || fail "made $number files"
+  run 0 in -o out --jobs 4
+  expect_line stdout 'Converted: 200 (200 triangles)'
+  expect_line stdout 'Failed: 0'
+  expect_count out 200
+  number=0
+  for folder in . sub 'sub/of sub' $'new\nline' '-f' 'ü' 'a.stp.d' "quote'"; do
+    for name in "${names[@]}"; do
+      number=$((number + 1))
+      expect_stl "out/$folder/$name.stl" "$number"
+    done
+  done
+  "$batch" -o out --export log.csv
+  (($(wc -l <log.csv) == 201)) || fail "the table has $(wc -l <log.csv) lines"
+  [[ ! -s stderr ]] || fail 'something on standard error'
+  expect_nothing_left out
+}
+
+KeepsEqualNamesFromDifferentArgumentsApart() {
+  step_file x/a.stp 1
+  step_file y/a.stp 2
+  step_file y/z/a.stp 3
+  run 0 x/a.stp y y/a.stp -o out
+  expect_count out 3
+  expect_stl out/x/a.stp.stl 1
+  expect_stl out/y/a.stp.stl 2
+  expect_stl out/y/z/a.stp.stl 3
+}
+
+TakesFilesWithALeadingDash() {
+  step_file ./-a.stp 1
+  run 0 -o out -- -a.stp
+  expect_stl out/-a.stp.stl 1
+}
+
+TakesNoOutputForAnInput() {
+  step_file in/a.stp 1
+  pretend 'cp "$1" "$2"'
+  run 0 in -o in/out --to stp
+  run 0 in -o in/out --to stp
+  expect_line stdout 'Converted: 1 (0 triangles)'
+  expect_count in/out 1
+}
+
+TakesOnlyStepFilesFromFolders() {
+  step_file in/a.stp 1
+  echo >in/a.stpx
+  echo >in/stp
+  ln -s a.stp in/link.step
+  run 0 in -o out
+  expect_count out 2
+  expect_stl out/link.step.stl 1
+}
+
+PassesTheOptionsOn() {
+  step_file a.stp 1
+  pretend 'printf "%s\n" "$#" "$3" "${4:-}" "END-ISO-10303-21;" >"$2"'
+  run 0 a.stp -o out --to stp
+  [[ $(<out/a.stp.stp) == $'3\n0.1\n\nEND-ISO-10303-21;' ]] || fail "$(<out/a.stp.stp)"
+  run 0 a.stp -oout --to=stp --deflection 2.5e-1 --split
+  [[ $(<out/a.stp.stp) == $'4\n2.5e-1\nyes\nEND-ISO-10303-21;' ]] || fail "$(<out/a.stp.stp)"
+}
+
+ReportsWhatFailedAndWhy() {
+  step_file in/good.stp 1
+  mkdir in/sub
+  echo 'no STEP file' >$'in/sub/new\nline.stp'
+  step_file in/malformed.stp 1
+  sed -i "s/'',3,((/'',x,((/" in/malformed.stp
+  run 1 in -o out
+  expect_line stdout 'Converted: 1 (1 triangles)'
+  expect_line stdout 'Failed: 2'
+  local odd="$PWD/in/sub/new\\nline.stp"
+  expect_line stdout \
+    "  $odd: not a STEP file (no ISO-10303-21) (Error: No geometry found in file)"
+  expect_line stderr \
+    "failed: $odd: not a STEP file (no ISO-10303-21) (Error: No geometry found in file)"
+  expect_line stdout "  $PWD/in/malformed.stp: a malformed number (what():  invalid stod argument)"
+  expect_row out '^failed,.*/malformed.stp,a malformed number,.*,6,0,'
+  expect_line $'out/.plenvorith-batch/transcripts/sub/new\nline.stp.txt' 'Failed'
+  expect_line out/.plenvorith-batch/transcripts/good.stp.txt 'Saved: good.stp.stl'
+  expect_count out 1
+  expect_nothing_left out
+}
+
+CountsASuccessWithoutAFileAsFailed() {
+  step_file a.stp 1
+  pretend 'echo Done'
+  run 1 a.stp -o out
+  expect_line stdout "  $PWD/a.stp: nothing was written"
+}
+
+ReportsAnStlFileThatIsNotWhole() {
+  step_file a.stp 1
+  pretend 'head -c 80 /dev/zero >"$2_1.stl"; printf "\2\0\0\0and less than a triangle" >>"$2_1.stl"'
+  run 1 a.stp -o out --split
+  expect_line stdout "  $PWD/a.stp: incomplete: a.stp.stl_1.stl"
+  expect_count out 0
+}
+
+ReportsAnOutputThatCannotBeMovedIntoPlace() {
+  step_file a.stp 1
+  mkdir -p out/a.stp.stl
+  run 1 a.stp -o out
+  grep -q 'a.stp: cannot be moved into place: ' stdout || fail 'no reason'
+  expect_count out 0
+}
+
+StopsAFileAfterTheTimeLimit() {
+  step_file in/a.stp 1
+  mkfifo in/hang.stp
+  run 1 in/a.stp in/hang.stp -o out --time-limit 1
+  expect_line stdout 'Converted: 1 (1 triangles)'
+  expect_line stdout "  $PWD/in/hang.stp: time limit of 1 s ([1] Analyzing file structure...)"
+  expect_count out 1
+  expect_nothing_left out
+}
+
+GivesEveryJobItsOwnTemporaryFolder() {
+  local number
+  for number in 1 2 3 4 5 6; do
+    step_file "in/$number/a.stp" 1
+  done
+  pretend 'copy=$TMPDIR/${1##*/}.clean.stp
+    [[ ! -e $copy ]] || exit 1
+    echo "$1" >"$copy"
+    sleep 0.2
+    [[ $(<"$copy") == "$1" ]] || exit 1
+    printf "%s\n" "$TMPDIR" "END-ISO-10303-21;" >"$2"'
+  run 0 in -o out --to stp --jobs 6
+  grep -hv '^END' out/*/a.stp.stp | sort -u >folders
+  (($(wc -l <folders) == 6)) || fail 'shared temporary folders'
+  expect_nothing_left out
+}
+
+MovesAllFilesOfSplitMode() {
+  step_file in/a.stp 1
+  step_file in/b.stp 2
+  pretend '
+    { head -c 80 /dev/zero; printf "\2\0\0\0"; head -c 100 /dev/zero; } >"$2_1.stl"
+    cp "$2_1.stl" "$2_3.stl"
+    [[ $1 != *b.stp ]] || exit 1
+    cp "$2_1.stl" "$2_tess.stl"'
+  run 1 in -o out --split
+  expect_line stdout 'Converted: 1 (6 triangles)'
+  expect_count out 3
+  [[ -f out/a.stp.stl_1.stl && -f out/a.stp.stl_3.stl && -f out/a.stp.stl_tess.stl ]] ||
+    fail "$(ls out)"
+}
+
+TakesTheStlThatACleanStepBecomes() {
+  step_file a.stp 5
+  run 0 a.stp -o out --to stp
+  expect_count out 1
+  expect_stl out/a.stp.stl 5
+}
+
+GoesOnAfterAnInterruption() {
+  local number before
+  for number in 1 2 3 4 5 6 7 8 9; do
+    step_file "in/$number.stp" "$number"
+  done
+  # The files from 6 on stop half way, as long as there is no file `go`.
+  pretend '[[ ${1##*/} < 6 || -e '"$scratch/go"' ]] && exec "'"$converter"'" "$@"
+    printf half >"$2"
+    echo $$ >>'"$scratch"'/pids
+    exec sleep 1000'
+  "$batch" "${program[@]}" in -o out --jobs 2 >stdout 2>stderr &
+  local pid=$! status=0
+  until [[ -f pids ]] && (($(wc -l <pids) == 2)); do
+    sleep 0.05
+  done
+  kill "$pid"
+  wait "$pid" || status=$?
+  ((status == 143)) || fail "exit status $status, not 143"
+  expect_line stderr 'Interrupted; --resume goes on from here'
+  expect_line stdout 'Converted: 5 (5 triangles)'
+  expect_line stdout 'Without a result: 4'
+  expect_count out 5
+  expect_nothing_left out
+  while read -r pid; do
+    ! kill -0 "$pid" 2>/dev/null || fail 'a conversion goes on'
+  done <pids
+
+  before=$(stat -c '%i %y' out/*.stl)
+  touch go
+  run 0 in -o out --resume
+  expect_line stdout 'Converted: 4 (4 triangles)'
+  expect_line stdout 'Converted before: 5'
+  for number in 1 2 3 4 5 6 7 8 9; do
+    expect_stl "out/$number.stp.stl" "$number"
+  done
+  [[ $(stat -c '%i %y' out/[1-5].stp.stl) == "$before" ]] || fail 'converted again'
+}
+
+ResumeRedoesWhatIsMissingOrFailedOrChanged() {
+  local number
+  for number in 1 2 3 4; do
+    step_file "in/$number.stp" "$number"
+  done
+  echo >in/2.stp
+  run 1 in -o out
+  rm out/1.stp.stl
+  step_file in/2.stp 2
+  step_file in/3.stp 33
+  touch -d '+1 minute' in/3.stp
+  run 0 in -o out --resume
+  expect_line stdout 'Converted: 3 (3 triangles)'
+  expect_line stdout 'Converted before: 1'
+  expect_stl out/1.stp.stl 1
+  expect_stl out/2.stp.stl 2
+  expect_stl out/3.stp.stl 33
+  touch -d '-1 minute' in/3.stp
+  run 0 in -o out --resume
+  expect_line stdout 'Converted: 0 (0 triangles)'
+  run 0 in -o out --resume --deflection 0.5
+  expect_line stdout 'Converted: 4 (4 triangles)'
+}
+
+RefusesWhatItCannotDo() {
+  step_file in/a.stp 1
+  echo >in/a.txt
+  mkdir empty
+  run 2 -o out
+  run 2 in
+  run 2 in -o
+  run 2 in -o out --to obj
+  run 2 in -o out --deflection 0,1
+  run 2 in -o out --deflection 0
+  run 2 in -o out --time-limit soon
+  run 2 in -o out --quickly
+  run 2 in missing.stp -o out
+  run 2 in/a.txt -o out
+  run 2 empty -o out
+  run 2 in -o in --to stp
+  run 2 in -o out --jobs 0x
+  run 2 in -o out --base elsewhere
+  run 2 -o out --export log.csv
+  run 2 in -o out --program missing
+  [[ ! -e out ]] || expect_count out 0
+}
+
+# Runs the program as a user who may not do everything.
+run_without_rights() {
+  if ((EUID == 0)); then
+    chmod 777 "$scratch" "$TMPDIR"
+    local all=$batch
+    batch=$scratch/without_rights
+    printf '#!/bin/sh\nexec setpriv --reuid=65534 --regid=65534 --clear-groups "%s" "$@"\n' \
+      "$all" >"$batch"
+    chmod 755 "$batch"
+    "$batch" --version >version 2>&1 || skip "cannot do without root's rights: $(cat version)"
+  fi
+  run "$@"
+}
+
+GoesOnBesideWhatItCannotRead() {
+  step_file in/a.stp 1
+  step_file in/closed.stp 2
+  chmod 0 in/closed.stp
+  mkdir -m 0 in/sub
+  run_without_rights 1 in -o out
+  expect_stl out/a.stp.stl 1
+  expect_line stdout "  $PWD/in/closed.stp: cannot be read: Permission denied"
+  expect_line stdout 'Not looked at: 1'
+  expect_line stdout "  folder cannot be read: $PWD/in/sub: Permission denied"
+}
+
+LeavesTheFolderOfAnotherRunAlone() {
+  step_file a.stp 1
+  mkdir -p out/.plenvorith-batch
+  exec 8>out/.plenvorith-batch/lock
+  flock 8
+  run 2 a.stp -o out
+  expect_line stderr "plenvorith-batch: another run is writing to $PWD/out"
+}
+
+ShowsTheProgressWhenAsked() {
+  step_file a.stp 1
+  run 0 a.stp -o out --bar
+  grep -aq '1/1 files, 0 failed, .* files/s' stderr || fail 'no progress line'
+}
+
+# Makes a STEP file with this data section.
+file_with() {
+  printf 'ISO-10303-21;\nDATA;\n%s\nENDSEC;\nEND-ISO-10303-21;\n' "$2" >"$1"
+}
+
+TellsReasonsThatCanBeActedOn() {
+  mkdir in
+  : >in/empty.stp
+  head -c 3000 /dev/urandom >in/noise.stp
+  file_with in/none.stp ''
+  printf 'ISO-10303-21;\nDATA;\n#1=POINT(' >in/cut.stp
+  file_with in/strips.stp "#1=TESSELLATED_SHAPE_REPRESENTATION('',(#2),#9);
+#2=TESSELLATED_SOLID('',(#3),\$);
+#3=TRIANGULATED_FACE('',#4,3,(),\$,(),((1,2,3)));
+#4=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));"
+  file_with in/drawn.stp "#1=TESSELLATED_SHAPE_REPRESENTATION('',(#2),#9);
+#2=TESSELLATED_ANNOTATION_OCCURRENCE('',(),#3);
+#5=ADVANCED_FACE('',(),#6,.T.);"
+  run 1 in -o out
+  local failed="  $PWD/in"
+  expect_line stdout "$failed/empty.stp: empty"
+  local none='(Error: No geometry found in file)'
+  expect_line stdout "$failed/noise.stp: not a STEP file (no ISO-10303-21) $none"
+  expect_line stdout "$failed/none.stp: no geometry that the converter takes $none"
+  expect_line stdout "$failed/cut.stp: ends in the middle (no END-ISO-10303-21) $none"
+  local form='tessellation of a form that the converter does not decode'
+  expect_line stdout "$failed/strips.stp: $form: try --prepare $none"
+  expect_line stdout "$failed/drawn.stp: exact geometry behind annotation: try --prepare $none"
+}
+
+TellsACrashFromOtherEnds() {
+  step_file a.stp 1
+  pretend 'echo last words; kill -SEGV $$'
+  run 1 a.stp -o out
+  expect_line stdout "  $PWD/a.stp: kernel crashed (signal 11, SIGSEGV) (last words)"
+  pretend 'kill -KILL $$'
+  run 1 a.stp -o out
+  expect_line stdout "  $PWD/a.stp: killed (signal 9, SIGKILL), perhaps by the system for want of memory"
+  pretend 'echo no luck; exit 7'
+  run 1 a.stp -o out
+  expect_line stdout "  $PWD/a.stp: exit status 7 (no luck)"
+}
+
+LimitsTheMemoryOfAFile() {
+  mkdir in
+  file_with in/large.stp "$(seq -f "#%.0f=CARTESIAN_POINT('not read by anyone',(0.,0.,0.));" 500000)"
+  step_file in/small.stp 1
+  run 1 in -o out --memory-limit 120M
+  expect_line stdout 'Converted: 1 (1 triangles)'
+  grep -q 'large.stp: memory limit of 125829120 bytes' stdout || fail 'no reason'
+}
+
+SaysThatAConvertedFileEndsInTheMiddle() {
+  step_file a.stp 1
+  sed -i '$d' a.stp
+  run 0 a.stp -o out
+  expect_stl out/a.stp.stl 1
+  expect_line stdout 'Converted, but doubtful: 1'
+  expect_line stdout "  $PWD/a.stp: ends in the middle (no END-ISO-10303-21)"
+}
+
+RemovesWhatAnEarlierVersionMade() {
+  step_file in/a.stp 1
+  pretend '
+    head -c 84 /dev/zero >"$2_1.stl"
+    [[ $(<"$1") == *"((1.,"* ]] || exit 0
+    cp "$2_1.stl" "$2_2.stl"
+    cp "$2_1.stl" "$2_3.stl"'
+  run 0 in -o out --split
+  expect_count out 3
+  step_file in/a.stp 2
+  run 0 in -o out --split --resume
+  expect_count out 1
+  [[ -f out/a.stp.stl_1.stl ]] || fail "$(ls out)"
+}
+
+RemovesWhatAnEarlierVersionMadeWhenAFileFails() {
+  step_file in/sub/a.stp 1
+  step_file in/b.stp 2
+  run 0 in -o out
+  echo 'no STEP file any more' >in/sub/a.stp
+  run 1 in -o out --resume
+  expect_count out 1
+  [[ ! -e out/sub ]] || fail 'an empty folder is left'
+}
+
+ResumeConvertsAgainWhatMayDiffer() {
+  step_file in/a.stp 1
+  step_file old.stp 2
+  run 0 in -o out
+  touch -d 2020-01-01 old.stp
+  cp -p old.stp in/a.stp
+  run 0 in -o out --resume
+  expect_line stdout 'Converted: 1 (1 triangles)'
+  expect_stl out/a.stp.stl 2
+  truncate -s 10 out/a.stp.stl
+  run 0 in -o out --resume
+  expect_stl out/a.stp.stl 2
+  run 0 in -o out --resume --program "$converter"
+  expect_line stdout 'Converted: 1 (1 triangles)'
+  run 0 in -o out --resume --program "$converter"
+  expect_line stdout 'Converted before: 1'
+  run 0 in -o out --resume --split --program "$converter"
+  expect_line stdout 'Converted: 1 (1 triangles)'
+}
+
+ResumeKnowsAFileThatWasOnlyTouched() {
+  step_file in/a.stp 1
+  run 0 in -o out
+  touch -d 2020-01-01 in/a.stp
+  run 0 in -o out --resume
+  expect_line stdout 'Converted before: 1'
+  # A file of the same size and time is the same: the state has learned the new time.
+  run 0 in -o out --resume
+  expect_line stdout 'Converted before: 1'
+}
+
+CountsWhatItDoesNotFollow() {
+  step_file in/a.stp 1
+  step_file elsewhere/b.stp 2
+  ln -s "$PWD/elsewhere" in/link
+  ln -s . in/loop
+  ln -s nowhere in/dead.stp
+  mkfifo in/pipe.stp
+  step_file in/other/c.stp 3
+  mkdir in/other/.plenvorith-batch
+  run 0 in -o out
+  expect_count out 1
+  local skipped='2 links to folders (--follow looks into them), 2 not regular files'
+  expect_line stdout "Skipped: $skipped, 1 folders of outputs"
+  run 0 in -o out --follow
+  expect_count out 2
+  expect_stl out/link/b.stp.stl 2
+  expect_line stdout \
+    'Skipped: 1 links to a folder around them, 2 not regular files, 1 folders of outputs'
+}
+
+TakesTheFilesThatGlobsLetThrough() {
+  step_file in/a.stp 1
+  step_file in/b.stp 2
+  step_file in/old/a.stp 3
+  step_file in/new/a.stp 4
+  step_file in/new/deep/a.stp 5
+  run 0 in -o out --include 'a.*' --exclude old
+  expect_count out 3
+  expect_line stdout 'Skipped: 2 excluded'
+  run 0 in -o out2 --include='new/*'
+  expect_count out2 2
+  run 2 in -o out3 --include 'c*'
+}
+
+TakesTheFilesOfAListing() {
+  step_file in/a.stp 1
+  step_file $'in/b\nc.stp' 2
+  step_file in/d/e.stp 3
+  printf '%s\n' in/a.stp in/missing.stp in/notes.txt >list
+  run 1 --files-from list -o out
+  expect_stl out/a.stp.stl 1
+  expect_line stdout "  $PWD/in/missing.stp: cannot be read: No such file or directory"
+  expect_line stdout "  not named like a STEP file: $PWD/in/notes.txt"
+  printf '%s\0' in/a.stp $'in/b\nc.stp' in/d >list
+  run 0 --files-from - -o out2 <list
+  expect_stl $'out2/b\nc.stp.stl' 2
+  expect_stl out2/d/e.stp.stl 3
+  run 2 --files-from missing -o out3
+}
+
+KeepsTheBaseThatItIsGiven() {
+  step_file x/in/a.stp 1
+  step_file x/more/b.stp 2
+  run 0 x/in -o out --base x
+  expect_stl out/in/a.stp.stl 1
+  run 0 x/in x/more -o out --base x --resume
+  expect_line stdout 'Converted before: 1'
+  expect_stl out/more/b.stp.stl 2
+}
+
+MovesOutputsWithTheBase() {
+  step_file x/in/a.stp 1
+  step_file x/more/b.stp 2
+  run 0 x/in -o out
+  expect_stl out/a.stp.stl 1
+  run 0 x/in x/more -o out --resume
+  expect_stl out/in/a.stp.stl 1
+  expect_stl out/more/b.stp.stl 2
+  expect_count out 2
+}
+
+TellsWhatItWouldDo() {
+  step_file in/a.stp 1
+  step_file in/b.stp 2
+  run 0 in -o out --dry-run
+  expect_line stdout "would convert: $PWD/in/a.stp to $PWD/out/a.stp.stl"
+  expect_line stdout 'To convert: 2'
+  [[ ! -e out ]] || fail 'made the output folder'
+  run 0 in/a.stp -o out
+  run 0 in -o out --dry-run --resume
+  expect_line stdout 'To convert: 1'
+  expect_line stdout 'Converted before: 1'
+  expect_count out 1
+}
+
+RemovesOnDemandWhatVanishedInputsMade() {
+  step_file in/a.stp 1
+  step_file in/sub/b.stp 2
+  run 0 in -o out
+  rm in/sub/b.stp
+  run 0 in -o out --resume
+  expect_count out 2
+  run 0 -o out --prune
+  expect_line stdout 'Pruned: 1'
+  expect_count out 1
+  [[ ! -e out/sub ]] || fail 'an empty folder is left'
+  [[ ! -e out/.plenvorith-batch/transcripts/sub ]] || fail 'a transcript is left'
+  rm in/a.stp
+  step_file in/c.stp 3
+  run 0 in -o out --prune
+  expect_count out 1
+}
+
+ConvertsNamesUpToTheLongest() {
+  local a b c
+  a=$(printf 'a%.0s' {1..247}).stp # with .stl as long as a name can be
+  b=$(printf 'b%.0s' {1..248}).stp
+  c=$(printf 'c%.0s' {1..240}).stp # the name of the converter's copy would be longer
+  mkdir in
+  step_file "in/$a" 1
+  step_file "in/$b" 2
+  cp "$samples/mixed.step" "in/$c"
+  run 1 in -o out
+  expect_stl "out/$a.stl" 1
+  expect_line stdout "  $PWD/in/$b: name too long"
+  cp "$samples/mixed.step" short.stp
+  "$converter" short.stp short.stl >/dev/null
+  cmp short.stl "out/$c.stl"
+}
+
+# Files in a random order, one after the other in the same workers, and each of them in a process of
+# its own: the same bytes, lines and exit statuses.
+GivesTheSameBytesAndLinesAsSingleRuns() {
+  local sample name number=0
+  mkdir in
+  while read -r sample; do
+    number=$((number + 1))
+    cp "$sample" "in/$number-${sample##*/}"
+  done < <(for _ in 1 2 3; do printf '%s\n' "$samples"/*.step "$samples"/../tests/data/*.step; done |
+    shuf)
+  for name in broken cut; do
+    head -c 3000 "$samples/bracket.step" >"in/5-$name.stp"
+  done
+  step_file in/7-malformed.stp 1
+  sed -i "s/'',3,((/'',x,((/" in/7-malformed.stp
+  local mode settings kind
+  settings=()
+  for mode in 'stl 0.1' 'stl 0.3 split' 'stp 0.1' 'stp 0.1 split'; do
+    read -ra settings <<<"$mode"
+    kind=${settings[0]}
+    settings=("${settings[@]:1}")
+    rm -rf out single
+    mkdir -p single out/.plenvorith-batch/run/1/out
+    "$batch" in -o out --jobs 1 --to "$kind" --deflection "${settings[0]}" \
+      ${settings[1]:+--split} >stdout 2>stderr || (($? == 1))
+    expect_same_as_single
+  done
+}
+
+expect_same_as_single() {
+  local input name status
+  "$batch" -o out --export "$scratch/table.csv"
+  for input in in/*; do
+    name=${input##*/}
+    mkdir -p "out/.plenvorith-batch/run/1/tmp" "single/$name"
+    status=0
+    (cd "single/$name" && TMPDIR=$scratch/out/.plenvorith-batch/run/1/tmp "$converter" \
+      "$scratch/in/$name" "$name.$kind" "${settings[@]}" >../transcript 2>&1) || status=$?
+    # A time of day and, in split mode, the kernel's own lines with times are all that may differ.
+    cmp <(without_times single/transcript) \
+      <(without_times "out/.plenvorith-batch/transcripts/$name.txt") || fail "transcript of $name"
+    if ((status == 0)); then
+      expect_same_files "single/$name" "$name"
+    else
+      grep -q "^failed,$scratch/in/$name," "$scratch/table.csv" || fail "$name has not failed"
+      ((status > 128)) || grep -Eq "^failed,$scratch/in/$name,.*,$status,,0," \
+        "$scratch/table.csv" || fail "exit status of $name"
+    fi
+    rm -rf "out/.plenvorith-batch/run"
+  done
+}
+
+without_times() {
+  sed -E 's/[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}//' "$1"
+}
+
+expect_same_files() {
+  local file made=0
+  for file in "$1"/*; do
+    made=$((made + 1))
+    cmp <(without_times "$file") <(without_times "out/${file##*/}") || fail "$file"
+  done
+  local there=("out/$2".*)
+  ((${#there[@]} == made)) || fail "${#there[@]} outputs of $2, not $made"
+}
+
+"$case"
