@@ -1,0 +1,45 @@
+#include "prepare/body_cursor.h"
+
+#include <algorithm>
+
+namespace plenvorith {
+
+void BodyCursor::refill() {
+  consume();
+  const std::string_view text = reader_.peek(kLookahead);
+  begin_ = text.data();
+  p_ = begin_;
+  end_ = begin_ + text.size();
+}
+
+std::string BodyCursor::takeKeyword() {
+  (void)peek();
+  const char* const end =
+      std::find_if(p_, end_, [](char c) { return c == '(' || c == ')' || c == ','; });
+  std::string keyword(p_, end);
+  p_ = end;
+  return keyword;
+}
+
+void BodyCursor::skipParameter() {
+  std::size_t depth = 0;
+  for (char c = peek(); p_ != end_; c = peek()) {
+    if (c == '\'' || c == '"') {
+      // A string is whole in what is handed out; a binary need not be.
+      ++p_;
+      while (peek() != c && p_ != end_) {
+        ++p_;
+      }
+    } else if (c == '(') {
+      ++depth;
+    } else if (c == ')' || c == ',') {
+      if (depth == 0) {
+        return;
+      }
+      depth -= c == ')' ? 1 : 0;
+    }
+    p_ += p_ == end_ ? 0 : 1;
+  }
+}
+
+}  // namespace plenvorith

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "prepare/part21.h"
+
+namespace plenvorith {
+
+/// A cursor on the body of the instance that a reader stands at. While it lives, the reader is not
+/// used otherwise.
+class BodyCursor {
+ public:
+  /// What is looked at without a look for more: longer numbers are none.
+  static constexpr std::ptrdiff_t kLookahead = 1024;
+
+  explicit BodyCursor(StatementReader& reader) : reader_(reader) {
+    refill();
+  }
+  ~BodyCursor() {
+    consume();
+  }
+  BodyCursor(const BodyCursor&) = delete;
+  BodyCursor& operator=(const BodyCursor&) = delete;
+
+  /// The next byte, which stays; 0 at the end of the body.
+  [[nodiscard]] char peek() {
+    if (end_ - p_ < kLookahead) {
+      refill();
+    }
+    return p_ == end_ ? '\0' : *p_;
+  }
+
+  /// Goes over `c` if it is next.
+  bool take(char c) {
+    const bool isNext = peek() == c && p_ != end_;
+    p_ += isNext ? 1 : 0;
+    return isNext;
+  }
+
+  /// What is next: all of a number that `peek` was called before.
+  [[nodiscard]] const char* position() const {
+    return p_;
+  }
+  [[nodiscard]] const char* end() const {
+    return end_;
+  }
+  void moveTo(const char* position) {
+    p_ = position;
+  }
+
+  /// Goes over a keyword and gives it, the first characters of a very long one.
+  std::string takeKeyword();
+
+  /// Goes over a parameter, to the "," or ")" behind it.
+  void skipParameter();
+
+ private:
+  void consume() {
+    reader_.consume(static_cast<std::size_t>(p_ - begin_));
+    begin_ = p_;
+  }
+  void refill();
+
+  StatementReader& reader_;
+  const char* begin_ = nullptr;
+  const char* p_ = nullptr;
+  const char* end_ = nullptr;
+};
+
+}  // namespace plenvorith

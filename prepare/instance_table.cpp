@@ -1,0 +1,172 @@
+#include "prepare/instance_table.h"
+
+#include <algorithm>
+#include <numeric>
+#include <string_view>
+
+namespace plenvorith {
+namespace {
+
+/// How much of a body is looked at for its keyword.
+constexpr std::size_t kLongestKeyword = 256;
+
+/// Counts the points of the coordinates list that the reader stands at.
+std::uint64_t countPoints(StatementReader& reader) {
+  std::uint64_t groups = 0;
+  std::string_view text = reader.peek();
+  bool isInString = false;
+  while (!text.empty()) {
+    for (const char c : text) {
+      isInString = isInString != (c == '\'');
+      groups += c == '(' && !isInString ? 1 : 0;
+    }
+    reader.consume(text.size());
+    text = reader.peek();
+  }
+  return groups < 2 ? 0 : groups - 2;  // less the parameters and the outer list
+}
+
+}  // namespace
+
+bool InstanceTable::read(StatementReader& reader) {
+  ReferenceScanner scanner;
+  Statement statement = reader.next();
+  for (; statement != Statement::End; statement = reader.next()) {
+    if (statement == Statement::Instance && !add(reader, scanner)) {
+      return false;
+    }
+  }
+  error_ = reader.error();
+  if (!error_.empty()) {
+    return false;
+  }
+  sortNumbers();
+  return true;
+}
+
+bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
+  const auto index = static_cast<InstanceIndex>(instances_.size());
+  if (index == kNoInstance) {
+    error_ = "too many entities";
+    return false;
+  }
+  const std::uint64_t offset = reader.offset();
+  const std::string_view start = reader.peek(kLongestKeyword);
+  const std::string_view keyword = start.substr(0, start.find('('));
+  const bool isComplex = keyword.empty() && !start.empty();
+  std::uint16_t type = 0;
+  // The surfaces and curves of complex instances begin with these; there are many.
+  const bool isBounded =
+      start.starts_with("(BOUNDED_SURFACE(") || start.starts_with("(BOUNDED_CURVE(");
+  if (!isComplex || isBounded) {
+    type = types_.idOf(isBounded ? "BOUNDED_SURFACE" : keyword, isBounded);
+  }
+  if (type == EntityTypes::kMaxCount) {
+    error_ = "too many types of entities";
+    return false;
+  }
+  if (isComplex && !isBounded) {
+    const std::size_t place = store_.size();
+    scanner.start(store_);
+    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
+      scanner.scan(text);
+      reader.consume(text.size());
+    }
+    scanner.finish();
+    type = types_.idOf(scanner.keywords(), true);
+    stored_.push_back({index, static_cast<std::uint32_t>(place),
+                       static_cast<std::uint32_t>(std::uint64_t{place} >> 32U)});
+  } else if (types_[type].has(kCoordinates)) {
+    pointCounts_.emplace_hint(pointCounts_.end(), index, countPoints(reader));
+  } else if (!types_[type].has(kGeometryOnly)) {
+    const std::size_t place = store_.size();
+    scanner.start(store_);
+    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
+      scanner.scan(text);
+      reader.consume(text.size());
+    }
+    scanner.finish();
+    stored_.push_back({index, static_cast<std::uint32_t>(place),
+                       static_cast<std::uint32_t>(std::uint64_t{place} >> 32U)});
+  }
+  const std::uint64_t number = reader.number();
+  largestNumber_ = std::max(largestNumber_, number);
+  instances_.push_back({number << 1U, offset << 16U | type});
+  return true;
+}
+
+/// Finds the instances that later ones replace, and makes numbers searchable.
+void InstanceTable::sortNumbers() {
+  const auto isDisorder = [](const Instance& a, const Instance& b) {
+    return a.numberAndFlag >= b.numberAndFlag;
+  };
+  if (std::adjacent_find(instances_.begin(), instances_.end(), isDisorder) == instances_.end()) {
+    return;
+  }
+  byNumber_.resize(instances_.size());
+  std::iota(byNumber_.begin(), byNumber_.end(), 0);
+  std::sort(byNumber_.begin(), byNumber_.end(), [this](InstanceIndex a, InstanceIndex b) {
+    return number(a) != number(b) ? number(a) < number(b) : a < b;
+  });
+  for (std::size_t i = 1; i < byNumber_.size(); ++i) {
+    if (number(byNumber_[i]) == number(byNumber_[i - 1])) {
+      instances_[byNumber_[i - 1]].numberAndFlag |= 1U;
+      ++replacedCount_;
+    }
+  }
+  std::erase_if(byNumber_, [this](InstanceIndex index) { return isReplaced(index); });
+}
+
+InstanceIndex InstanceTable::find(std::uint64_t wanted) const {
+  if (byNumber_.empty()) {
+    const auto found = std::lower_bound(instances_.begin(), instances_.end(), wanted,
+                                        [](const Instance& instance, std::uint64_t other) {
+                                          return instance.numberAndFlag >> 1U < other;
+                                        });
+    return found == instances_.end() || found->numberAndFlag >> 1U != wanted
+               ? kNoInstance
+               : static_cast<InstanceIndex>(found - instances_.begin());
+  }
+  const auto found = std::lower_bound(
+      byNumber_.begin(), byNumber_.end(), wanted,
+      [this](InstanceIndex index, std::uint64_t other) { return number(index) < other; });
+  return found == byNumber_.end() || number(*found) != wanted ? kNoInstance : *found;
+}
+
+std::uint64_t InstanceTable::pointCount(InstanceIndex coordinates) const {
+  const auto found = pointCounts_.find(coordinates);
+  return found == pointCounts_.end() ? 0 : found->second;
+}
+
+std::size_t InstanceTable::referencesOf(InstanceIndex index) const {
+  const auto found = std::lower_bound(
+      stored_.begin(), stored_.end(), index,
+      [](const Stored& stored, InstanceIndex other) { return stored.instance < other; });
+  if (found == stored_.end() || found->instance != index) {
+    return kNone;
+  }
+  return std::size_t{found->placeHigh} << 32U | found->placeLow;
+}
+
+InstanceIndex InstanceTable::attribute(InstanceIndex index, std::size_t n) const {
+  InstanceIndex result = kNoInstance;
+  std::size_t seen = 0;
+  forEachReference(index, [&](const Reference& reference) {
+    if (reference.kind == Reference::Kind::Attribute && seen++ == n) {
+      result = find(reference.number);
+    }
+  });
+  return result;
+}
+
+std::uint32_t InstanceTable::recordOf(InstanceIndex index, std::uint32_t role) const {
+  const std::vector<std::string>& keywords = type(index).keywords;
+  for (std::size_t i = 0; i < keywords.size(); ++i) {
+    if ((rolesOf(keywords[i]) & role) != 0) {
+      return static_cast<std::uint32_t>(i);
+    }
+  }
+  return 0;
+}
+
+}  // namespace plenvorith

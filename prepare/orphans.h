@@ -1,0 +1,19 @@
+#pragma once
+
+#include <vector>
+
+#include "prepare/product_structure.h"
+
+namespace plenvorith {
+
+/// Exact representations that no product reaches, so that the kernel would not deliver them.
+struct Orphans {
+  std::vector<InstanceIndex> representations;
+  InstanceIndex productShape = kNoInstance;  ///< to tie them to; none if the file has no product
+                                             ///< shape or several
+};
+
+/// Finds orphans: none if any product of the file has exact geometry.
+[[nodiscard]] Orphans findOrphans(const InstanceTable& table, const ProductStructure& structure);
+
+}  // namespace plenvorith

@@ -1,0 +1,180 @@
+#include "prepare/preparation.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <filesystem>
+#include <iostream>
+#include <string_view>
+#include <system_error>
+
+#include "prepare/drop.h"
+#include "prepare/instance_table.h"
+#include "prepare/occurrences.h"
+#include "prepare/orphans.h"
+#include "prepare/output_file.h"
+#include "prepare/part21.h"
+#include "prepare/part_tessellation.h"
+#include "prepare/product_structure.h"
+#include "prepare/progress.h"
+#include "prepare/temporary_file.h"
+#include "prepare/tessellation_plan.h"
+#include "prepare/write_prepared.h"
+
+namespace plenvorith {
+namespace {
+
+constexpr int kWritten = 0;
+constexpr int kFailed = 1;
+constexpr int kNoGeometry = 3;
+
+int fail(std::string_view what) {
+  std::cerr << "Error: " << what << std::endl;
+  return kFailed;
+}
+
+/// What keeps the paths from being used; empty if nothing does.
+std::string objectionTo(const std::string& inputPath, const std::string& outputPath) {
+  std::error_code error;
+  const std::filesystem::file_status input = std::filesystem::status(inputPath, error);
+  if (!std::filesystem::exists(input)) {
+    return "Cannot read " + inputPath;
+  }
+  if (!std::filesystem::is_regular_file(input)) {
+    return std::filesystem::is_directory(input)
+               ? "Cannot read " + inputPath + ", it is a directory"
+               : "Cannot read " + inputPath + ", it is no file that can be read twice";
+  }
+  const std::filesystem::file_status output = std::filesystem::status(outputPath, error);
+  if (std::filesystem::exists(output) && !std::filesystem::is_regular_file(output)) {
+    return "Cannot write " + outputPath + ", it is no file";
+  }
+  if (std::filesystem::equivalent(inputPath, outputPath, error)) {
+    return inputPath + " and " + outputPath + " are the same file";
+  }
+  return {};
+}
+
+/// "25.4", or several joined by commas.
+std::string unitsText(const std::set<double>& units) {
+  std::string text;
+  for (const double unit : units) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), unit).ptr;
+    text += text.empty() ? "" : ", ";
+    text.append(digits.data(), end);
+  }
+  return text.empty() ? "1" : text;
+}
+
+std::uint64_t countFates(const InstanceTable& table, const std::vector<Fate>& fates, Fate fate) {
+  std::uint64_t count = 0;
+  for (InstanceIndex index = 0; index < table.size(); ++index) {
+    count += !table.isReplaced(index) && fates[index] == fate ? 1U : 0U;
+  }
+  return count;
+}
+
+std::uint64_t writtenFaces(const TessellationPlan& plan) {
+  std::uint64_t count = 0;
+  for (const PlannedFace& face : plan.faces) {
+    count += face.solid != PlannedFace::kNoSolid ? 1U : 0U;
+  }
+  return count;
+}
+
+void printReport(const InstanceTable& table, const PartTessellation& part,
+                 const Decisions& decisions, const Written& written, const Warnings& warnings) {
+  const TessellationPlan& plan = decisions.plan;
+  std::cout << "  Tessellated representations: " << part.representationCount
+            << ", exact geometry: " << (part.hasExact ? "yes" : "no") << std::endl;
+  std::cout << "  Paired with exact geometry: " << part.copies.size() << " bodies, "
+            << written.copiedTriangles << " triangles, left out" << std::endl;
+  std::cout << "  Only annotation: " << part.annotationCount << " representations, left out"
+            << std::endl;
+  std::cout << "  Only features or properties: " << part.propertyCount
+            << " representations, left out" << std::endl;
+  std::cout << "  Part tessellation: " << plan.bodyCount << " bodies -> " << writtenFaces(plan)
+            << " faces, " << written.triangles << " triangles, " << plan.solidCount
+            << " placements, " << unitsText(plan.units) << " mm a unit" << std::endl;
+  if (written.skippedTriangles > 0) {
+    std::cout << "  Skipped triangles: " << written.skippedTriangles << std::endl;
+  }
+  if (!decisions.orphans.representations.empty()) {
+    std::cout << "  Exact representations tied to a product: "
+              << decisions.orphans.representations.size() << std::endl;
+  }
+  const std::uint64_t changed = countFates(table, decisions.fates, Fate::Changed) +
+                                countFates(table, decisions.fates, Fate::Retyped);
+  std::cout << "  Dropped entities: " << countFates(table, decisions.fates, Fate::Dropped)
+            << ", changed: " << changed << std::endl;
+  for (const std::string& warning : warnings) {
+    std::cout << "  Warning: " << warning << std::endl;
+  }
+  const bool hasTriangles = written.triangles > 0;
+  std::cout << "  Holds now: "
+            << (part.hasExact  ? hasTriangles ? "exact geometry and tessellation" : "exact geometry"
+                : hasTriangles ? "tessellation"
+                               : "no geometry")
+            << std::endl;
+}
+
+}  // namespace
+
+int prepareFile(const std::string& inputPath, const std::string& outputPath) {
+  std::cout << "Preparing: " << inputPath << std::endl;
+  const std::string objection = objectionTo(inputPath, outputPath);
+  if (!objection.empty()) {
+    return fail(objection);
+  }
+  StatementReader reader(inputPath);
+  StatementReader again(inputPath);
+  if (!reader.isOpen() || !again.isOpen()) {
+    return fail("Cannot read " + inputPath);
+  }
+  std::error_code ignored;
+  Progress progress(std::filesystem::file_size(inputPath, ignored));
+  reader.onBlock([&progress](std::uint64_t place) { progress.show("Reading", place); });
+  InstanceTable table;
+  if (!table.read(reader)) {
+    return fail(inputPath + ": " + table.error());
+  }
+  std::cout << "  Read " << table.distinctCount() << " entities" << std::endl;
+
+  Warnings warnings;
+  InstanceReader instances(table, again);
+  const ProductStructure structure = readProductStructure(table);
+  Occurrences occurrences(structure, instances, warnings);
+  const PartTessellation part = findPartTessellation(table, structure, occurrences);
+  Decisions decisions;
+  decisions.hasExact = part.hasExact;
+  decisions.plan = planTessellation(table, part, occurrences, warnings);
+  decisions.orphans = findOrphans(table, structure);
+  decisions.fates = decideFates(table);
+  if (decisions.plan.hasTooMany) {
+    return fail(inputPath + ": too many placements");
+  }
+
+  TemporaryFile temporary(outputPath);
+  OutputFile output(temporary.path());
+  if (!output.isOpen()) {
+    return fail("Cannot write " + outputPath);
+  }
+  StatementReader second(inputPath);
+  second.onBlock([&progress](std::uint64_t place) { progress.show("Writing", place); });
+  const Written written = writePrepared(second, again, table, decisions, output);
+  if (!written.error.empty()) {
+    return fail(inputPath + ": " + written.error);
+  }
+  if (!output.close() || !temporary.takePlace()) {
+    return fail("Cannot write " + outputPath);
+  }
+  if (written.emptiedStrings > 0) {
+    warnings.insert("strings of more than 8,192 bytes are emptied");
+  }
+  printReport(table, part, decisions, written, warnings);
+  std::cout << "Saved: " << outputPath << std::endl;
+  return part.hasExact || written.triangles > 0 ? kWritten : kNoGeometry;
+}
+
+}  // namespace plenvorith

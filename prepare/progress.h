@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace plenvorith {
+
+/// A line in per cent on standard error, for large files and terminals only; wiped at the end.
+class Progress {
+ public:
+  explicit Progress(std::uint64_t fileSize);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Says how far a step, "Reading" for example, has come in the file.
+  void show(const char* step, std::uint64_t place);
+
+ private:
+  void wipe();
+
+  std::uint64_t fileSize_;
+  bool isShown_;
+  std::string shown_;
+};
+
+}  // namespace plenvorith

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <functional>
+
+#include "prepare/entity_types.h"
+#include "prepare/output_file.h"
+#include "prepare/part21.h"
+
+namespace plenvorith {
+
+/// Writes the body of an instance as it is.
+void copyBody(StatementReader& reader, OutputFile& output);
+
+/// Writes the body of an instance without the references in lists that `isDropped` is true for.
+void writeWithoutDropped(StatementReader& reader,
+                         const std::function<bool(std::uint64_t)>& isDropped, OutputFile& output);
+
+/// Writes the body of a tessellated representation like this, as a SHAPE_REPRESENTATION.
+void writeRetyped(StatementReader& reader, const std::function<bool(std::uint64_t)>& isDropped,
+                  OutputFile& output);
+
+}  // namespace plenvorith

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace plenvorith {
+
+/// A file under a name of its own beside the one that it is to become. While this lives, the file
+/// is removed if a signal ends the program; it is removed at the end of the scope, too, unless it
+/// took its place. There can be one at a time.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& finalPath);
+  ~TemporaryFile();
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  /// A path that named nothing a moment ago.
+  [[nodiscard]] const std::string& path() const {
+    return path_;
+  }
+
+  /// Gives the file its final name, over a file that has it. False if the system does not.
+  [[nodiscard]] bool takePlace();
+
+ private:
+  std::string finalPath_;
+  std::string path_;
+};
+
+}  // namespace plenvorith

@@ -1,0 +1,335 @@
+#include "prepare/write_prepared.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "prepare/coordinates.h"
+#include "prepare/expand_face.h"
+#include "prepare/rewrite_instance.h"
+
+namespace plenvorith {
+namespace {
+
+/// The numbers of the new instances: above all old ones and all of the same length, so that the
+/// order of their texts, by which the converter decodes faces, is that of the numbers.
+class NewNames {
+ public:
+  NewNames(std::uint64_t largestOld, const TessellationPlan& plan, std::uint64_t others) {
+    const std::uint64_t faces = plan.faces.size();
+    const std::uint64_t count = plan.lists.size() + faces + plan.solidCount + others;
+    std::uint64_t first = 1;
+    while (first <= largestOld || first * 9 < count) {
+      first *= 10;
+    }
+    lists_ = first;
+    faces_ = lists_ + plan.lists.size();
+    solids_ = faces_ + faces;
+    next_ = solids_ + plan.solidCount;
+  }
+
+  std::uint64_t list(std::size_t i) const {
+    return lists_ + i;
+  }
+  std::uint64_t face(std::size_t i) const {
+    return faces_ + i;
+  }
+  std::uint64_t solid(std::size_t i) const {
+    return solids_ + i;
+  }
+  std::uint64_t next() {
+    return next_++;
+  }
+
+ private:
+  std::uint64_t lists_, faces_, solids_, next_;
+};
+
+class Writer {
+ public:
+  Writer(StatementReader& reader, StatementReader& again, const InstanceTable& table,
+         const Decisions& decisions, OutputFile& output)
+      : reader_(reader),
+        again_(again),
+        table_(table),
+        decisions_(decisions),
+        plan_(decisions.plan),
+        output_(output),
+        names_(table.largestNumber(), plan_,
+               kMaxOthers + decisions.orphans.representations.size()) {}
+
+  Written write();
+
+ private:
+  /// Instances that are neither of a list, a face nor a solid, orphans aside.
+  static constexpr std::uint64_t kMaxOthers = 32;
+
+  void writeInstance(InstanceIndex index);
+  void writeLists(InstanceIndex index);
+  void writeFaces(InstanceIndex index);
+  void writeFace(StatementReader& reader, std::size_t place);
+  void writeSolids();
+  void writeRepresentation();
+  void writeMark();
+  void writeOrphans();
+  void startLine(std::uint64_t name);
+  void fail(InstanceIndex index, const char* what);
+  /// The reader for one more look at an instance: the first look is that of the main one.
+  StatementReader& readerFor(InstanceIndex index, bool isFirst) {
+    if (!isFirst) {
+      again_.seekBody(table_.offset(index));
+    }
+    return isFirst ? reader_ : again_;
+  }
+
+  StatementReader& reader_;
+  StatementReader& again_;
+  const InstanceTable& table_;
+  const Decisions& decisions_;
+  const TessellationPlan& plan_;
+  OutputFile& output_;
+  NewNames names_;
+  Written written_;
+  std::size_t nextList_ = 0;
+  std::size_t nextFace_ = 0;
+};
+
+void Writer::fail(InstanceIndex index, const char* what) {
+  if (written_.error.empty()) {
+    written_.error = what;
+    written_.error += " in #" + std::to_string(table_.number(index));
+  }
+}
+
+void Writer::startLine(std::uint64_t name) {
+  output_.put('#');
+  output_.put(name);
+  output_.put('=');
+}
+
+void Writer::writeLists(InstanceIndex index) {
+  bool isFirst = true;
+  for (; nextList_ < plan_.lists.size() && plan_.lists[nextList_].list == index; ++nextList_) {
+    const PlannedPlacement& placement = plan_.placements[plan_.lists[nextList_].placement];
+    if (!writeCoordinates(readerFor(index, isFirst), names_.list(nextList_),
+                          table_.pointCount(index),
+                          placement.isIdentity ? nullptr : &placement.placement, output_)) {
+      fail(index, "no number where one has to be");
+    }
+    isFirst = false;
+  }
+}
+
+void Writer::writeFaces(InstanceIndex index) {
+  bool isFirst = true;
+  for (; nextFace_ < plan_.faces.size() && plan_.faces[nextFace_].face == index; ++nextFace_) {
+    writeFace(readerFor(index, isFirst), nextFace_);
+    isFirst = false;
+  }
+}
+
+void Writer::writeFace(StatementReader& reader, std::size_t place) {
+  const PlannedFace& face = plan_.faces[place];
+  const EntityType& type = table_.type(face.face);
+  ExpandedFace expanded;
+  if (face.solid == PlannedFace::kNoSolid) {
+    const FaceLinks links = readFaceLinks(table_, face.face);
+    const std::uint64_t points =
+        links.coordinates == kNoInstance ? 0 : table_.pointCount(links.coordinates);
+    expanded = expandFace(reader, type, points, {}, nullptr);
+    written_.copiedTriangles += expanded.triangles;
+    return;  // whatever is wrong with it, it is left out
+  }
+  const PlannedList& list = plan_.lists[face.list];
+  expanded = expandFace(
+      reader, type, table_.pointCount(list.list),
+      {names_.face(place), names_.list(face.list), plan_.placements[list.placement].isMirrored},
+      &output_);
+  written_.triangles += expanded.triangles;
+  written_.skippedTriangles += expanded.skipped;
+  if (expanded.hasFailed) {
+    fail(face.face, "no number where one has to be");
+  }
+}
+
+void Writer::writeInstance(InstanceIndex index) {
+  writeLists(index);
+  writeFaces(index);
+  const Fate fate = decisions_.fates[index];
+  if (fate == Fate::Dropped) {
+    return;
+  }
+  const auto isDropped = [this](std::uint64_t number) {
+    const InstanceIndex named = table_.find(number);
+    return named != kNoInstance && decisions_.fates[named] == Fate::Dropped;
+  };
+  const std::uint64_t emptiedBefore = reader_.emptiedStrings();
+  startLine(table_.number(index));
+  if (fate == Fate::Kept) {
+    copyBody(reader_, output_);
+  } else if (fate == Fate::Changed) {
+    writeWithoutDropped(reader_, isDropped, output_);
+  } else {
+    writeRetyped(reader_, isDropped, output_);
+  }
+  output_.put(";\n");
+  written_.emptiedStrings += reader_.emptiedStrings() - emptiedBefore;
+}
+
+/// One solid for each body in each placement.
+void Writer::writeSolids() {
+  std::vector<std::uint32_t> faces(plan_.faces.size());
+  for (std::uint32_t i = 0; i < faces.size(); ++i) {
+    faces[i] = i;
+  }
+  std::sort(faces.begin(), faces.end(), [this](std::uint32_t a, std::uint32_t b) {
+    const std::uint32_t first = plan_.faces[a].solid;
+    const std::uint32_t second = plan_.faces[b].solid;
+    return first != second ? first < second : a < b;
+  });
+  auto face = faces.begin();
+  for (std::uint32_t solid = 0; solid < plan_.solidCount; ++solid) {
+    startLine(names_.solid(solid));
+    output_.put("TESSELLATED_SOLID('',(");
+    for (bool isFirst = true; face != faces.end() && plan_.faces[*face].solid == solid; ++face) {
+      output_.put(isFirst ? "#" : ",#");
+      output_.put(names_.face(*face));
+      isFirst = false;
+    }
+    output_.put("),$);\n");
+  }
+}
+
+/// The one representation of all solids, in millimetres.
+void Writer::writeRepresentation() {
+  const std::uint64_t unit = names_.next();
+  const std::uint64_t context = names_.next();
+  startLine(unit);
+  output_.put("(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n");
+  startLine(context);
+  output_.put("(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#");
+  output_.put(unit);
+  output_.put("))REPRESENTATION_CONTEXT('',''));\n");
+  startLine(names_.next());
+  output_.put("TESSELLATED_SHAPE_REPRESENTATION('',(");
+  for (std::uint32_t solid = 0; solid < plan_.solidCount; ++solid) {
+    output_.put(solid == 0 ? "#" : ",#");
+    output_.put(names_.solid(solid));
+  }
+  output_.put("),#");
+  output_.put(context);
+  output_.put(");\n");
+}
+
+/// A tessellated representation with its exact twin: the converter reads lines and takes the file
+/// for one with both kinds of geometry, the kernel sees a comment.
+void Writer::writeMark() {
+  const std::uint64_t tessellated = names_.next();
+  const std::uint64_t exact = names_.next();
+  output_.put("/*\n");
+  startLine(tessellated);
+  output_.put("TESSELLATED_SHAPE_REPRESENTATION('',(),$);\n");
+  startLine(exact);
+  output_.put("SHAPE_REPRESENTATION('',(),$);\n");
+  startLine(names_.next());
+  output_.put("SHAPE_REPRESENTATION_RELATIONSHIP('','',#");
+  output_.put(exact);
+  output_.put(",#");
+  output_.put(tessellated);
+  output_.put(");\n*/\n");
+}
+
+void Writer::writeOrphans() {
+  const Orphans& orphans = decisions_.orphans;
+  if (orphans.representations.empty()) {
+    return;
+  }
+  std::uint64_t shape = 0;
+  const auto line = [this](std::string_view before, std::uint64_t named, std::string_view after) {
+    const std::uint64_t name = names_.next();
+    startLine(name);
+    output_.put(before);
+    output_.put(named);
+    output_.put(after);
+    return name;
+  };
+  if (orphans.productShape != kNoInstance) {
+    shape = table_.number(orphans.productShape);
+  } else {
+    const std::uint64_t context = names_.next();
+    startLine(context);
+    output_.put("APPLICATION_CONTEXT('');\n");
+    const std::uint64_t ofProduct = line("PRODUCT_CONTEXT('',#", context, ",'mechanical');\n");
+    const std::uint64_t product = line("PRODUCT('','','',(#", ofProduct, "));\n");
+    const std::uint64_t formation = line("PRODUCT_DEFINITION_FORMATION('','',#", product, ");\n");
+    const std::uint64_t ofDefinition =
+        line("PRODUCT_DEFINITION_CONTEXT('part definition',#", context, ",'design');\n");
+    const std::uint64_t definition = names_.next();
+    startLine(definition);
+    output_.put("PRODUCT_DEFINITION('','',#");
+    output_.put(formation);
+    output_.put(",#");
+    output_.put(ofDefinition);
+    output_.put(");\n");
+    shape = line("PRODUCT_DEFINITION_SHAPE('','',#", definition, ");\n");
+  }
+  for (const InstanceIndex representation : orphans.representations) {
+    startLine(names_.next());
+    output_.put("SHAPE_DEFINITION_REPRESENTATION(#");
+    output_.put(shape);
+    output_.put(",#");
+    output_.put(table_.number(representation));
+    output_.put(");\n");
+  }
+}
+
+Written Writer::write() {
+  output_.put("ISO-10303-21;\nHEADER;\n");
+  Statement statement = reader_.next();
+  for (; statement == Statement::HeaderEntity; statement = reader_.next()) {
+    const std::uint64_t emptiedBefore = reader_.emptiedStrings();
+    output_.put(reader_.headerKeyword());
+    copyBody(reader_, output_);
+    output_.put(";\n");
+    written_.emptiedStrings += reader_.emptiedStrings() - emptiedBefore;
+  }
+  output_.put("ENDSEC;\nDATA;\n");
+  InstanceIndex index = 0;
+  for (; statement != Statement::End && written_.error.empty() && output_.isGood();
+       statement = reader_.next()) {
+    if (statement != Statement::Instance) {
+      continue;
+    }
+    if (index == table_.size() || table_.number(index) != reader_.number()) {
+      written_.error = "changed while it was read";
+      break;
+    }
+    writeInstance(index);
+    ++index;
+  }
+  if (written_.error.empty()) {
+    written_.error = !reader_.error().empty() ? reader_.error() : again_.error();
+  }
+  if (written_.error.empty() && output_.isGood() && index != table_.size()) {
+    written_.error = "changed while it was read";
+  }
+  writeOrphans();
+  if (plan_.solidCount > 0) {
+    writeSolids();
+    writeRepresentation();
+    if (decisions_.hasExact) {
+      writeMark();
+    }
+  }
+  output_.put("ENDSEC;\nEND-ISO-10303-21;\n");
+  return written_;
+}
+
+}  // namespace
+
+Written writePrepared(StatementReader& reader, StatementReader& again, const InstanceTable& table,
+                      const Decisions& decisions, OutputFile& output) {
+  return Writer(reader, again, table, decisions, output).write();
+}
+
+}  // namespace plenvorith

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "prepare/drop.h"
+#include "prepare/orphans.h"
+#include "prepare/output_file.h"
+#include "prepare/tessellation_plan.h"
+
+namespace plenvorith {
+
+/// All that is decided about a file.
+struct Decisions {
+  std::vector<Fate> fates;
+  TessellationPlan plan;
+  Orphans orphans;
+  bool hasExact = false;
+};
+
+/// What was found while writing.
+struct Written {
+  std::uint64_t triangles = 0;
+  std::uint64_t copiedTriangles = 0;  ///< of bodies that exact geometry duplicates
+  std::uint64_t skippedTriangles = 0;
+  std::uint64_t emptiedStrings = 0;
+  std::string error;  ///< empty if nothing is wrong with the file
+};
+
+/// Writes the file anew, in the order of the file: one instance a line without blanks, what is
+/// dropped left out, faces and coordinates of part tessellation expanded and placed. At the end of
+/// the data come what holds them together, what ties orphans to a product and, if there is exact
+/// geometry too, the mark by which the converter knows that.
+///
+/// Takes   two readers of the file, one at its start, the other to move about in it.
+[[nodiscard]] Written writePrepared(StatementReader& reader, StatementReader& again,
+                                    const InstanceTable& table, const Decisions& decisions,
+                                    OutputFile& output);
+
+}  // namespace plenvorith

@@ -1,0 +1,100 @@
+#include "prepare/part21.h"
+
+#include <string>
+#include <string_view>
+
+#include <gmock/gmock.h>
+
+#include "tests/prepare/step_file.h"
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+using test::stepFile;
+
+/// All that a reader hands out, a line a statement; at last what is wrong, if anything is.
+std::string statementsOf(std::string_view content) {
+  const test::TempDir directory;
+  StatementReader reader(test::writeFile(directory / "in.stp", content));
+  std::string all;
+  for (Statement statement = reader.next(); statement != Statement::End;
+       statement = reader.next()) {
+    all += statement == Statement::Instance ? '#' + std::to_string(reader.number()) + '='
+                                            : reader.headerKeyword();
+    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
+      all += text;
+      reader.consume(text.size());
+    }
+    all += '\n';
+  }
+  return all + reader.error();
+}
+
+/// What is handed out of the DATA section.
+std::string dataStatements(std::string_view data) {
+  const std::string all = statementsOf(stepFile(data));
+  return all.substr(all.find('\n') + 1);
+}
+
+TEST(Part21, HandsOutHeaderEntitiesAndInstances) {
+  EXPECT_EQ(statementsOf(stepFile("#1=A('x',#2);\n#2=B();\n")),
+            "FILE_SCHEMA(('AP242'))\n#1=A('x',#2)\n#2=B()\n");
+}
+
+TEST(Part21, LeavesOutBlanksAndComments) {
+  EXPECT_EQ(dataStatements(" # 1 =\tA ( 1. ,\r\n 2. ) ;/* ; ' */#2/*'*/=/**/B(/***/3/* \" */);"),
+            "#1=A(1.,2.)\n#2=B(3)\n");
+}
+
+TEST(Part21, KeepsStringsAndBinaries) {
+  EXPECT_EQ(dataStatements("#1=A('a  b;#02 /* x */ (''q'') \" ',\"0 F;\");\n"),
+            "#1=A('a  b;#02 /* x */ (''q'') \" ',\"0 F;\")\n");
+}
+
+TEST(Part21, DropsLineEndsInsideStrings) {
+  EXPECT_EQ(dataStatements("#1=A('a\nb\r\nc d','it'\n's');\n"), "#1=A('abc d','it''s')\n");
+}
+
+TEST(Part21, WritesReferencesWithoutLeadingZeros) {
+  EXPECT_EQ(dataStatements("#007=A(#0012,#0,#00,#100,'#01');\n"), "#7=A(#12,#0,#0,#100,'#01')\n");
+}
+
+TEST(Part21, EmptiesStringsThatAreTooLong) {
+  const std::string longest(StatementReader::kLongestString, 'x');
+  EXPECT_EQ(dataStatements("#1=A('" + longest + "',1);\n"), "#1=A('" + longest + "',1)\n");
+  EXPECT_EQ(dataStatements("#1=A('" + longest + "y',1);\n"), "#1=A('',1)\n");
+  EXPECT_EQ(dataStatements("#1=A('" + std::string(1'000'000, '\'') + "',1);\n"), "#1=A('',1)\n");
+}
+
+TEST(Part21, HandsOutWhatIsInScopesFirst) {
+  EXPECT_EQ(dataStatements("#1=&SCOPE #2=A(); #3=&SCOPE\n#4=B(#2);ENDSCOPE C();ENDSCOPE/#2,#3/"
+                           "D(#3);\n#5=E();\n"),
+            "#2=A()\n#4=B(#2)\n#3=C()\n#1=D(#3)\n#5=E()\n");
+}
+
+TEST(Part21, ReadsSeveralDataSectionsAsOne) {
+  EXPECT_EQ(dataStatements("#1=A();ENDSEC;DATA('two',('S'));#2=B();\n"), "#1=A()\n#2=B()\n");
+}
+
+TEST(Part21, PassesOverOtherSections) {
+  EXPECT_EQ(dataStatements("#1=A();ENDSEC;REFERENCE;#2=<x#y>;ENDSEC;DATA;#3=B();\n"),
+            "#1=A()\n#3=B()\n");
+}
+
+TEST(Part21, PassesOverWhatStandsBeforeAndBehind) {
+  EXPECT_EQ(statementsOf("junk END-ISO-10303-21; ISO-10303-21 ;HEADER;ENDSEC;DATA;#1=A();ENDSEC;"
+                         "END-ISO-10303-21;#2=B();\0'"),
+            "#1=A()\n");
+}
+
+TEST(Part21, ReadsInstancesAtAnyBoundaryOfBlocks) {
+  for (std::size_t size = 131'000; size < 131'100; ++size) {
+    const std::string content = stepFile("#1=A('" + std::string(1000, 'x') + "');" +
+                                         std::string(size - 1100, ' ') + "#2=B(/* */'it''s',#07);");
+    EXPECT_THAT(statementsOf(content), testing::EndsWith("\n#2=B('it''s',#7)\n")) << size;
+  }
+}
+
+}  // namespace
+}  // namespace plenvorith
