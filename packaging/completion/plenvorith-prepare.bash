@@ -1,6 +1,7 @@
 # bash completion for plenvorith-prepare
 
 _plenvorith_prepare() {
+  # shellcheck disable=SC2034 # what _init_completion sets and _filedir reads
   local cur prev words cword
   _init_completion || return
   case $cword in
