@@ -125,6 +125,11 @@ void Expander::add(Index a, Index b, Index c) {
     ++result.skipped;
     return;
   }
+  // Also where a mapping makes them equal, and in triples: once written, they could not be told
+  // from joints, and preparing twice would give less than preparing once.
+  if (a == b || b == c || a == c) {
+    return;
+  }
   if (output_ != nullptr) {
     constexpr std::size_t kLongest = 80;
     char* const start = output_->room(kLongest);

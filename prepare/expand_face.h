@@ -30,7 +30,8 @@ struct ExpandedFace {
 /// Takes   a reader at the body of the face; how many points its coordinates list has; where to
 ///         write, or null if the triangles are to be counted only.
 /// Order   of a strip (s1,s2,s3), (s2,s4,s3), (s3,s4,s5), ...; of a fan (f1,f2,f3), (f1,f3,f4), ...
-///         Triangles of both with two equal indices join parts of them and are no triangles.
+///         Triangles with two equal indices, mapped or not, are left out: those of strips and fans
+///         join parts of them, and a triple would be taken for such a joint the next time.
 /// Memory  for the index mapping of the face (pnindex).
 [[nodiscard]] ExpandedFace expandFace(StatementReader& reader, const EntityType& type,
                                       std::uint64_t pointCount, const FaceTarget& target,

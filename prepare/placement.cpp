@@ -101,15 +101,16 @@ std::optional<Placement> readAxes(InstanceReader& reader, const Record& record, 
   return fromAxes(x, cross(z, x), z, *origin);
 }
 
-/// CARTESIAN_TRANSFORMATION_OPERATOR_3D(..., axis1, axis2, local_origin, scale, axis3); how many
-/// names come first depends on the edition.
-std::optional<Placement> readOperator(InstanceReader& reader, const Record& record, double unit) {
-  const std::size_t count = record.parameters.size();
-  if (count < 6) {
+/// Of a CARTESIAN_TRANSFORMATION_OPERATOR_3D: ..., axis1, axis2, local_origin, scale, axis3; how
+/// many names come first depends on the edition.
+std::optional<Placement> readOperator(InstanceReader& reader,
+                                      const std::vector<std::string>& parameters, double unit) {
+  const std::size_t count = parameters.size();
+  if (count < 5) {
     return std::nullopt;
   }
-  const auto parameter = [&record, count](std::size_t fromEnd) -> const std::string& {
-    return record.parameters[count - fromEnd];
+  const auto parameter = [&parameters, count](std::size_t fromEnd) -> const std::string& {
+    return parameters[count - fromEnd];
   };
   std::optional<Vector> origin = readVector(reader, parameter(3), "CARTESIAN_POINT");
   const double scale = numberOf(parameter(2)).value_or(1.0);
@@ -122,7 +123,8 @@ std::optional<Placement> readOperator(InstanceReader& reader, const Record& reco
   const std::optional<Vector> given = axis1 ? projected(*axis1, z) : std::nullopt;
   const Vector x = given ? *given : defaultX(z);
   Vector y = cross(z, x);
-  if (axis2 && dot(*axis2, y) < 0) {
+  // Left out, axis2 is the y axis (second_proj_axis), which may be on the other side.
+  if (dot(axis2.value_or(Vector{0, 1, 0}), y) < 0) {
     y = {-y[0], -y[1], -y[2]};
   }
   for (double& coordinate : *origin) {
@@ -300,15 +302,17 @@ std::optional<double> readUnit(InstanceReader& reader, InstanceIndex context) {
 }
 
 std::optional<Placement> readPlacement(InstanceReader& reader, InstanceIndex index, double unit) {
+  std::vector<std::string> parameters;  // of an operator, which may be a complex instance
   for (const Record& record : reader.read(index)) {
     if (record.keyword == "AXIS2_PLACEMENT_3D") {
       return readAxes(reader, record, unit);
     }
-    if (record.keyword == "CARTESIAN_TRANSFORMATION_OPERATOR_3D") {
-      return readOperator(reader, record, unit);
+    if (record.keyword == "CARTESIAN_TRANSFORMATION_OPERATOR" ||
+        record.keyword == "CARTESIAN_TRANSFORMATION_OPERATOR_3D") {
+      parameters.insert(parameters.end(), record.parameters.begin(), record.parameters.end());
     }
   }
-  return std::nullopt;
+  return readOperator(reader, parameters, unit);
 }
 
 }  // namespace plenvorith

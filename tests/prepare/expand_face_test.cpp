@@ -43,11 +43,19 @@ Expansion expand(std::string_view body, std::uint64_t points = 100, bool isMirro
 
 TEST(ExpandFace, KeepsTriples) {
   const Expansion result =
-      expand("TRIANGULATED_FACE('a',#2,4,((0.,0.,1.)),#9,(),((1,2,3),(4,4,1)))");
-  EXPECT_EQ(result.triples, "(1,2,3),(4,4,1)");
+      expand("TRIANGULATED_FACE('a',#2,4,((0.,0.,1.)),#9,(),((1,2,3),(4,3,1)))");
+  EXPECT_EQ(result.triples, "(1,2,3),(4,3,1)");
   EXPECT_EQ(result.face.triangles, 2U);
   EXPECT_EQ(result.face.skipped, 0U);
   EXPECT_FALSE(result.face.hasFailed);
+}
+
+TEST(ExpandFace, DropsWhatIsAJointOnceItIsWritten) {
+  const Expansion result =
+      expand("TRIANGULATED_FACE('a',#2,4,(),#9,(5,6,5,7),((1,2,2),(1,2,3),(1,2,4)))");
+  EXPECT_EQ(result.triples, "(5,6,7)");
+  EXPECT_EQ(result.face.triangles, 1U);
+  EXPECT_EQ(result.face.skipped, 0U);
 }
 
 TEST(ExpandFace, CutsStripsIntoTrianglesOfOneSense) {
@@ -85,8 +93,8 @@ TEST(ExpandFace, SkipsIndicesOutsideTheMappingOrTheList) {
   EXPECT_EQ(list.triples, "(1,2,3)");
   EXPECT_EQ(list.face.skipped, 3U);
   const Expansion mapped =
-      expand("TRIANGULATED_FACE('',#2,3,(),$,(3,2,9),((1,2,1),(1,2,3),(1,2,4)))", 3);
-  EXPECT_EQ(mapped.triples, "(3,2,3)");
+      expand("TRIANGULATED_FACE('',#2,3,(),$,(3,2,9,1),((1,2,4),(1,2,3),(1,2,5)))", 3);
+  EXPECT_EQ(mapped.triples, "(3,2,1)");
   EXPECT_EQ(mapped.face.skipped, 2U);
 }
 

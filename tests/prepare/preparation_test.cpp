@@ -98,8 +98,8 @@ TEST(Preparation, RejectsSomethingElseThanANumberInPartTessellation) {
     EXPECT_EQ(result.isWritten, result.err.empty());
     return result.err;
   };
-  constexpr std::string_view kList = "COORDINATES_LIST('',1,((1.,2.,3.)))";
-  constexpr std::string_view kFace = "TRIANGULATED_FACE('',#10,1,(),$,(),((1,1,1)))";
+  constexpr std::string_view kList = "COORDINATES_LIST('',3,((1.,2.,3.),(1.,2.,4.),(1.,3.,3.)))";
+  constexpr std::string_view kFace = "TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)))";
   EXPECT_EQ(errorOf(kList, kFace), "");
   EXPECT_EQ(errorOf("COORDINATES_LIST('',1,((1.,x,3.)))", kFace),
             "Error: in.stp: no number where one has to be in #10\n");

@@ -70,6 +70,11 @@ std::vector<Corners> trianglesOf(const Face& face, std::size_t points) {
       addUnlessJoint(fan.items[0], fan.items[i], fan.items[i + 1]);
     }
   }
+  // What a mapping makes equal is a joint as well.
+  std::erase_if(triangles, [](const Corners& c) {
+    const bool isInside = c[0] != 0 && c[1] != 0 && c[2] != 0;
+    return isInside && (c[0] == c[1] || c[1] == c[2] || c[2] == c[0]);
+  });
   return triangles;
 }
 
