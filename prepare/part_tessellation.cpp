@@ -68,7 +68,11 @@ class BodyFinder {
  private:
   void visit(std::uint64_t number, const std::vector<InstanceIndex>& repositioning) {
     const InstanceIndex index = table_.find(number);
-    if (index == kNoInstance || !table_.has(index, kTessellated)) {
+    if (index == kNoInstance) {
+      return;
+    }
+    holdsAnnotation = holdsAnnotation || table_.has(index, kAnnotation);
+    if (!table_.has(index, kTessellated)) {
       return;
     }
     holdsTessellation = true;
