@@ -8,6 +8,7 @@
 #
 # shellcheck disable=SC2016 # file names and scripts in single quotes are meant as they stand
 set -euo pipefail
+self=$(realpath -- "$0")
 batch=$1 converter=$2 samples=$3 case=$4 program=()
 
 scratch=$(mktemp -d)
@@ -696,6 +697,139 @@ expect_same_files() {
   done
   local there=("out/$2".*)
   ((${#there[@]} == made)) || fail "${#there[@]} outputs of $2, not $made"
+}
+
+ResumeMindsNoClock() {
+  step_file in/a.stp 1
+  step_file in/b.stp 2
+  touch -d '+1 year' in/a.stp
+  run 0 in -o out
+  run 0 in -o out --resume
+  expect_line stdout 'Converted before: 2'
+  # The clock may have been put back since: neither time nor size say that it is another file.
+  step_file in/a.stp 3
+  touch -d '+1 year' in/a.stp
+  local stamp
+  stamp=$(stat -c %y in/b.stp)
+  step_file in/b.stp 4
+  touch -d "$stamp" in/b.stp
+  run 0 in -o out --resume
+  expect_stl out/a.stp.stl 3
+  expect_stl out/b.stp.stl 4
+}
+
+RefusesASecondRunInOneFolder() {
+  step_file a.stp 1
+  pretend 'touch '"$scratch/begun"'; exec sleep 1000'
+  "$batch" "${program[@]}" a.stp -o out >first 2>&1 &
+  local pid=$!
+  until [[ -e begun ]]; do
+    sleep 0.05
+  done
+  run 2 a.stp -o out
+  expect_line stderr "plenvorith-batch: another run is writing to $PWD/out"
+  kill "$pid"
+  wait "$pid" || true
+  program=()
+  run 0 a.stp -o out --resume
+}
+
+# The processes that a process has started.
+children_of() {
+  cat "/proc/$1/task/$1/children" 2>/dev/null || true
+}
+
+# The driver, one of its workers or one of their children, whatever there is just now.
+pick_victim() {
+  local victim=$1 level
+  for ((level = RANDOM % 3; level > 0; level--)); do
+    local children
+    read -ra children <<<"$(children_of "$victim")" || true
+    ((${#children[@]} == 0)) && break
+    victim=${children[RANDOM % ${#children[@]}]}
+  done
+  echo "$victim"
+}
+
+# PLENVORITH_KILLS says how often.
+KeepsWhatItKnowsWhenItIsKilled() {
+  local number kills=${PLENVORITH_KILLS:-8} victim pid
+  for number in {1..40}; do
+    step_file "in/$number.stp" "$number"
+  done
+  for number in {1..5}; do
+    cp "$samples/bracket.step" "in/large-$number.step"
+    cp "$samples/mixed.step" "in/mixed-$number.step"
+  done
+  for ((; kills > 0; kills--)); do
+    # Each time some of them are other files, so that there is always work.
+    number=$((RANDOM % 40 + 1))
+    step_file "in/$number.stp" "$((number + 1000 * (RANDOM % 5)))"
+    rm -f out/large-*.stl
+    "$batch" in -o out --jobs 2 --resume >stdout 2>stderr &
+    pid=$!
+    sleep "0.$((RANDOM % 4))$((RANDOM % 10))"
+    victim=$(pick_victim "$pid")
+    kill -KILL "$victim" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+    local patience=100
+    while [[ -e /proc/$victim/task ]] && ((patience-- > 0)); do
+      sleep 0.05
+    done
+  done
+  run 0 in -o out --jobs 2 --resume
+  expect_count out 50
+  for number in {1..40}; do
+    expect_stl "out/$number.stp.stl" "$(grep -oP "\(\(\K[0-9]+(?=\.,0)" "in/$number.stp")"
+  done
+  "$converter" "$samples/bracket.step" bracket.stl >/dev/null
+  "$converter" "$samples/mixed.step" mixed.stl >/dev/null
+  for number in {1..5}; do
+    cmp bracket.stl "out/large-$number.step.stl"
+    cmp mixed.stl "out/mixed-$number.step.stl"
+  done
+  run 0 in -o out --resume
+  expect_line stdout 'Converted before: 50'
+  expect_nothing_left out
+}
+
+# Runs itself where it may mount a file system of its own.
+GoesOnOnceADiskIsNoLongerFull() {
+  if [[ ! ${PLENVORITH_MOUNTS:-} ]]; then
+    local way=()
+    ((EUID == 0)) && unshare -m true 2>/dev/null && way=(unshare -m)
+    ((${#way[@]})) || ! unshare -rm true 2>/dev/null || way=(unshare -rm)
+    ((${#way[@]})) || skip 'cannot mount a file system'
+    PLENVORITH_MOUNTS=yes exec "${way[@]}" "$self" "$batch" "$converter" "$samples" "$case"
+  fi
+  local number size failed=0
+  mkdir in out
+  for number in {1..6}; do
+    cp "$samples/mixed.step" "in/$number.step"
+    step_file "in/$number.stp" "$number"
+  done
+  "$converter" "$samples/mixed.step" mixed.stl >/dev/null
+  for ((size = 130; size <= 890; size += 40)); do
+    mount -t tmpfs -o "size=${size}k" none out || skip 'cannot mount a file system'
+    "$batch" in -o out --jobs 2 >stdout 2>stderr && status=0 || status=$?
+    ((status <= 2)) || fail "exit status $status with ${size}k"
+    if ((status == 1)); then
+      failed=$((failed + 1))
+      grep -Eq 'disk full|state cannot be written|No space left' stdout stderr || fail 'no reason'
+      # What is there is whole.
+      for number in out/*.stl; do
+        [[ $number == *.step.stl ]] && cmp mixed.stl "$number"
+      done
+    fi
+    mount -o remount,size=8M none out
+    run 0 in -o out --jobs 2 --resume
+    for number in {1..6}; do
+      cmp mixed.stl "out/$number.step.stl"
+      expect_stl "out/$number.stp.stl" "$number"
+    done
+    umount out
+  done
+  ((failed > 5)) || fail "only $failed runs met a full disk"
 }
 
 "$case"

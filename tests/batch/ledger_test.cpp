@@ -1,0 +1,200 @@
+#include "batch/ledger.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "batch/folder.h"
+#include "batch/input_identity.h"
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// An output folder with its state, and inputs beside it.
+class LedgerTest : public testing::Test {
+ protected:
+  LedgerTest() {
+    context_.places = placesIn(dir_ / "out");
+    context_.base = dir_ / "in/";
+    context_.settings = "to=stl";
+    context_.program = "1";
+    context_.run = 1;
+    EXPECT_TRUE(makeFolders(context_.places.run) && makeFolders(dir_ / "in"));
+    std::string problem;
+    state_ = openState(context_.places.database, problem);
+    EXPECT_NE(state_, nullptr) << problem;
+  }
+
+  /// A conversion that made files with these names and four bytes each.
+  Finished converted(const std::string& name, const std::vector<std::string>& outputs) {
+    Finished finished;
+    finished.input = test::writeFile(dir_ / "in/" + name, "input");
+    const timespec times[] = {{1577836800, 0}, {1577836800, 0}};
+    utimensat(AT_FDCWD, finished.input.c_str(), times, 0);
+    finished.folder = context_.places.run + "/1";
+    EXPECT_TRUE(makeEmptyFolder(finished.folder + "/out"));
+    for (const std::string& output : outputs) {
+      test::writeFile(finished.folder + "/out/" + output, "1234");
+      finished.result.outputs.push_back({output, 4});
+    }
+    int error = 0;
+    finished.result.isConverted = true;
+    finished.result.size = 5;
+    finished.result.mtime = identityOf(finished.input, error)->mtime;
+    finished.result.hash = contentHash(finished.input);
+    return finished;
+  }
+
+  static Finished failed(Finished finished) {
+    finished.result.isConverted = false;
+    finished.result.outputs.clear();
+    finished.result.reason = "why";
+    return finished;
+  }
+
+  FileRecord settleOne(const Finished& finished) {
+    const auto records = settle(*state_, context_, {finished});
+    EXPECT_EQ(records.size(), 1U);
+    return records.at(0);
+  }
+
+  /// The names in the output folder, but for the state's.
+  std::vector<std::string> outputs() const {
+    std::vector<std::string> names = namesInFolder(dir_ / "out");
+    std::erase(names, ".plenvorith-batch");
+    return names;
+  }
+
+  bool isUpToDateNow(const std::string& name) {
+    auto record = findFile(*state_, dir_ / "in/" + name);
+    bool isTouched = false;
+    return record && isUpToDate(context_, dir_ / "in/" + name, *record, isTouched);
+  }
+
+  test::TempDir dir_;
+  RunContext context_;
+  State state_;
+};
+
+TEST_F(LedgerTest, MovesOutputsAndKnowsThem) {
+  const FileRecord record = settleOne(converted("a.stp", {"a.stp.stl"}));
+  EXPECT_EQ(record.status, FileStatus::Converted);
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl"));
+  EXPECT_TRUE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, RemovesOutputsThatAreNotMadeAgain) {
+  settleOne(converted("a.stp", {"a.stp.stl_1.stl", "a.stp.stl_2.stl"}));
+  settleOne(converted("a.stp", {"a.stp.stl_1.stl"}));
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl_1.stl"));
+  const FileRecord record = settleOne(failed(converted("a.stp", {})));
+  EXPECT_EQ(record.status, FileStatus::Failed);
+  EXPECT_THAT(outputs(), IsEmpty());
+  EXPECT_THAT(findFile(*state_, record.path)->outputs, IsEmpty());
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, FailsWhereAnOutputCannotBeMoved) {
+  ASSERT_TRUE(makeFolders(dir_ / "out/a_2.stl/x"));
+  const FileRecord record = settleOne(converted("a.stp", {"a_1.stl", "a_2.stl"}));
+  EXPECT_EQ(record.status, FileStatus::Failed);
+  EXPECT_THAT(record.reason, testing::StartsWith("cannot be moved into place: "));
+  EXPECT_THAT(outputs(), ElementsAre("a_2.stl"));
+}
+
+TEST_F(LedgerTest, TakesNothingForConvertedThatWasBeingDelivered) {
+  FileRecord record = settleOne(converted("a.stp", {"a.stp.stl"}));
+  record.status = FileStatus::Delivering;
+  record.outputs.push_back({"a.stp.stl_9.stl", 4});
+  ASSERT_TRUE(putFile(*state_, record));
+  test::writeFile(dir_ / "out/a.stp.stl_9.stl", "1234");
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  settleOne(converted("a.stp", {"a.stp.stl"}));
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl"));
+}
+
+TEST_F(LedgerTest, NeverRemovesWhatAnotherInputMade) {
+  settleOne(converted("a.stp", {"x.stl"}));
+  const Finished again = converted("a.stp", {"y.stl"});
+  Finished other = converted("b.stp", {"x.stl"});
+  test::writeFile(other.folder + "/out/y.stl", "1234");
+  const auto records = settle(*state_, context_, {other, again});
+  ASSERT_EQ(records.size(), 2U);
+  EXPECT_THAT(outputs(), ElementsAre("x.stl", "y.stl"));
+  EXPECT_TRUE(isUpToDateNow("a.stp") && isUpToDateNow("b.stp"));
+}
+
+TEST_F(LedgerTest, KnowsWhatDiffers) {
+  settleOne(converted("a.stp", {"a.stl"}));
+  const RunContext before = context_;
+  context_.settings = "to=stp";
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  context_ = before;
+  context_.program = "2";
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  context_ = before;
+  context_.base = dir_.path().string() + '/';
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  context_ = before;
+  EXPECT_TRUE(isUpToDateNow("a.stp"));
+  fs::resize_file(dir_ / "out/a.stl", 3);
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, KnowsAnInputByItsContentWhereTheTimeDiffers) {
+  settleOne(converted("a.stp", {"a.stl"}));
+  const timespec older[] = {{946684800, 0}, {946684800, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, (dir_ / "in/a.stp").c_str(), older, 0), 0);
+  auto record = findFile(*state_, dir_ / "in/a.stp");
+  bool isTouched = false;
+  EXPECT_TRUE(isUpToDate(context_, record->path, *record, isTouched));
+  EXPECT_TRUE(isTouched);
+  EXPECT_EQ(record->mtime, 946684800000000000);
+  test::writeFile(dir_ / "in/a.stp", "other");
+  ASSERT_EQ(utimensat(AT_FDCWD, (dir_ / "in/a.stp").c_str(), older, 0), 0);
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, TrustsNoTimeThatIsYoungOrInTheFuture) {
+  Finished finished = converted("a.stp", {"a.stl"});
+  for (const std::int64_t seconds : {std::time(nullptr), std::time(nullptr) + 1000000}) {
+    const timespec times[] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, finished.input.c_str(), times, 0), 0);
+    int error = 0;
+    finished.result.mtime = identityOf(finished.input, error)->mtime;
+    test::writeFile(finished.folder + "/out/a.stl", "1234");
+    settleOne(finished);
+    EXPECT_TRUE(isUpToDateNow("a.stp"));
+    test::writeFile(finished.input, "INPUT");
+    ASSERT_EQ(utimensat(AT_FDCWD, finished.input.c_str(), times, 0), 0);
+    EXPECT_FALSE(isUpToDateNow("a.stp"));
+    test::writeFile(finished.input, "input");
+  }
+}
+
+TEST_F(LedgerTest, PrunesWhatVanishedInputsMade) {
+  settleOne(converted("a.stp", {"a.stl"}));
+  settleOne(converted("b.stp", {"b.stl"}));
+  fs::remove(dir_ / "in/a.stp");
+  EXPECT_EQ(prune(*state_, context_.places), 1);
+  EXPECT_THAT(outputs(), ElementsAre("b.stl"));
+  EXPECT_FALSE(findFile(*state_, dir_ / "in/a.stp").has_value());
+  EXPECT_EQ(prune(*state_, context_.places), 0);
+}
+
+TEST(NameBelow, IsThePathBelowTheBase) {
+  EXPECT_EQ(nameBelow("/in/", "/in/sub/a.stp"), "sub/a.stp");
+  EXPECT_EQ(nameBelow("/in/", "/other/a.stp"), "/other/a.stp");
+}
+
+}  // namespace
+}  // namespace plenvorith
