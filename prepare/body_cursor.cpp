@@ -1,6 +1,7 @@
 #include "prepare/body_cursor.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace plenvorith {
 
@@ -21,7 +22,32 @@ std::string BodyCursor::takeKeyword() {
   return keyword;
 }
 
+/// Goes over a list of lists of numbers, as normals are, which only "))" can end.
+void BodyCursor::skipNumberLists() {
+  if (peek() != '(' || end_ - p_ < 3 || p_[1] != '(' || p_[2] == '(') {
+    return;
+  }
+  p_ += 2;
+  while (end_ - p_ > 1) {
+    const void* const found = std::memchr(p_, ')', static_cast<std::size_t>(end_ - p_ - 1));
+    if (found == nullptr) {
+      p_ = end_ - 1;
+      (void)peek();
+      continue;
+    }
+    p_ = static_cast<const char*>(found) + 1;
+    if (*p_ == ')') {
+      ++p_;
+      return;
+    }
+    if (end_ - p_ < kLookahead) {
+      (void)peek();
+    }
+  }
+}
+
 void BodyCursor::skipParameter() {
+  skipNumberLists();
   std::size_t depth = 0;
   for (char c = peek(); p_ != end_; c = peek()) {
     if (c == '\'' || c == '"') {

@@ -63,6 +63,7 @@ class BodyCursor {
     begin_ = p_;
   }
   void refill();
+  void skipNumberLists();
 
   StatementReader& reader_;
   const char* begin_ = nullptr;

@@ -2,8 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstring>
-#include <string>
 
 #include "common/number.h"
 #include "prepare/body_cursor.h"
@@ -11,46 +9,70 @@
 namespace plenvorith {
 namespace {
 
-/// A point, and its text from the first number to the last.
-struct Point {
-  std::array<double, 3> numbers = {};
-  const char* begin = nullptr;
-  const char* end = nullptr;
-};
-
-/// Reads "x,y,z)" behind the parenthesis; the text stays in place until the cursor is asked again.
-bool readPoint(BodyCursor& cursor, Point& point) {
-  (void)cursor.peek();
-  const char* p = cursor.position();
-  const char* const last = cursor.end();
-  point.begin = p;
-  for (std::size_t i = 0; i < 3; ++i) {
-    const NumberResult result = readNumber(p, last, point.numbers[i]);
-    const char after = i < 2 ? ',' : ')';
-    if (result.error != NumberError::None || result.end == last || *result.end != after) {
-      return false;
-    }
-    p = result.end + 1;
+/// Reads "(x,y,z)" at `p`. Gives the place behind it, or null where something else stands.
+const char* readPoint(const char* p, const char* end, std::array<double, 3>& numbers) {
+  if (p == end || *p != '(') {
+    return nullptr;
   }
-  point.end = p - 1;
-  cursor.moveTo(p);
-  return true;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const NumberResult result = readNumber(p + 1, end, numbers[i]);
+    if (result.error != NumberError::None || result.end == end ||
+        *result.end != (i < 2 ? ',' : ')')) {
+      return nullptr;
+    }
+    p = result.end;
+  }
+  return p + 1;
 }
 
-bool writePlaced(const Point& point, const Placement& placement, OutputFile& output) {
+bool writePlaced(const std::array<double, 3>& point, const Placement& placement,
+                 OutputFile& output) {
   constexpr std::size_t kLongest = 100;
   char* const start = output.room(kLongest);
   char* to = start;
+  *to++ = '(';
   for (const auto& row : placement.m) {
-    const double value =
-        row[0] * point.numbers[0] + row[1] * point.numbers[1] + row[2] * point.numbers[2] + row[3];
+    const double value = row[0] * point[0] + row[1] * point[1] + row[2] * point[2] + row[3];
     if (!std::isfinite(value)) {
       return false;
     }
     to = writeReal(to, value);
     *to++ = ',';
   }
-  output.used(static_cast<std::size_t>(to - start) - 1);
+  to[-1] = ')';
+  output.used(static_cast<std::size_t>(to - start));
+  return true;
+}
+
+/// Writes the points that are whole in what the cursor can look at, one at least. False if there is
+/// none or one cannot be placed.
+bool writePoints(BodyCursor& cursor, const Placement* placement, OutputFile& output) {
+  (void)cursor.peek();
+  const char* const begin = cursor.position();
+  const char* const last = cursor.end();
+  const char* p = begin;
+  const char* written = begin;  // end of the points that were written, or can be copied
+  do {
+    std::array<double, 3> numbers = {};
+    const char* const next = readPoint(p, last, numbers);
+    if (next == nullptr) {
+      return false;
+    }
+    if (placement != nullptr) {
+      if (p != begin) {
+        output.put(',');
+      }
+      if (!writePlaced(numbers, *placement, output)) {
+        return false;
+      }
+    }
+    written = next;
+    p = next + 1;
+  } while (last - p > BodyCursor::kLookahead && written[0] == ',');
+  if (placement == nullptr) {
+    output.put({begin, static_cast<std::size_t>(written - begin)});
+  }
+  cursor.moveTo(written);
   return true;
 }
 
@@ -71,24 +93,14 @@ bool writeCoordinates(StatementReader& reader, std::uint64_t name, std::uint64_t
     isRead = cursor.take(',');
   }
   isRead = isRead && cursor.take('(');
-  bool isFirst = true;
-  while (isRead && !(isFirst && cursor.take(')'))) {
-    Point point;
-    if (!cursor.take('(') || !readPoint(cursor, point)) {
-      return false;
-    }
-    output.put(isFirst ? "(" : ",(");
-    isFirst = false;
-    if (placement == nullptr) {
-      output.put({point.begin, static_cast<std::size_t>(point.end - point.begin)});
-    } else if (!writePlaced(point, *placement, output)) {
-      return false;
-    }
-    output.put(')');
-    if (!cursor.take(',')) {
-      isRead = cursor.take(')');
-      break;
-    }
+  if (isRead && !cursor.take(')')) {
+    do {
+      isRead = writePoints(cursor, placement, output);
+      if (isRead && cursor.peek() == ',') {
+        output.put(',');
+      }
+    } while (isRead && cursor.take(','));
+    isRead = isRead && cursor.take(')');
   }
   output.put("));\n");
   return isRead;

@@ -1,5 +1,6 @@
 #include "prepare/expand_face.h"
 
+#include <array>
 #include <charconv>
 #include <string_view>
 
@@ -12,12 +13,14 @@ namespace {
 
 using Index = std::int64_t;
 
+/// More digits are not read at once, so that no index overflows.
+constexpr std::ptrdiff_t kMaxDigits = 18;
+
 /// Reads one index. False if there is no number.
 bool readIndex(BodyCursor& cursor, Index& index) {
   (void)cursor.peek();
   const char* p = cursor.position();
   const char* const end = cursor.end();
-  constexpr std::ptrdiff_t kMaxDigits = 18;
   Index value = 0;
   while (p != end && isDigit(*p)) {
     value = value * 10 + (*p - '0');
@@ -59,9 +62,21 @@ bool readIndices(BodyCursor& cursor, Each each) {
   return cursor.take(')');
 }
 
-/// Calls `begin` at each of the lists in a list, and `each` with their indices.
-template <typename Begin, typename Each>
-bool readLists(BodyCursor& cursor, Begin begin, Each each) {
+/// Reads digits up to `after`. Gives the place behind that, or null where something else stands.
+inline const char* readPlainIndex(const char* p, char after, std::uint64_t& index) {
+  std::uint64_t value = 0;
+  const char* const start = p;
+  for (; isDigit(*p) && p - start < kMaxDigits; ++p) {
+    value = value * 10 + static_cast<std::uint64_t>(*p - '0');
+  }
+  index = value;
+  return *p == after && p != start ? p + 1 : nullptr;
+}
+
+/// Goes over the lists in a list. At each of them, `copy` may take some; of one that it leaves,
+/// calls `each` with the indices and then `finish`.
+template <typename Copy, typename Each, typename Finish>
+bool readLists(BodyCursor& cursor, Copy copy, Each each, Finish finish) {
   if (!cursor.take('(')) {
     return cursor.take('$');
   }
@@ -69,10 +84,13 @@ bool readLists(BodyCursor& cursor, Begin begin, Each each) {
     return true;
   }
   do {
-    begin();
+    if (copy()) {
+      continue;
+    }
     if (!readIndices(cursor, each)) {
       return false;
     }
+    finish();
   } while (cursor.take(','));
   return cursor.take(')');
 }
@@ -103,6 +121,7 @@ class Expander {
     }
   }
   void add(Index a, Index b, Index c);
+  bool copyTriples(BodyCursor& cursor);
   bool map(Index& index) const;
 
   std::vector<std::uint32_t> mapping_;  // 0: outside the coordinates list
@@ -118,6 +137,52 @@ bool Expander::map(Index& index) const {
     index = isMapped ? mapping_[static_cast<std::size_t>(index - 1)] : 0;
   }
   return index >= 1 && index <= pointCount_;
+}
+
+/// Copies what is next of a list of triples as it is, where their indices need no change; false if
+/// the first of them is something else. Most of what real files hold is this.
+bool Expander::copyTriples(BodyCursor& cursor) {
+  if (!mapping_.empty() || isMirrored_) {
+    return false;
+  }
+  constexpr std::ptrdiff_t kLongest = 3 * (kMaxDigits + 1) + 2;
+  (void)cursor.peek();
+  const char* const begin = cursor.position();
+  const char* end = begin;
+  const auto count = static_cast<std::uint64_t>(pointCount_);
+  const char* p = begin;
+  std::uint64_t copied = 0;
+  while (cursor.end() - p > kLongest && *p == '(') {
+    std::array<std::uint64_t, 3> index = {};
+    const char* next = p + 1;
+    for (std::size_t i = 0; i < 3 && next != nullptr; ++i) {
+      next = readPlainIndex(next, i < 2 ? ',' : ')', index[i]);
+    }
+    const auto isInside = [count](std::uint64_t i) { return i - 1 < count; };
+    const bool isJoint = index[0] == index[1] || index[1] == index[2] || index[0] == index[2];
+    if (next == nullptr || isJoint || !isInside(index[0]) || !isInside(index[1]) ||
+        !isInside(index[2])) {
+      break;
+    }
+    ++copied;
+    end = next;
+    if (next[0] != ',') {
+      break;
+    }
+    p = next + 1;
+  }
+  if (copied == 0) {
+    return false;
+  }
+  if (output_ != nullptr) {
+    if (result.triangles > 0) {
+      output_->put(',');
+    }
+    output_->put({begin, static_cast<std::size_t>(end - begin)});
+  }
+  result.triangles += copied;
+  cursor.moveTo(end);
+  return true;
 }
 
 void Expander::add(Index a, Index b, Index c) {
@@ -149,53 +214,41 @@ void Expander::add(Index a, Index b, Index c) {
 }
 
 bool Expander::readTriangles(BodyCursor& cursor) {
-  Index corners[3] = {};
-  std::size_t count = 3;
-  const auto finish = [this, &corners, &count] {
-    if (count == 3) {
-      add(corners[0], corners[1], corners[2]);
-    } else {
-      ++result.skipped;
-    }
-    count = 0;
-  };
-  bool isFirst = true;
-  const bool isRead = readLists(
-      cursor,
-      [&isFirst, &finish, &count] {
-        if (!isFirst) {
-          finish();
-        }
-        isFirst = false;
-        count = 0;
-      },
+  std::array<Index, 3> corners = {};
+  std::size_t count = 0;
+  return readLists(
+      cursor, [this, &cursor] { return copyTriples(cursor); },
       [&corners, &count](Index index) {
         if (count < 3) {
           corners[count] = index;
         }
         ++count;
+      },
+      [this, &corners, &count] {
+        if (count == 3) {
+          add(corners[0], corners[1], corners[2]);
+        } else {
+          ++result.skipped;
+        }
+        count = 0;
       });
-  if (isRead && !isFirst) {
-    finish();
-  }
-  return isRead;
 }
 
 bool Expander::readStrips(BodyCursor& cursor) {
-  Index before[2] = {};
+  std::array<Index, 2> before = {};
   std::size_t count = 0;
   return readLists(
-      cursor, [&count] { count = 0; },
+      cursor, [this, &cursor] { return copyTriples(cursor); },
       [this, &before, &count](Index index) {
         if (count >= 2 && count % 2 == 0) {
           addJoined(before[0], before[1], index);
         } else if (count >= 2) {
           addJoined(before[0], index, before[1]);
         }
-        before[0] = before[1];
-        before[1] = index;
+        before = {before[1], index};
         ++count;
-      });
+      },
+      [&count] { count = 0; });
 }
 
 bool Expander::readFans(BodyCursor& cursor) {
@@ -203,7 +256,7 @@ bool Expander::readFans(BodyCursor& cursor) {
   Index before = 0;
   std::size_t count = 0;
   return readLists(
-      cursor, [&count] { count = 0; },
+      cursor, [this, &cursor] { return copyTriples(cursor); },
       [this, &first, &before, &count](Index index) {
         if (count >= 2) {
           addJoined(first, before, index);
@@ -211,7 +264,8 @@ bool Expander::readFans(BodyCursor& cursor) {
         first = count == 0 ? index : first;
         before = index;
         ++count;
-      });
+      },
+      [&count] { count = 0; });
 }
 
 bool isFaceKeyword(std::string_view keyword) {

@@ -4,26 +4,61 @@
 #include <numeric>
 #include <string_view>
 
+#include "common/ascii.h"
+#include "prepare/body_cursor.h"
+
 namespace plenvorith {
 namespace {
 
 /// How much of a body is looked at for its keyword.
 constexpr std::size_t kLongestKeyword = 256;
 
+/// Goes over a string at the start of a text.
+std::size_t stringLength(std::string_view text) {
+  std::size_t end = 0;
+  while (end < text.size() && text[end] == '\'') {
+    end = std::min(text.find('\'', end + 1), text.size() - 1) + 1;
+  }
+  return end;
+}
+
 /// Counts the points of the coordinates list that the reader stands at.
 std::uint64_t countPoints(StatementReader& reader) {
-  std::uint64_t groups = 0;
-  std::string_view text = reader.peek();
-  bool isInString = false;
-  while (!text.empty()) {
-    for (const char c : text) {
-      isInString = isInString != (c == '\'');
-      groups += c == '(' && !isInString ? 1 : 0;
+  const std::string_view text = reader.peek(kLongestKeyword);
+  const std::size_t name = std::min(text.find('('), text.size() - 1) + 1;
+  reader.consume(name + stringLength(text.substr(name)));
+  const std::uint64_t opened = reader.countOpened();
+  return opened == 0 ? 0 : opened - 1;  // less the list itself
+}
+
+/// What a face names, as the start of an instance that names no more: its lists of normals and
+/// indices are most of a file.
+std::string linksOf(StatementReader& reader) {
+  BodyCursor cursor(reader);
+  std::string links = cursor.takeKeyword();
+  const bool hasLink = links.ends_with("FACE");
+  (void)cursor.take('(');
+  cursor.skipParameter();  // name
+  links += "('',";
+  const auto copyReference = [&cursor, &links] {
+    (void)cursor.take(',');
+    const std::size_t size = links.size();
+    while (cursor.peek() == '#' || isDigit(cursor.peek())) {
+      links += cursor.peek();
+      (void)cursor.take(cursor.peek());
     }
-    reader.consume(text.size());
-    text = reader.peek();
+    links += links.size() == size ? "$" : "";
+    cursor.skipParameter();
+  };
+  copyReference();  // coordinates
+  if (hasLink) {
+    links += ",0,(),";
+    for (int i = 0; i < 2 && cursor.take(','); ++i) {  // pnmax, normals
+      cursor.skipParameter();
+    }
+    copyReference();
   }
-  return groups < 2 ? 0 : groups - 2;  // less the parameters and the outer list
+  return links + ")";
 }
 
 }  // namespace
@@ -61,38 +96,43 @@ bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
   if (!isComplex || isBounded) {
     type = types_.idOf(isBounded ? "BOUNDED_SURFACE" : keyword, isBounded);
   }
+  if (isComplex && !isBounded) {
+    store(index, reader, scanner, false);
+    type = types_.idOf(scanner.keywords(), true);
+  }
   if (type == EntityTypes::kMaxCount) {
     error_ = "too many types of entities";
     return false;
   }
-  if (isComplex && !isBounded) {
-    const std::size_t place = store_.size();
-    scanner.start(store_);
-    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
-      scanner.scan(text);
-      reader.consume(text.size());
-    }
-    scanner.finish();
-    type = types_.idOf(scanner.keywords(), true);
-    stored_.push_back({index, static_cast<std::uint32_t>(place),
-                       static_cast<std::uint32_t>(std::uint64_t{place} >> 32U)});
+  if (isComplex) {
+    // Its references are stored.
   } else if (types_[type].has(kCoordinates)) {
-    pointCounts_.emplace_hint(pointCounts_.end(), index, countPoints(reader));
+    pointCounts_.emplace_back(index, countPoints(reader));
   } else if (!types_[type].has(kGeometryOnly)) {
-    const std::size_t place = store_.size();
-    scanner.start(store_);
-    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
-      scanner.scan(text);
-      reader.consume(text.size());
-    }
-    scanner.finish();
-    stored_.push_back({index, static_cast<std::uint32_t>(place),
-                       static_cast<std::uint32_t>(std::uint64_t{place} >> 32U)});
+    store(index, reader, scanner, types_[type].has(kFace));
   }
   const std::uint64_t number = reader.number();
   largestNumber_ = std::max(largestNumber_, number);
   instances_.push_back({number << 1U, offset << 16U | type});
   return true;
+}
+
+/// Stores the references of the instance that the reader stands at.
+void InstanceTable::store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner,
+                          bool isFace) {
+  const std::uint64_t place = store_.size();
+  scanner.start(store_);
+  if (isFace) {
+    scanner.scan(linksOf(reader));
+  } else {
+    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
+      scanner.scan(text);
+      reader.consume(text.size());
+    }
+  }
+  scanner.finish();
+  stored_.push_back({index, static_cast<std::uint32_t>(place & 0xFFFFFFFFU),
+                     static_cast<std::uint32_t>(place >> 32U)});
 }
 
 /// Finds the instances that later ones replace, and makes numbers searchable.
@@ -134,8 +174,10 @@ InstanceIndex InstanceTable::find(std::uint64_t wanted) const {
 }
 
 std::uint64_t InstanceTable::pointCount(InstanceIndex coordinates) const {
-  const auto found = pointCounts_.find(coordinates);
-  return found == pointCounts_.end() ? 0 : found->second;
+  const auto found = std::lower_bound(
+      pointCounts_.begin(), pointCounts_.end(), coordinates,
+      [](const auto& counted, InstanceIndex index) { return counted.first < index; });
+  return found == pointCounts_.end() || found->first != coordinates ? 0 : found->second;
 }
 
 std::size_t InstanceTable::referencesOf(InstanceIndex index) const {

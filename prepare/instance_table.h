@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <deque>
 #include <limits>
-#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "prepare/entity_types.h"
@@ -95,6 +95,7 @@ class InstanceTable {
   };
 
   bool add(StatementReader& reader, ReferenceScanner& scanner);
+  void store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner, bool isFace);
   void sortNumbers();
   std::size_t referencesOf(InstanceIndex index) const;
 
@@ -102,7 +103,7 @@ class InstanceTable {
   std::deque<Instance> instances_;
   std::deque<Stored> stored_;  // those with references, in the order of the file
   ReferenceStore store_;
-  std::map<InstanceIndex, std::uint64_t> pointCounts_;
+  std::deque<std::pair<InstanceIndex, std::uint64_t>> pointCounts_;  // in the order of the file
   std::vector<InstanceIndex> byNumber_;  // empty if the numbers ascend in the file
   std::size_t replacedCount_ = 0;
   std::uint64_t largestNumber_ = 0;

@@ -12,6 +12,9 @@ namespace {
 /// More than the longest string and anything that is asked for at once.
 constexpr std::size_t kWindowSize = std::size_t{1} << 17;
 
+/// At least as much is written at once, if the body has it.
+constexpr std::size_t kWorthwhile = std::size_t{1} << 13;
+
 /// Larger numbers of instances are in no file, and leave no room for new ones above them.
 constexpr std::uint64_t kLargestNumber = 99'999'999'999'999'999;
 
@@ -32,19 +35,22 @@ constexpr bool isSpecial(const char* p) {
   return isBlank(c) || c == '\'' || c == '"' || c == '/' || c == ';' || (c == '#' && p[1] == '0');
 }
 
-/// The first byte that is special; `end` or the byte before it if none is. Looks at 32 bytes at
-/// once, for which the compiler uses wide instructions.
+/// 1 if they are equal, of a type with which the compiler makes wide instructions of a loop.
+constexpr unsigned char is(char c, char wanted) {
+  return static_cast<unsigned char>(c == wanted ? 1 : 0);
+}
+
+/// The first byte that is special; `end` or the byte before it if none is.
 const char* findSpecial(const char* p, const char* end) {
-  constexpr std::ptrdiff_t kChunk = 32;
+  constexpr std::ptrdiff_t kChunk = 64;
   while (end - p > kChunk) {
-    unsigned found = 0;
+    unsigned char found = 0;
     for (std::ptrdiff_t i = 0; i < kChunk; ++i) {
-      const auto c = static_cast<unsigned char>(p[i]);
-      const auto after = static_cast<unsigned char>(p[i + 1]);
-      found |= static_cast<unsigned>(c <= ' ') | static_cast<unsigned>(c == '\'') |
-               static_cast<unsigned>(c == '"') | static_cast<unsigned>(c == '/') |
-               static_cast<unsigned>(c == ';') |
-               (static_cast<unsigned>(c == '#') & static_cast<unsigned>(after == '0'));
+      const char c = p[i];
+      const auto blank = static_cast<unsigned char>(isBlank(c) ? 1 : 0);
+      const auto zero = static_cast<unsigned char>(is(c, '#') & is(p[i + 1], '0'));
+      found = static_cast<unsigned char>(found | blank | is(c, '\'') | is(c, '"') | is(c, '/') |
+                                         is(c, ';') | zero);
     }
     if (found != 0) {
       break;
@@ -57,23 +63,31 @@ const char* findSpecial(const char* p, const char* end) {
   return p;
 }
 
-/// The first byte at which a string, a binary, a comment or the end of a statement may start.
-const char* findMark(const char* p, const char* end) {
-  constexpr std::ptrdiff_t kChunk = 64;
+constexpr bool isMark(char c) {
+  return c == '\'' || c == '"' || c == '/' || c == ';';
+}
+
+/// The first byte at which a string, a binary, a comment or the end of a statement may start. Adds
+/// the number of parentheses that open before it.
+const char* findMark(const char* p, const char* end, std::uint64_t& opened) {
+  constexpr std::ptrdiff_t kChunk = 128;
   while (end - p >= kChunk) {
-    unsigned found = 0;
+    unsigned char found = 0;
+    unsigned char inChunk = 0;
     for (std::ptrdiff_t i = 0; i < kChunk; ++i) {
       const char c = p[i];
-      found |= static_cast<unsigned>(c == '\'') | static_cast<unsigned>(c == '"') |
-               static_cast<unsigned>(c == '/') | static_cast<unsigned>(c == ';');
+      found =
+          static_cast<unsigned char>(found | is(c, '\'') | is(c, '"') | is(c, '/') | is(c, ';'));
+      inChunk = static_cast<unsigned char>(inChunk + is(c, '('));
     }
     if (found != 0) {
       break;
     }
+    opened += inChunk;
     p += kChunk;
   }
-  while (p != end && *p != '\'' && *p != '"' && *p != '/' && *p != ';') {
-    ++p;
+  for (; p != end && !isMark(*p); ++p) {
+    opened += is(*p, '(');
   }
   return p;
 }
@@ -171,11 +185,12 @@ void StatementReader::skipRawComment() {
 /// Goes behind "ISO-10303-21;", which has to be there.
 bool StatementReader::findStart() {
   bool isEndMark = false;  // "END-" stands before what is looked at
-  while (ensureRaw(kStart.size())) {
+  while (ensureRaw(kStart.size() + 1)) {
     const std::string_view rest(raw_.data() + rawBegin_, raw_.size() - rawBegin_);
     const std::size_t found = rest.find(kStart);
     if (found == std::string_view::npos) {
-      rawBegin_ = raw_.size() - (kStart.size() - 1);
+      // What is kept may be the byte before the word and all of it but one.
+      rawBegin_ = raw_.size() - kStart.size();
       continue;
     }
     isEndMark = found > 0 && rest[found - 1] == '-';
@@ -225,7 +240,7 @@ void StatementReader::readWord() {
 
 Statement StatementReader::next() {
   if (!bodyEnds_) {
-    skipBody();
+    (void)skipBody();
   }
   if (!isStarted_) {
     isStarted_ = true;
@@ -249,7 +264,7 @@ Statement StatementReader::next() {
         return startInstance();
       } else if (!isEnded_) {
         startBody();
-        skipBody();
+        (void)skipBody();
       }
     } else {
       readWord();
@@ -275,7 +290,7 @@ Statement StatementReader::next() {
       } else if (section_ == Section::Header && !word_.empty()) {
         return Statement::HeaderEntity;
       }
-      skipBody();
+      (void)skipBody();
     }
   }
   return Statement::End;
@@ -325,6 +340,14 @@ void StatementReader::seekBody(std::uint64_t offset) {
   startBody();
 }
 
+std::uint64_t StatementReader::countOpened() {
+  const auto visible = static_cast<std::uint64_t>(
+      std::count(window_.begin() + static_cast<std::ptrdiff_t>(begin_),
+                 window_.begin() + static_cast<std::ptrdiff_t>(visible_), '('));
+  begin_ = visible_;
+  return bodyEnds_ ? visible : visible + skipBody();
+}
+
 void StatementReader::startBody() {
   begin_ = 0;
   visible_ = 0;
@@ -333,15 +356,17 @@ void StatementReader::startBody() {
   bodyEnds_ = false;
 }
 
-/// Goes over the rest of the body without writing it.
-void StatementReader::skipBody() {
+/// Goes over the rest of the body without writing it. Gives the number of parentheses that open in
+/// it.
+std::uint64_t StatementReader::skipBody() {
+  std::uint64_t opened = 0;
   if (state_ == State::Apostrophe || state_ == State::Reference) {
     state_ = State::Text;
   }
   while (!bodyEnds_) {
     if (rawBegin_ == raw_.size() && !readBlock()) {
       failUnended();
-      return;
+      break;
     }
     const char* const first = raw_.data() + rawBegin_;
     const char* const end = raw_.data() + raw_.size();
@@ -368,7 +393,7 @@ void StatementReader::skipBody() {
         p += *p == '*' ? 1 : 0;
         break;
       default:
-        p = findMark(p, end);
+        p = findMark(p, end, opened);
         if (p != end) {
           bodyEnds_ = *p == ';';
           state_ = *p == '\''  ? State::String
@@ -380,6 +405,7 @@ void StatementReader::skipBody() {
     }
     rawBegin_ += static_cast<std::size_t>(p - first);
   }
+  return opened;
 }
 
 /// Writes more of the body, until `size` bytes can be handed out or the body ends.
@@ -396,7 +422,7 @@ void StatementReader::fill(std::size_t size) {
     if (window_.size() - end_ < 2) {
       makeRoom(size);
     }
-    normalise();
+    normalise(std::max(size, kWorthwhile));
   }
 }
 
@@ -407,19 +433,20 @@ void StatementReader::makeRoom(std::size_t size) {
   visible_ -= begin_;
   stringStart_ -= std::min(stringStart_, begin_);
   begin_ = 0;
-  const std::size_t needed = std::max(size, end_ + 2 * kLongestString);
+  const std::size_t needed = std::max(size, end_) + 2 * kLongestString;
   if (needed > window_.size()) {
     window_.resize(2 * needed);
   }
 }
 
-/// Writes from the block until either the block or the room ends, or the body.
-void StatementReader::normalise() {
+/// Writes from the block until it ends, or the room, or the body, or `size` bytes can be handed
+/// out.
+void StatementReader::normalise(std::size_t size) {
   const char* p = raw_.data() + rawBegin_;
   const char* const rawEnd = raw_.data() + raw_.size();
-  while (p != rawEnd && !bodyEnds_ && window_.size() - end_ >= 2) {
-    const auto room = static_cast<std::ptrdiff_t>(window_.size() - end_ - 1);
-    const char* const end = p + std::min(rawEnd - p, room);
+  while (p != rawEnd && !bodyEnds_ && window_.size() - end_ >= 2 && visible_ - begin_ < size) {
+    const std::size_t room = std::min(window_.size() - end_ - 1, size);
+    const char* const end = p + std::min(rawEnd - p, static_cast<std::ptrdiff_t>(room));
     const char* run = p;
     if (state_ == State::Text) {
       run = findSpecial(p, end);
@@ -429,13 +456,13 @@ void StatementReader::normalise() {
         ++run;
       }
     }
-    const auto size = static_cast<std::size_t>(run - p);
+    const auto runSize = static_cast<std::size_t>(run - p);
     if (state_ == State::String) {
-      stringSize_ += size;
+      stringSize_ += runSize;
     }
     if (state_ != State::String || stringSize_ <= kLongestString + 1) {
-      std::memcpy(window_.data() + end_, p, size);
-      end_ += size;
+      std::memcpy(window_.data() + end_, p, runSize);
+      end_ += runSize;
     } else {
       end_ = stringStart_;
     }
