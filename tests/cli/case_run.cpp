@@ -269,7 +269,7 @@ fs::path commonTexts(const CaseSetting& setting) {
 
 std::string missingProgram(const Case& testCase, const CaseSetting& setting) {
   for (const CaseRun& run : testCase.runs) {
-    const std::string name = commandOf(run.command).program;
+    std::string name = commandOf(run.command).program;
     const auto program = setting.programs.find(name);
     if (program != setting.programs.end() && program->second.empty()) {
       return name;
