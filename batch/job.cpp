@@ -55,11 +55,18 @@ void get(const Json& object, const char* name, bool& value) {
   }
 }
 
-template <typename Number>
-void get(const Json& object, const char* name, Number& value) {
+void get(const Json& object, const char* name, double& value) {
   const auto found = object.find(name);
   if (found != object.end() && found->is_number()) {
-    value = found->get<Number>();
+    value = found->get<double>();
+  }
+}
+
+void get(const Json& object, const char* name, std::int64_t& value) {
+  const auto found = object.find(name);
+  // Not a fraction or 1e300, which no integer can hold.
+  if (found != object.end() && found->is_number_integer()) {
+    value = found->get<std::int64_t>();
   }
 }
 

@@ -107,6 +107,14 @@ TEST(ResultLine, KeepsWhatIsMissingMissing) {
   EXPECT_THAT(back->outputs, testing::IsEmpty());
 }
 
+TEST(ResultLine, LeavesOutNumbersThatAreNoIntegersWhereOneHasToBe) {
+  const auto back = resultFrom(R"({"id":1e300,"converted":true,"size":0.5,"seconds":1e300})");
+  ASSERT_TRUE(back.has_value());
+  EXPECT_EQ(back->id, 0);
+  EXPECT_EQ(back->size, 0);
+  EXPECT_EQ(back->seconds, 1e300);
+}
+
 TEST(Lines, RejectsOtherTexts) {
   for (const char* line : {"", "{", "[]", "1", "{}", "{\"ids\":1}", "motd: welcome", "\xff"}) {
     EXPECT_FALSE(jobFrom(line).has_value()) << line;
