@@ -147,8 +147,10 @@ void skipParenthesisedGroup(StepCursor& cursor) {
 std::vector<Point3> parsePointList(StepCursor& cursor) {
   std::vector<Point3> points;
   consumeIf(cursor, '(');
-  parseTriples(cursor, points, shorttriple::readPoint,
-               [](const Point3& numbers) { return numbers; });
+  const auto readShort = [](const char* first, const char* last, Point3& point) {
+    return shorttriple::readPoint(first, last, point);
+  };
+  parseTriples(cursor, points, readShort, [](const Point3& numbers) { return numbers; });
   return points;
 }
 
@@ -159,7 +161,10 @@ std::vector<IndexTriple> parseIndexTriples(StepCursor& cursor) {
   }
   ++cursor.pos;
   // An empty list ends at its ")" like any other.
-  parseTriples(cursor, triples, shorttriple::readIndices<IndexTriple>, [](const Point3& numbers) {
+  const auto readShort = [](const char* first, const char* last, IndexTriple& triple) {
+    return shorttriple::readIndices(first, last, triple);
+  };
+  parseTriples(cursor, triples, readShort, [](const Point3& numbers) {
     return IndexTriple{truncateToInt32(numbers.x), truncateToInt32(numbers.y),
                        truncateToInt32(numbers.z)};
   });
