@@ -86,8 +86,12 @@ class BodyFinder {
       item.repositioning.push_back(location);
     }
     if (table_.has(index, kGeometricSet)) {
-      // A set that holds itself, or is held in too many ways, is looked into once only.
-      if (sets_.insert(index).second) {
+      // A set is looked into once for each place where it stands. The limits are for sets that hold
+      // themselves, or are held in more ways than there can be.
+      constexpr std::size_t kMaxDepth = 16;
+      constexpr std::size_t kMaxSets = 100'000;
+      if (item.repositioning.size() <= kMaxDepth && sets_.size() < kMaxSets &&
+          sets_.insert(item).second) {
         open_.push_back(std::move(item));
       }
     } else if (table_.has(index, kFace | kCurvedFace | kBody)) {
@@ -97,7 +101,7 @@ class BodyFinder {
 
   const InstanceTable& table_;
   const std::set<InstanceIndex>& annotated_;
-  std::set<InstanceIndex> sets_;
+  std::set<Item> sets_;
   std::vector<Item> open_;
 };
 
