@@ -10,8 +10,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > fuzz::kMaxInput) {
     return 0;
   }
-  const EntityTable table = test::referenceEntityTable(fuzz::textOf(data, size));
-  const TessellationAnalysis actual = analyzeTessellation(table);
+  const test::EntityTexts table = test::referenceEntityTable(fuzz::textOf(data, size));
+  const TessellationAnalysis actual = analyzeTessellation(test::tableWith(table));
   const TessellationAnalysis expected = test::referenceAnalysis(table);
   fuzz::require(actual.status == expected.status, "status");
   fuzz::require(actual.pairedReps == expected.pairedReps, "paired representations");

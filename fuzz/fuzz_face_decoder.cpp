@@ -12,19 +12,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > fuzz::kMaxInput) {
     return 0;
   }
-  const EntityTable table = test::referenceEntityTable(fuzz::textOf(data, size));
+  const test::EntityTexts entities = test::referenceEntityTable(fuzz::textOf(data, size));
+  const EntityTable table = test::tableWith(entities);
   fuzz::require(test::outcomeOf([&] { return decodeAllTriangulatedFaces(table); }) ==
-                    test::outcomeOf([&] { return test::referenceDecodeAll(table); }),
+                    test::outcomeOf([&] { return test::referenceDecodeAll(entities); }),
                 "all faces");
   // Names with an odd last digit, whatever they name, and one that names nothing.
   InstanceNames names = {"#"};
   for (const auto& [name, text] : table) {
     if ((name.back() - '0') % 2 == 1) {
-      names.insert(name);
+      names.emplace(name);
     }
   }
   fuzz::require(test::outcomeOf([&] { return decodeTriangulatedFaces(table, names); }) ==
-                    test::outcomeOf([&] { return test::referenceDecode(table, names); }),
+                    test::outcomeOf([&] { return test::referenceDecode(entities, names); }),
                 "named faces");
   return 0;
 }

@@ -1,77 +1,62 @@
 #include "steptext/entity_table.h"
 
-#include <cstddef>
 #include <iterator>
-#include <string_view>
 
 #include "common/block_reader.h"
 #include "steptext/entity_start.h"
 #include "steptext/line_reader.h"
 
 namespace plenvorith {
-namespace {
 
-/// Makes room for an entity and returns its place. The best hint for it is behind that of the one
-/// before: most files number their entities upwards, and the place of a number is then right there.
-EntityTable::iterator addEntity(EntityTable& table, EntityTable::iterator previous,
-                                std::string_view name) {
-  const auto hint = previous == table.end() ? previous : std::next(previous);
-  // Unlike operator[], this looks for the place only once.
-  const auto entity = table.emplace_hint(hint, name, std::string());
-  entity->second.clear();  // the last one of a name stays
-  return entity;
+void EntityTable::addText(std::size_t nameLength) {
+  const std::string_view entity = texts_.text();
+  const std::string_view name = entity.substr(0, nameLength);
+  // The best hint is behind the entity added before: most files number their entities upwards, and
+  // the place of a number is then right there.
+  const auto hint = entities_.empty() ? entities_.end() : std::next(last_);
+  last_ = entities_.insert_or_assign(hint, name, entity.substr(nameLength + 1));
 }
-
-/// Gives back what a text has to spare after it grew, unless that is so much that the system has
-/// not backed it with memory yet.
-void trim(std::string& text) {
-  constexpr std::size_t kLarge = std::size_t{1} << 20;
-  if (text.size() < kLarge && text.capacity() - text.size() > text.size() / 8) {
-    text.shrink_to_fit();
-  }
-}
-
-}  // namespace
 
 void readEntityTable(EntityTable& table, const std::string& path) {
   BlockReader file(path);
   LineReader lines(file);
-  auto entity = table.end();  // that the lines belong to; none yet
+  TextArena& texts = table.texts();
+  texts.expect(file.sizeHint());
+  std::size_t nameLength = 0;  // of the entity that the lines belong to; 0 if there is none yet
   bool isFirstLine = false;
   bool isCut = false;
   std::string_view piece;
   while (lines.next(piece)) {
     if (lines.startsLine()) {
-      const std::size_t nameLength = entityNameLength(piece);
-      isFirstLine = nameLength > 0;
+      const std::size_t newNameLength = entityNameLength(piece);
+      isFirstLine = newNameLength > 0;
+      isCut = false;
       if (isFirstLine) {
-        if (entity != table.end()) {
-          trim(entity->second);
+        if (nameLength > 0) {
+          table.addText(nameLength);
         }
-        entity = addEntity(table, entity, piece.substr(0, nameLength));
-        piece.remove_prefix(nameLength + 1);
-        isCut = false;
-      } else if (entity != table.end()) {
-        entity->second += ' ';
+        nameLength = newNameLength;
+        texts.begin();
+      } else if (nameLength > 0) {
+        texts.append(" ");
       }
     }
-    if (entity == table.end()) {
+    if (nameLength == 0 || isCut) {
       continue;
     }
-    std::string& text = entity->second;
-    if (isFirstLine && !isCut) {
+    if (isFirstLine) {
       const std::size_t carriageReturn = piece.find('\r');
-      text += piece.substr(0, carriageReturn);
+      texts.append(piece.substr(0, carriageReturn));
       isCut = carriageReturn != std::string_view::npos;
-    } else if (!isFirstLine) {
-      text += piece;
-      if (lines.endsLine() && text.back() == '\r') {
-        text.pop_back();
+    } else {
+      texts.append(piece);
+      if (lines.endsLine() && texts.text().back() == '\r') {
+        texts.dropLast();
       }
     }
   }
-  if (entity != table.end()) {
-    trim(entity->second);
+  if (nameLength > 0) {
+    table.addText(nameLength);
   }
 }
 

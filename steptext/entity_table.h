@@ -1,8 +1,13 @@
 #pragma once
 
-#include <functional>
+#include <cstddef>
 #include <map>
+#include <memory>
+#include <memory_resource>
 #include <string>
+#include <string_view>
+
+#include "common/text_arena.h"
 
 namespace plenvorith {
 
@@ -11,7 +16,51 @@ namespace plenvorith {
 ///
 /// The order is that of byte strings, so "#10" comes before "#9". Nothing in a text is normalised;
 /// the text of a file's last entity carries the lines behind it ("... ENDSEC; END-ISO-10303-21;").
-using EntityTable = std::map<std::string, std::string, std::less<>>;
+///
+/// Names and texts belong to the table and are valid as long as it is; it can be moved. Behind each
+/// text `TextArena::kReadable` bytes may be read.
+class EntityTable {
+ public:
+  using Map = std::pmr::map<std::string_view, std::string_view>;
+  using value_type = Map::value_type;
+  using const_iterator = Map::const_iterator;
+
+  EntityTable() = default;
+  EntityTable(EntityTable&&) = default;
+
+  [[nodiscard]] const_iterator begin() const {
+    return entities_.begin();
+  }
+  [[nodiscard]] const_iterator end() const {
+    return entities_.end();
+  }
+  [[nodiscard]] const_iterator find(std::string_view name) const {
+    return entities_.find(name);
+  }
+  [[nodiscard]] std::size_t size() const {
+    return entities_.size();
+  }
+  [[nodiscard]] bool empty() const {
+    return entities_.empty();
+  }
+
+  /// Where the texts of entities are put together before they are added.
+  TextArena& texts() {
+    return texts_;
+  }
+
+  /// Adds the entity that the text at hand in `texts` holds: its name, which has `nameLength`
+  /// characters, "=" and its text. Of several entities with one name the last one stays.
+  void addText(std::size_t nameLength);
+
+ private:
+  TextArena texts_;
+  // The nodes of the map, one behind the other; a map of millions goes at once with it.
+  std::unique_ptr<std::pmr::monotonic_buffer_resource> nodes_ =
+      std::make_unique<std::pmr::monotonic_buffer_resource>();
+  Map entities_{nodes_.get()};
+  Map::iterator last_ = entities_.end();  // added
+};
 
 /// Reads the entities of a STEP file into a table, by physical lines and without a grammar.
 ///
@@ -22,7 +71,8 @@ using EntityTable = std::map<std::string, std::string, std::less<>>;
 /// entities with one name the last one stays.
 ///
 /// Takes   an empty `table`, which is filled, and the `path` of the file.
-/// Errors  a file that cannot be read leaves the table empty; there is no syntax check.
+/// Errors  a file that cannot be read leaves the table empty, one that cannot be read any further
+///         ends there; there is no syntax check.
 /// Cost    one pass over the file; memory for every entity's text.
 void readEntityTable(EntityTable& table, const std::string& path);
 

@@ -3,8 +3,8 @@
 namespace plenvorith {
 namespace {
 
-/// Longer lines are cut, so that one line that is most of a large file is not in memory twice.
-constexpr std::size_t kLargestPiece = std::size_t{16} << 20;
+/// Longer lines are cut, so that the blocks stay as they are: one line may be most of a large file.
+constexpr std::size_t kLargestPiece = std::size_t{1} << 16;
 
 /// Whether the text may be the beginning of an instance name and nothing else yet.
 bool mayBeInName(std::string_view text) {

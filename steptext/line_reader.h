@@ -13,7 +13,7 @@ namespace plenvorith {
 /// without a line feed is a line, a final line feed does not start another one. A file that cannot
 /// be read has no lines.
 ///
-/// A line of less than 16 MiB is always one piece, and an instance name at the start of a line is
+/// A line of less than 64 KiB is always one piece, and an instance name at the start of a line is
 /// never cut. The last piece of a line may be empty.
 ///
 /// Cost    one pass over the file; memory for one piece.

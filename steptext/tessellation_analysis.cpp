@@ -97,7 +97,7 @@ InstanceNames facesToParse(const EntityTable& table, const InstanceNames& repres
     forEachReference(table.find(solid)->second, [&](std::string_view reference) {
       const auto entity = table.find(reference);
       if (entity != table.end() && typeOf(entity->second) == "COMPLEX_TRIANGULATED_FACE") {
-        faces.insert(entity->first);
+        faces.emplace(entity->first);
       }
     });
   }

@@ -68,9 +68,9 @@ class Differential : public testing::Test {
   }
 
   void compare(const std::string& content) {
-    const EntityTable table = test::tableOf(content);
-    const EntityTable expectedTable = test::referenceEntityTable(content);
-    ASSERT_EQ(table, expectedTable);
+    const EntityTable table = test::readTable(content);
+    const test::EntityTexts expectedTable = test::referenceEntityTable(content);
+    ASSERT_EQ(test::textsIn(table), expectedTable);
     const TessellationAnalysis analysis = analyzeTessellation(table);
     const TessellationAnalysis expected = test::referenceAnalysis(expectedTable);
     ++tally.statuses[static_cast<int>(analysis.status)];

@@ -11,7 +11,7 @@ bool startsWith(const std::string& text, const std::string& prefix) {
   return text.compare(0, prefix.size(), prefix) == 0;
 }
 
-std::string typeOf(const EntityTable& table, const std::string& name) {
+std::string typeOf(const EntityTexts& table, const std::string& name) {
   const auto entry = table.find(name);
   return entry == table.end() ? "" : entry->second.substr(0, entry->second.find('('));
 }
@@ -25,7 +25,7 @@ std::vector<std::string> referencesIn(const std::string& text) {
   return references;
 }
 
-InstanceNames namesOfTextsThatStartWith(const EntityTable& table, const std::string& prefix) {
+InstanceNames namesOfTextsThatStartWith(const EntityTexts& table, const std::string& prefix) {
   InstanceNames names;
   for (const auto& [name, text] : table) {
     if (startsWith(text, prefix)) {
@@ -35,7 +35,7 @@ InstanceNames namesOfTextsThatStartWith(const EntityTable& table, const std::str
   return names;
 }
 
-InstanceNames pairedOnes(const EntityTable& table, const InstanceNames& tessellated,
+InstanceNames pairedOnes(const EntityTexts& table, const InstanceNames& tessellated,
                          const InstanceNames& exact) {
   InstanceNames paired;
   for (const auto& [name, text] : table) {
@@ -61,7 +61,7 @@ InstanceNames pairedOnes(const EntityTable& table, const InstanceNames& tessella
   return paired;
 }
 
-InstanceNames facesOf(const EntityTable& table, const InstanceNames& representations) {
+InstanceNames facesOf(const EntityTexts& table, const InstanceNames& representations) {
   InstanceNames faces;
   for (const std::string& representation : representations) {
     for (const std::string& item : referencesIn(table.at(representation))) {
@@ -80,7 +80,7 @@ InstanceNames facesOf(const EntityTable& table, const InstanceNames& representat
 
 }  // namespace
 
-TessellationAnalysis referenceAnalysis(const EntityTable& table) {
+TessellationAnalysis referenceAnalysis(const EntityTexts& table) {
   TessellationAnalysis analysis;
   const InstanceNames tessellated =
       namesOfTextsThatStartWith(table, "TESSELLATED_SHAPE_REPRESENTATION(");

@@ -14,9 +14,9 @@ std::size_t referenceEntityNameLength(const std::string& line) {
   return static_cast<std::size_t>(match.length()) - 1;
 }
 
-EntityTable referenceEntityTable(const std::string& content) {
+EntityTexts referenceEntityTable(const std::string& content) {
   static const std::regex pattern("^(#\\d+)=(.*)");
-  EntityTable table;
+  EntityTexts table;
   std::string name;
   std::string text;
   std::istringstream file(content);

@@ -84,7 +84,7 @@ Triangle triangleOf(const Point3& p1, const Point3& p2, const Point3& p3) {
 
 }  // namespace
 
-std::vector<Triangle> referenceDecode(const EntityTable& table, const InstanceNames& faceIds) {
+std::vector<Triangle> referenceDecode(const EntityTexts& table, const InstanceNames& faceIds) {
   std::vector<Triangle> triangles;
   std::map<std::string, std::vector<Point3>> cache;
   for (const std::string& name : faceIds) {
@@ -114,7 +114,7 @@ std::vector<Triangle> referenceDecode(const EntityTable& table, const InstanceNa
   return triangles;
 }
 
-std::vector<Triangle> referenceDecodeAll(const EntityTable& table) {
+std::vector<Triangle> referenceDecodeAll(const EntityTexts& table) {
   InstanceNames faces;
   for (const auto& [name, text] : table) {
     if (isFace(text)) {

@@ -14,6 +14,7 @@
 namespace plenvorith {
 namespace {
 
+using test::EntityTexts;
 using test::forEveryString;
 using test::randomText;
 using test::referenceEntityTable;
@@ -162,7 +163,7 @@ TEST(EntityTable, PrintsNothing) {
 TEST(EntityTable, ReadsLinesOf64MiB) {
   constexpr std::size_t kLength = std::size_t{64} << 20U;
   const std::string filling(kLength, 'x');
-  const EntityTable table = tableOf("#1=" + filling + "\n" + filling + "\n#2=A;\n");
+  const EntityTexts table = tableOf("#1=" + filling + "\n" + filling + "\n#2=A;\n");
   ASSERT_EQ(table.size(), 2U);
   EXPECT_TRUE(table.at("#1") == filling + " " + filling);
   EXPECT_EQ(table.at("#2"), "A;");
@@ -172,7 +173,7 @@ TEST(EntityTable, ReadsLinesOfEveryLengthRoundPowersOfTwo) {
   for (std::size_t size = 512; size <= (std::size_t{2} << 20U); size *= 2) {
     for (std::size_t length = size - 4; length <= size + 4; ++length) {
       const std::string filling(length - 4, 'y');
-      const EntityTable table = tableOf("#1=" + filling + "\n#2=A;\nB\n");
+      const EntityTexts table = tableOf("#1=" + filling + "\n#2=A;\nB\n");
       ASSERT_EQ(table.size(), 2U) << length;
       ASSERT_TRUE(table.at("#1") == filling) << length;
       ASSERT_EQ(table.at("#2"), "A; B") << length;
@@ -191,12 +192,12 @@ TEST(EntityTable, KeepsTheLastOfSeveralLongEntitiesWithOneName) {
   EXPECT_TRUE(tableOf("#1=B;\n#2=A;\n#1=" + longer + "\n").at("#1") == longer);
 }
 
-// From 16 MiB on, lines are read in pieces.
-constexpr std::size_t kPiece = 16 * kMebibyte;
+// From 64 KiB on, lines may be read in pieces.
+constexpr std::size_t kPiece = std::size_t{1} << 16U;
 
 TEST(EntityTable, EndsALongFirstLineAtItsFirstCarriageReturn) {
   const std::string filling(3 * kPiece / 2, 'x');
-  const EntityTable table = tableOf("#1=" + filling + "\r" + filling + "\r#3=C;\nA;\n#2=B;\n");
+  const EntityTexts table = tableOf("#1=" + filling + "\r" + filling + "\r#3=C;\nA;\n#2=B;\n");
   ASSERT_EQ(table.size(), 2U);
   EXPECT_TRUE(table.at("#1") == filling + " A;");
   EXPECT_EQ(table.at("#2"), "B;");

@@ -22,7 +22,7 @@ using testing::IsEmpty;
 
 using namespace std::string_literals;
 
-constexpr std::size_t kPiece = std::size_t{16} << 20U;
+constexpr std::size_t kPiece = std::size_t{1} << 16U;
 
 /// The lines that a reader hands out, put together from their pieces.
 std::vector<std::string> linesOf(LineReader& reader) {
@@ -117,7 +117,7 @@ TEST(LineReaderAgainstReference, AgreesOnLinesOfAnyLength) {
   }
 }
 
-TEST(LineReader, CutsOnlyLinesOf16MiBOrMore) {
+TEST(LineReader, CutsOnlyLinesOf64KiBOrMore) {
   MemoryFile memory;
   for (const std::size_t length : {kPiece - 1, 3 * kPiece}) {
     BlockReader file(memory.write(std::string(length, 'x') + "\ny\n"));

@@ -12,26 +12,33 @@
 namespace plenvorith {
 namespace {
 
+using test::EntityTexts;
 using test::pick;
 using test::randomText;
 using test::referenceAnalysis;
+using test::tableWith;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const EntityTable kPair = {{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
+/// The analysis of a table with these entities.
+TessellationAnalysis analysisOf(const EntityTexts& entities) {
+  return analyzeTessellation(tableWith(entities));
+}
+
+const EntityTexts kPair = {{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
                            {"#7", "SHAPE_REPRESENTATION('',(#8),#2);"},
                            {"#9", "SHAPE_REPRESENTATION_RELATIONSHIP('','',#7,#5);"}};
 
 /// `kPair` with other entities added or put in place of its own.
-EntityTable pairWith(const EntityTable& others) {
-  EntityTable table = others;
+EntityTexts pairWith(const EntityTexts& others) {
+  EntityTexts table = others;
   table.insert(kPair.begin(), kPair.end());
   return table;
 }
 
 /// A unique representation of the solid #6.
-EntityTable solidWith(const EntityTable& others) {
-  EntityTable table = others;
+EntityTexts solidWith(const EntityTexts& others) {
+  EntityTexts table = others;
   table.insert({{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
                 {"#6", "TESSELLATED_SOLID('',(#10,#11),$);"},
                 {"#10", "COMPLEX_TRIANGULATED_FACE('',#1,3,(),$,(),((1,2,3)),());"},
@@ -39,24 +46,24 @@ EntityTable solidWith(const EntityTable& others) {
   return table;
 }
 
-void expectNothing(const EntityTable& table) {
-  const TessellationAnalysis analysis = analyzeTessellation(table);
+void expectNothing(const EntityTexts& table) {
+  const TessellationAnalysis analysis = analysisOf(table);
   EXPECT_EQ(analysis.status, TessellationStatus::NoTessellation);
   EXPECT_THAT(analysis.pairedReps, IsEmpty());
   EXPECT_THAT(analysis.uniqueReps, IsEmpty());
   EXPECT_THAT(analysis.uniqueFaces, IsEmpty());
 }
 
-void expectPaired(const EntityTable& table) {
-  const TessellationAnalysis analysis = analyzeTessellation(table);
+void expectPaired(const EntityTexts& table) {
+  const TessellationAnalysis analysis = analysisOf(table);
   EXPECT_EQ(analysis.status, TessellationStatus::AllPaired);
   EXPECT_THAT(analysis.pairedReps, ElementsAre("#5"));
   EXPECT_THAT(analysis.uniqueReps, IsEmpty());
   EXPECT_THAT(analysis.uniqueFaces, IsEmpty());
 }
 
-void expectUnpaired(const EntityTable& table) {
-  const TessellationAnalysis analysis = analyzeTessellation(table);
+void expectUnpaired(const EntityTexts& table) {
+  const TessellationAnalysis analysis = analysisOf(table);
   EXPECT_EQ(analysis.status, TessellationStatus::TessellationOnly);
   EXPECT_THAT(analysis.pairedReps, IsEmpty());
   EXPECT_THAT(analysis.uniqueReps, ElementsAre("#5"));
@@ -134,9 +141,9 @@ TEST(TessellationAnalysis, DoesNotPairThroughReferencesThatOnlyLookAlike) {
 
 TEST(TessellationAnalysis, DoesNotPairTwoTessellatedRepresentations) {
   const TessellationAnalysis analysis =
-      analyzeTessellation({{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
-                           {"#7", "TESSELLATED_SHAPE_REPRESENTATION('',(#8),#2);"},
-                           {"#9", "SHAPE_REPRESENTATION_RELATIONSHIP('','',#7,#5);"}});
+      analysisOf({{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
+                  {"#7", "TESSELLATED_SHAPE_REPRESENTATION('',(#8),#2);"},
+                  {"#9", "SHAPE_REPRESENTATION_RELATIONSHIP('','',#7,#5);"}});
   EXPECT_EQ(analysis.status, TessellationStatus::TessellationOnly);
   EXPECT_THAT(analysis.pairedReps, IsEmpty());
   EXPECT_THAT(analysis.uniqueReps, ElementsAre("#5", "#7"));
@@ -144,8 +151,8 @@ TEST(TessellationAnalysis, DoesNotPairTwoTessellatedRepresentations) {
 
 TEST(TessellationAnalysis, PairsOnlyTheLastOfSeveralInOneRelationship) {
   const TessellationAnalysis analysis =
-      analyzeTessellation(pairWith({{"#4", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
-                                    {"#9", "SHAPE_REPRESENTATION_RELATIONSHIP('','',#5,#4,#7);"}}));
+      analysisOf(pairWith({{"#4", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"},
+                           {"#9", "SHAPE_REPRESENTATION_RELATIONSHIP('','',#5,#4,#7);"}}));
   EXPECT_EQ(analysis.status, TessellationStatus::PartiallyUnique);
   EXPECT_THAT(analysis.pairedReps, ElementsAre("#4"));
   EXPECT_THAT(analysis.uniqueReps, ElementsAre("#5"));
@@ -153,7 +160,7 @@ TEST(TessellationAnalysis, PairsOnlyTheLastOfSeveralInOneRelationship) {
 
 TEST(TessellationAnalysis, FindsOnePairedAndOneUnique) {
   const TessellationAnalysis analysis =
-      analyzeTessellation(pairWith({{"#4", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"}}));
+      analysisOf(pairWith({{"#4", "TESSELLATED_SHAPE_REPRESENTATION('',(#6),#2);"}}));
   EXPECT_EQ(analysis.status, TessellationStatus::PartiallyUnique);
   EXPECT_THAT(analysis.pairedReps, ElementsAre("#5"));
   EXPECT_THAT(analysis.uniqueReps, ElementsAre("#4"));
@@ -161,7 +168,7 @@ TEST(TessellationAnalysis, FindsOnePairedAndOneUnique) {
 }
 
 TEST(TessellationAnalysis, CollectsTheFacesOfUniqueSolids) {
-  const TessellationAnalysis analysis = analyzeTessellation(solidWith({}));
+  const TessellationAnalysis analysis = analysisOf(solidWith({}));
   EXPECT_EQ(analysis.status, TessellationStatus::TessellationOnly);
   EXPECT_THAT(analysis.pairedReps, IsEmpty());
   EXPECT_THAT(analysis.uniqueReps, ElementsAre("#5"));
@@ -169,55 +176,52 @@ TEST(TessellationAnalysis, CollectsTheFacesOfUniqueSolids) {
 }
 
 TEST(TessellationAnalysis, OrdersFacesByBytes) {
-  EXPECT_THAT(analyzeTessellation(solidWith({{"#6", "TESSELLATED_SOLID('',(#9,#11,#10,#11),$);"},
-                                             {"#9", "COMPLEX_TRIANGULATED_FACE();"}}))
+  EXPECT_THAT(analysisOf(solidWith({{"#6", "TESSELLATED_SOLID('',(#9,#11,#10,#11),$);"},
+                                    {"#9", "COMPLEX_TRIANGULATED_FACE();"}}))
                   .uniqueFaces,
               ElementsAre("#10", "#11", "#9"));
 }
 
 TEST(TessellationAnalysis, SkipsFacesThatAreNotHeldByASolid) {
-  EXPECT_THAT(
-      analyzeTessellation(solidWith({{"#6", "COMPLEX_TRIANGULATED_FACE('',#1);"}})).uniqueFaces,
-      IsEmpty());
-  EXPECT_THAT(
-      analyzeTessellation(solidWith({{"#6", "TESSELLATED_SHELL('',(#10,#11),$);"}})).uniqueFaces,
-      IsEmpty());
-  EXPECT_THAT(analyzeTessellation(solidWith({{"#6", "TESSELLATED_SOLID('',(#12),$);"},
-                                             {"#12", "TESSELLATED_SOLID('',(#10),$);"}}))
+  EXPECT_THAT(analysisOf(solidWith({{"#6", "COMPLEX_TRIANGULATED_FACE('',#1);"}})).uniqueFaces,
+              IsEmpty());
+  EXPECT_THAT(analysisOf(solidWith({{"#6", "TESSELLATED_SHELL('',(#10,#11),$);"}})).uniqueFaces,
+              IsEmpty());
+  EXPECT_THAT(analysisOf(solidWith({{"#6", "TESSELLATED_SOLID('',(#12),$);"},
+                                    {"#12", "TESSELLATED_SOLID('',(#10),$);"}}))
                   .uniqueFaces,
               IsEmpty());
 }
 
 TEST(TessellationAnalysis, SkipsReferencesOfOtherOrNoType) {
-  EXPECT_THAT(analyzeTessellation(solidWith({{"#10", "TRIANGULATED_FACE('',#1);"},
-                                             {"#11", " COMPLEX_TRIANGULATED_FACE('',#1);"}}))
+  EXPECT_THAT(analysisOf(solidWith({{"#10", "TRIANGULATED_FACE('',#1);"},
+                                    {"#11", " COMPLEX_TRIANGULATED_FACE('',#1);"}}))
                   .uniqueFaces,
               IsEmpty());
-  EXPECT_THAT(analyzeTessellation(solidWith({{"#6", "TESSELLATED_SOLID('',(#12,#13),$);"},
-                                             {"#13", "COMPLEX_TRIANGULATED_FACE ();"}}))
+  EXPECT_THAT(analysisOf(solidWith({{"#6", "TESSELLATED_SOLID('',(#12,#13),$);"},
+                                    {"#13", "COMPLEX_TRIANGULATED_FACE ();"}}))
                   .uniqueFaces,
               IsEmpty());
-  EXPECT_THAT(
-      analyzeTessellation(solidWith({{"#6", "TESSELLATED_SOLID ('',(#10,#11),$);"}})).uniqueFaces,
-      IsEmpty());
+  EXPECT_THAT(analysisOf(solidWith({{"#6", "TESSELLATED_SOLID ('',(#10,#11),$);"}})).uniqueFaces,
+              IsEmpty());
 }
 
 TEST(TessellationAnalysis, TakesATextWithoutParenthesisAsAType) {
-  EXPECT_THAT(analyzeTessellation(solidWith({{"#10", "COMPLEX_TRIANGULATED_FACE"},
-                                             {"#11", "COMPLEX_TRIANGULATED_FACE;"}}))
+  EXPECT_THAT(analysisOf(solidWith({{"#10", "COMPLEX_TRIANGULATED_FACE"},
+                                    {"#11", "COMPLEX_TRIANGULATED_FACE;"}}))
                   .uniqueFaces,
               ElementsAre("#10"));
 }
 
 TEST(TessellationAnalysis, DoesNotWalkPairedRepresentations) {
-  EXPECT_THAT(analyzeTessellation(solidWith(pairWith({}))).uniqueFaces, IsEmpty());
+  EXPECT_THAT(analysisOf(solidWith(pairWith({}))).uniqueFaces, IsEmpty());
 }
 
 TEST(TessellationAnalysis, FollowsReferencesInTheLinesJoinedToALastEntity) {
-  EXPECT_THAT(analyzeTessellation(
-                  solidWith({{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(),#2); #6 ENDSEC;"}}))
-                  .uniqueFaces,
-              ElementsAre("#10", "#11"));
+  EXPECT_THAT(
+      analysisOf(solidWith({{"#5", "TESSELLATED_SHAPE_REPRESENTATION('',(),#2); #6 ENDSEC;"}}))
+          .uniqueFaces,
+      ElementsAre("#10", "#11"));
 }
 
 TEST(TessellationAnalysis, DoesNotRecogniseATypeBehindABlank) {
@@ -226,7 +230,7 @@ TEST(TessellationAnalysis, DoesNotRecogniseATypeBehindABlank) {
 
 TEST(TessellationAnalysis, GivesTheFacesOfASharedSolidOnce) {
   const TessellationAnalysis analysis =
-      analyzeTessellation(solidWith({{"#4", "TESSELLATED_SHAPE_REPRESENTATION('',(#6,#6),#2);"}}));
+      analysisOf(solidWith({{"#4", "TESSELLATED_SHAPE_REPRESENTATION('',(#6,#6),#2);"}}));
   EXPECT_THAT(analysis.uniqueReps, ElementsAre("#4", "#5"));
   EXPECT_THAT(analysis.uniqueFaces, ElementsAre("#10", "#11"));
 }
@@ -259,13 +263,13 @@ TEST(TessellationAnalysis, AgreesWithTheReferenceOnRandomTables) {
   const std::vector<std::string> names = {"#1", "#2", "#3", "#4", "#5", "#10", "#01", "#"};
   std::mt19937 random(2);
   for (int i = 0; i < 50'000; ++i) {
-    EntityTable table;
+    EntityTexts table;
     for (const std::string& name : names) {
       if (pick(random, 5) != 0) {
         table[name] = types[pick(random, types.size())] + randomText(random, pieces, 8);
       }
     }
-    const TessellationAnalysis analysis = analyzeTessellation(table);
+    const TessellationAnalysis analysis = analysisOf(table);
     const TessellationAnalysis reference = referenceAnalysis(table);
     ASSERT_EQ(analysis.status, reference.status) << testing::PrintToString(table);
     ASSERT_EQ(analysis.pairedReps, reference.pairedReps) << testing::PrintToString(table);

@@ -6,16 +6,22 @@
 #include <vector>
 
 #include "steptext/entity_table.h"
+#include "tests/support/entity_texts.h"
 #include "tests/support/memory_file.h"
 
 namespace plenvorith::test {
 
 /// The table that is read from a file with this content.
-inline EntityTable tableOf(const std::string& content) {
+inline EntityTable readTable(const std::string& content) {
   static MemoryFile file;
   EntityTable table;
   readEntityTable(table, file.write(content));
   return table;
+}
+
+/// What that table holds.
+inline EntityTexts tableOf(const std::string& content) {
+  return textsIn(readTable(content));
 }
 
 /// Calls `check` with every string of at most `maxLength` of the pieces.

@@ -15,6 +15,7 @@
 namespace plenvorith {
 namespace {
 
+using test::EntityTexts;
 using test::Outcome;
 using test::outcomeOf;
 using test::pick;
@@ -26,6 +27,16 @@ using testing::ThrowsMessage;
 const std::string kThreePoints = "COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));";
 const std::string kFourPoints =
     "COORDINATES_LIST('',4,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.),(0.,0.,1.)));";
+
+/// The triangles of the named faces of a table with these entities.
+std::vector<Triangle> decodeNamed(const EntityTexts& entities, const InstanceNames& faceIds) {
+  return decodeTriangulatedFaces(test::tableWith(entities), faceIds);
+}
+
+/// The triangles of all of its faces.
+std::vector<Triangle> decodeAll(const EntityTexts& entities) {
+  return decodeAllTriangulatedFaces(test::tableWith(entities));
+}
 
 constexpr Point3 kP1{0, 0, 0};
 constexpr Point3 kP2{1, 0, 0};
@@ -40,12 +51,12 @@ std::string face(const std::string& strips) {
 
 /// The triangles of the one face #1 of these strips, over three points.
 std::vector<Triangle> trianglesOf(const std::string& strips) {
-  return decodeTriangulatedFaces({{"#1", face(strips)}, {"#2", kThreePoints}}, {"#1"});
+  return decodeNamed({{"#1", face(strips)}, {"#2", kThreePoints}}, {"#1"});
 }
 
 /// The triangles of the one face #1 with this text, over three points.
 std::vector<Triangle> trianglesOfText(const std::string& text) {
-  return decodeTriangulatedFaces({{"#1", text}, {"#2", kThreePoints}}, {"#1"});
+  return decodeNamed({{"#1", text}, {"#2", kThreePoints}}, {"#1"});
 }
 
 TEST(FaceDecoder, DecodesATriangle) {
@@ -61,12 +72,12 @@ TEST(FaceDecoder, KeepsDegenerateTriangles) {
 }
 
 TEST(FaceDecoder, DividesNormalsLongerThan1eMinus12Only) {
-  const EntityTable table = {
+  const EntityTexts entities = {
       {"#1", face("((1,2,3),(1,4,3),(1,5,3))")},
       {"#2",
        "COORDINATES_LIST('',5,((0.,0.,0.),(1.E-12,0.,0.),(0.,1.,0.),(5.E-13,0.,0.),"
        "(2.E-12,0.,0.)));"}};
-  const std::vector<Triangle> triangles = decodeTriangulatedFaces(table, {"#1"});
+  const std::vector<Triangle> triangles = decodeNamed(entities, {"#1"});
   ASSERT_EQ(triangles.size(), 3U);
   EXPECT_EQ(triangles[0].normal, (Point3{0, 0, 1e-12}));
   EXPECT_EQ(triangles[1].normal, (Point3{0, 0, 5e-13}));
@@ -87,10 +98,10 @@ TEST(FaceDecoder, TruncatesIndices) {
 }
 
 TEST(FaceDecoder, TakesThreeIndicesOfAStripAndEndsThere) {
-  EXPECT_THAT(decodeTriangulatedFaces({{"#1", face("((1,2,3,4))")}, {"#2", kFourPoints}}, {"#1"}),
+  EXPECT_THAT(decodeNamed({{"#1", face("((1,2,3,4))")}, {"#2", kFourPoints}}, {"#1"}),
               ElementsAre(kFirst));
-  const std::vector<Triangle> triangles = decodeTriangulatedFaces(
-      {{"#1", face("((1,2,3),(2,3,4,1),(1,3,4))")}, {"#2", kFourPoints}}, {"#1"});
+  const std::vector<Triangle> triangles =
+      decodeNamed({{"#1", face("((1,2,3),(2,3,4,1),(1,3,4))")}, {"#2", kFourPoints}}, {"#1"});
   ASSERT_EQ(triangles.size(), 2U);
   EXPECT_EQ(triangles[0], kFirst);
   EXPECT_EQ(triangles[1].v1, kP2);
@@ -135,9 +146,8 @@ TEST(FaceDecoder, AllowsMissingParametersAndSeparators) {
 }
 
 TEST(FaceDecoder, SkipsNamesThatAreNotThere) {
-  EXPECT_THAT(decodeTriangulatedFaces({{"#2", kThreePoints}}, {"#1", "#3"}), IsEmpty());
-  EXPECT_THAT(decodeTriangulatedFaces({{"#1", face("((1,2,3))")}, {"#2", kThreePoints}}, {}),
-              IsEmpty());
+  EXPECT_THAT(decodeNamed({{"#2", kThreePoints}}, {"#1", "#3"}), IsEmpty());
+  EXPECT_THAT(decodeNamed({{"#1", face("((1,2,3))")}, {"#2", kThreePoints}}, {}), IsEmpty());
 }
 
 TEST(FaceDecoder, SkipsEntitiesOfOtherTypes) {
@@ -153,12 +163,12 @@ TEST(FaceDecoder, SkipsEntitiesOfOtherTypes) {
 }
 
 TEST(FaceDecoder, SkipsAFaceWithoutCoordinates) {
-  EXPECT_THAT(decodeTriangulatedFaces({{"#1",
-                                        "COMPLEX_TRIANGULATED_FACE('',#9,3,(),$,(),"
-                                        "((1,2,3)),());"},
-                                       {"#2", kThreePoints},
-                                       {"#3", face("((1,2,3))")}},
-                                      {"#1", "#3"}),
+  EXPECT_THAT(decodeNamed({{"#1",
+                            "COMPLEX_TRIANGULATED_FACE('',#9,3,(),$,(),"
+                            "((1,2,3)),());"},
+                           {"#2", kThreePoints},
+                           {"#3", face("((1,2,3))")}},
+                          {"#1", "#3"}),
               ElementsAre(kFirst));
 }
 
@@ -169,32 +179,30 @@ TEST(FaceDecoder, SkipsAFaceWithAnEmptyCoordinatesReference) {
 }
 
 TEST(FaceDecoder, DoesNotCheckTheTypeOfTheCoordinates) {
-  const EntityTable table = {{"#1", face("((1,2,3))")},
-                             {"#2", "ABCDEFGHIJKLMNOPQ'',3,((0,0,0),(1,0,0),(0,1,0)));"}};
-  EXPECT_THAT(decodeTriangulatedFaces(table, {"#1"}), ElementsAre(kFirst));
+  const EntityTexts entities = {{"#1", face("((1,2,3))")},
+                                {"#2", "ABCDEFGHIJKLMNOPQ'',3,((0,0,0),(1,0,0),(0,1,0)));"}};
+  EXPECT_THAT(decodeNamed(entities, {"#1"}), ElementsAre(kFirst));
 }
 
 TEST(FaceDecoder, SharesCoordinatesBetweenFaces) {
-  const EntityTable table = {
+  const EntityTexts entities = {
       {"#1", face("((1,2,3))")}, {"#2", kThreePoints}, {"#3", face("((1,3,2))")}};
-  EXPECT_THAT(decodeTriangulatedFaces(table, {"#1", "#3"}),
+  EXPECT_THAT(decodeNamed(entities, {"#1", "#3"}),
               ElementsAre(kFirst, Triangle{{0, 0, -1}, kP1, kP3, kP2}));
 }
 
 TEST(FaceDecoder, DecodesOnlyTheNamedFaces) {
-  const EntityTable table = {
+  const EntityTexts entities = {
       {"#1", face("((1,2,3))")}, {"#2", kThreePoints}, {"#3", face("((1,3,2))")}};
-  EXPECT_THAT(decodeTriangulatedFaces(table, {"#3"}),
-              ElementsAre(Triangle{{0, 0, -1}, kP1, kP3, kP2}));
+  EXPECT_THAT(decodeNamed(entities, {"#3"}), ElementsAre(Triangle{{0, 0, -1}, kP1, kP3, kP2}));
 }
 
 TEST(FaceDecoder, DecodesAllFacesInTextOrderOfTheirNames) {
-  const std::vector<Triangle> triangles =
-      decodeAllTriangulatedFaces({{"#2", kThreePoints},
-                                  {"#3", face("((3,1,2))")},
-                                  {"#20", face("((2,3,1))")},
-                                  {"#100", face("((1,2,3))")},
-                                  {"#4", "TRIANGULATED_FACE("}});
+  const std::vector<Triangle> triangles = decodeAll({{"#2", kThreePoints},
+                                                     {"#3", face("((3,1,2))")},
+                                                     {"#20", face("((2,3,1))")},
+                                                     {"#100", face("((1,2,3))")},
+                                                     {"#4", "TRIANGULATED_FACE("}});
   ASSERT_EQ(triangles.size(), 3U);
   EXPECT_EQ(triangles[0].v1, kP1);
   EXPECT_EQ(triangles[1].v1, kP2);
@@ -202,8 +210,8 @@ TEST(FaceDecoder, DecodesAllFacesInTextOrderOfTheirNames) {
 }
 
 TEST(FaceDecoder, DecodesAllOfNoFacesToNothing) {
-  EXPECT_THAT(decodeAllTriangulatedFaces({}), IsEmpty());
-  EXPECT_THAT(decodeAllTriangulatedFaces({{"#2", kThreePoints}}), IsEmpty());
+  EXPECT_THAT(decodeAll({}), IsEmpty());
+  EXPECT_THAT(decodeAll({{"#2", kThreePoints}}), IsEmpty());
 }
 
 TEST(FaceDecoder, RejectsANumberOfPointsThatIsNoNumber) {
@@ -221,7 +229,7 @@ TEST(FaceDecoder, RejectsAStripOfFewerThanThreeEvenWithoutCoordinates) {
               ThrowsMessage<std::invalid_argument>("invalid stod argument"));
   EXPECT_THAT(
       [] {
-        decodeTriangulatedFaces({{"#1", face("((1,2))")}}, {"#1"});
+        decodeNamed({{"#1", face("((1,2))")}}, {"#1"});
       },
       ThrowsMessage<std::invalid_argument>("invalid stod argument"));
 }
@@ -233,10 +241,10 @@ TEST(FaceDecoder, RejectsAnIndexOutOfTheRangeOfDoubles) {
 
 /// Decodes two faces, the second of which references this text.
 void decodeWithCoordinates(const std::string& text) {
-  (void)decodeAllTriangulatedFaces({{"#1", face("((1,2,3))")},
-                                    {"#2", kThreePoints},
-                                    {"#3", "COMPLEX_TRIANGULATED_FACE('',#4,3,(),$,(),(),());"},
-                                    {"#4", text}});
+  (void)decodeAll({{"#1", face("((1,2,3))")},
+                   {"#2", kThreePoints},
+                   {"#3", "COMPLEX_TRIANGULATED_FACE('',#4,3,(),$,(),(),());"},
+                   {"#4", text}});
 }
 
 TEST(FaceDecoder, RejectsACoordinatesEntityShorterThanItsKeyword) {
@@ -261,12 +269,12 @@ TEST(FaceDecoder, RejectsMalformedCoordinates) {
 
 TEST(FaceDecoder, ReadsCoordinatesThatAreShorterThanTheirNumber) {
   EXPECT_THAT(
-      decodeTriangulatedFaces(
-          {{"#1", face("((1,2,3))")}, {"#2", "COORDINATES_LIST('',3,((0.,0.,0.)));"}}, {"#1"}),
+      decodeNamed({{"#1", face("((1,2,3))")}, {"#2", "COORDINATES_LIST('',3,((0.,0.,0.)));"}},
+                  {"#1"}),
       IsEmpty());
-  EXPECT_THAT(decodeTriangulatedFaces({{"#1", face("((1,2,3))")},
-                                       {"#2", "COORDINATES_LIST('',1,((0,0,0),(1,0,0),(0,1,0)));"}},
-                                      {"#1"}),
+  EXPECT_THAT(decodeNamed({{"#1", face("((1,2,3))")},
+                           {"#2", "COORDINATES_LIST('',1,((0,0,0),(1,0,0),(0,1,0)));"}},
+                          {"#1"}),
               ElementsAre(kFirst));
 }
 
@@ -314,18 +322,18 @@ std::string randomCoordinates(std::mt19937& random) {
 TEST(FaceDecoderAgainstReference, AgreesOnRandomTables) {
   std::mt19937 random(8);
   for (int i = 0; i < 50'000; ++i) {
-    const EntityTable table = {{"#1", randomFace(random)},
-                               {"#10", randomFace(random)},
-                               {"#3", randomFace(random)},
-                               {"#2", randomCoordinates(random)},
-                               {"#4", randomCoordinates(random)}};
+    const EntityTexts entities = {{"#1", randomFace(random)},
+                                  {"#10", randomFace(random)},
+                                  {"#3", randomFace(random)},
+                                  {"#2", randomCoordinates(random)},
+                                  {"#4", randomCoordinates(random)}};
     const InstanceNames faceIds = {"#1", "#3", "#4", "#5"};
-    const Outcome expected = outcomeOf([&] { return test::referenceDecode(table, faceIds); });
-    ASSERT_EQ(outcomeOf([&] { return decodeTriangulatedFaces(table, faceIds); }), expected)
-        << testing::PrintToString(table);
-    const Outcome expectedAll = outcomeOf([&] { return test::referenceDecodeAll(table); });
-    ASSERT_EQ(outcomeOf([&] { return decodeAllTriangulatedFaces(table); }), expectedAll)
-        << testing::PrintToString(table);
+    const Outcome expected = outcomeOf([&] { return test::referenceDecode(entities, faceIds); });
+    ASSERT_EQ(outcomeOf([&] { return decodeNamed(entities, faceIds); }), expected)
+        << testing::PrintToString(entities);
+    const Outcome expectedAll = outcomeOf([&] { return test::referenceDecodeAll(entities); });
+    ASSERT_EQ(outcomeOf([&] { return decodeAll(entities); }), expectedAll)
+        << testing::PrintToString(entities);
   }
 }
 
@@ -334,12 +342,12 @@ TEST(FaceDecoderAgainstReference, AgreesOnTextsInWhichNothingIsInPlace) {
                                            "1", "2.", "'",  "$",  " ", "(1,2,3)", "E"};
   std::mt19937 random(9);
   for (int i = 0; i < 50'000; ++i) {
-    const EntityTable table = {
+    const EntityTexts entities = {
         {"#1", "COMPLEX_TRIANGULATED_FACE(" + randomText(random, pieces, 20)},
         {"#2", "COORDINATES_LIST(" + randomText(random, pieces, 20)}};
-    const Outcome expected = outcomeOf([&] { return test::referenceDecodeAll(table); });
-    ASSERT_EQ(outcomeOf([&] { return decodeAllTriangulatedFaces(table); }), expected)
-        << testing::PrintToString(table);
+    const Outcome expected = outcomeOf([&] { return test::referenceDecodeAll(entities); });
+    ASSERT_EQ(outcomeOf([&] { return decodeAll(entities); }), expected)
+        << testing::PrintToString(entities);
   }
 }
 
