@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "common/short_number.h"
 
 namespace plenvorith {
@@ -27,12 +29,14 @@ NumberResult readAnyNumber(const char* first, const char* last, double& value);
 /// longest part from its start that is a number, so that the "E" of "1.E" is read and ignored; it
 /// is rounded correctly and does not depend on a locale.
 ///
-/// Takes   the characters from `first` to `last`, of which none behind `last` is looked at.
+/// Takes   the characters from `first` to `last`. If `readable` bytes behind `last` may be read,
+/// though
+///         none counts, numbers at the end take no longer than others.
 /// Gives   the end of the token, on an error too; `value` is set only where there is none.
 /// Errors  what strtod reports as a range error is out of range, subnormals that are exact are not.
 [[gnu::always_inline]] inline NumberResult readNumber(const char* first, const char* last,
-                                                      double& value) {
-  if (const char* const end = shortnumber::read(first, last, value)) {
+                                                      double& value, std::size_t readable = 0) {
+  if (const char* const end = shortnumber::read(first, last, readable, value)) {
     return {end, NumberError::None};
   }
   return readAnyNumber(first, last, value);

@@ -22,7 +22,7 @@ namespace plenvorith::shortnumber {
 
 /// The most characters that are looked at: seven of sign and digits, ".", fifteen digits, "E", a
 /// sign and eight more. That many must be there.
-inline constexpr std::ptrdiff_t kLongest = 7 + 1 + 15 + 1 + 1 + 8;
+inline constexpr std::size_t kLongest = 7 + 1 + 15 + 1 + 1 + 8;
 
 /// A number in the making: `mantissa` times ten to the power of `exponent`.
 struct Decimal {
@@ -152,19 +152,21 @@ inline std::uint64_t combineFirst(std::uint64_t digits, int count) {
   return true;
 }
 
-/// Reads the number at `first` if it is a short one. Of any other, and of those within `kLongest`
-/// characters of the end, it reads nothing.
+/// Reads the number at `first` if it is a short one. Of any other, and of those with fewer than
+/// `kLongest` characters up to the end of the `readable` ones behind `last`, it reads nothing.
 ///
 /// Gives  where the number's token ends, or null.
-[[gnu::always_inline]] inline const char* read(const char* first, const char* last, double& value) {
-  if (last - first < kLongest) {
+[[gnu::always_inline]] inline const char* read(const char* first, const char* last,
+                                               std::size_t readable, double& value) {
+  if (static_cast<std::size_t>(last - first) + readable < kLongest) {
     return nullptr;
   }
   const char* p = first;
   Decimal number;
   const bool isRead = readWholePart(p, number) && readFraction(p, number) &&
                       readExponent(p, number) && makeValue(number, value);
-  return isRead ? p : nullptr;
+  // What was read behind the end does not count.
+  return isRead && p <= last ? p : nullptr;
 }
 
 }  // namespace plenvorith::shortnumber

@@ -1,5 +1,6 @@
 #include "tessellation/face_decoder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -16,12 +17,11 @@ namespace {
 constexpr std::string_view kFaceStart = "COMPLEX_TRIANGULATED_FACE(";
 constexpr std::string_view kCoordinatesStart = "COORDINATES_LIST(";
 
-/// The points of every coordinates list met so far, by the reference that names it.
-using CoordinatesCache = std::map<std::string, std::vector<Point3>>;
-
+/// A face, scanned up to its triangle strips.
 struct Face {
-  std::string coordinates;  // the name of the coordinates list; empty if the face names none
-  std::vector<IndexTriple> triples;
+  std::string_view coordinates;  // the name of the coordinates list; empty if the face names none
+  StepCursor strips;
+  NumberError error = NumberError::None;  // met on the way
 };
 
 bool isFace(std::string_view text) {
@@ -34,15 +34,21 @@ void skipGroupIfNext(StepCursor& cursor) {
   }
 }
 
+/// A cursor at the first parameter of an entity, behind the `start` of its text.
+StepCursor parametersOf(std::string_view text, std::string_view start) {
+  return {text.substr(start.size()), 0, TextArena::kReadable};
+}
+
 /// Scans the parameters of a face, by their positions.
-Face parseFace(std::string_view text) {
-  StepCursor cursor{text.substr(kFaceStart.size())};
+Face scanFace(std::string_view text) {
+  StepCursor cursor = parametersOf(text, kFaceStart);
   Face face;
   skipQuotedString(cursor);  // name
   consumeIf(cursor, ',');
   face.coordinates = parseReference(cursor);
   consumeIf(cursor, ',');
-  parseNumber(cursor);  // pnmax
+  double pnmax = 0.0;
+  face.error = scanNumber(cursor, pnmax);
   consumeIf(cursor, ',');
   skipGroupIfNext(cursor);  // normals
   consumeIf(cursor, ',');
@@ -54,7 +60,7 @@ Face parseFace(std::string_view text) {
   consumeIf(cursor, ',');
   skipGroupIfNext(cursor);  // pnindex
   consumeIf(cursor, ',');
-  face.triples = parseIndexTriples(cursor);
+  face.strips = cursor;
   return face;
 }
 
@@ -64,7 +70,7 @@ std::vector<Point3> parseCoordinates(std::string_view text) {
   if (text.size() < kCoordinatesStart.size()) {
     throw std::out_of_range("invalid string position");
   }
-  StepCursor cursor{text.substr(kCoordinatesStart.size())};
+  StepCursor cursor = parametersOf(text, kCoordinatesStart);
   skipQuotedString(cursor);  // name
   consumeIf(cursor, ',');
   parseNumber(cursor);  // number of points
@@ -72,19 +78,45 @@ std::vector<Point3> parseCoordinates(std::string_view text) {
   return parsePointList(cursor);
 }
 
-/// The points of the coordinates list `name`; null if the table holds no such entity.
-const std::vector<Point3>* findPoints(const EntityTable& table, const std::string& name,
-                                      CoordinatesCache& cache) {
-  const auto cached = cache.find(name);
-  if (cached != cache.end()) {
-    return &cached->second;
+/// The coordinates lists that faces name, each read once.
+class Coordinates {
+ public:
+  explicit Coordinates(const EntityTable& table) : table_(table), last_(table.end()) {}
+
+  /// The points of the list `name`; null if the table holds no such entity.
+  const std::vector<Point3>* find(std::string_view name) {
+    // Faces mostly name their lists in the order of the names: one behind all others is a new one.
+    if (!points_.empty() && name <= points_.rbegin()->first) {
+      const auto points = points_.find(name);
+      if (points != points_.end()) {
+        return &points->second;
+      }
+    }
+    const auto entity = findEntity(name);
+    if (entity == table_.end()) {
+      return nullptr;
+    }
+    last_ = entity;
+    return &points_.emplace_hint(points_.end(), name, parseCoordinates(entity->second))->second;
   }
-  const auto entity = table.find(name);
-  if (entity == table.end()) {
-    return nullptr;
+
+ private:
+  /// Mostly it is right behind the last one, too. That saves a search through the whole table,
+  /// which takes as long as the decoding of a small face.
+  EntityTable::const_iterator findEntity(std::string_view name) const {
+    auto near = last_;
+    for (int steps = 0; steps < 3 && near != table_.end(); ++steps, ++near) {
+      if (near->first == name) {
+        return near;
+      }
+    }
+    return table_.find(name);
   }
-  return &cache.emplace(name, parseCoordinates(entity->second)).first->second;
-}
+
+  const EntityTable& table_;
+  EntityTable::const_iterator last_;  // that was found
+  std::map<std::string_view, std::vector<Point3>> points_;
+};
 
 void appendTriangles(std::vector<Triangle>& triangles, const std::vector<Point3>& points,
                      const std::vector<IndexTriple>& triples) {
@@ -101,20 +133,25 @@ void appendTriangles(std::vector<Triangle>& triangles, const std::vector<Point3>
   }
 }
 
-std::vector<Triangle> decode(const EntityTable& table, const std::vector<std::string_view>& faces) {
+std::vector<Triangle> decode(const EntityTable& table, const std::vector<Face>& faces) {
   std::size_t maxCount = 0;
-  for (const std::string_view text : faces) {
-    maxCount += maxTripleCount(text);
+  for (const Face& face : faces) {
+    maxCount +=
+        maxTripleCount(face.strips.text.substr(std::min(face.strips.pos, face.strips.text.size())));
   }
   // The triangles are by far the largest part of the memory. With room for all of them they need
   // not grow by copying; what is not used of it is never touched.
   std::vector<Triangle> triangles;
   reserveLarge(triangles, maxCount);
-  CoordinatesCache cache;
-  for (const std::string_view text : faces) {
-    const Face face = parseFace(text);
-    if (const auto* points = findPoints(table, face.coordinates, cache)) {
-      appendTriangles(triangles, *points, face.triples);
+  Coordinates coordinates(table);
+  for (const Face& face : faces) {
+    if (face.error != NumberError::None) {
+      throwNumberError(face.error);
+    }
+    StepCursor cursor = face.strips;
+    const std::vector<IndexTriple> triples = parseIndexTriples(cursor);
+    if (const auto* points = coordinates.find(face.coordinates)) {
+      appendTriangles(triangles, *points, triples);
     }
   }
   return triangles;
@@ -124,21 +161,21 @@ std::vector<Triangle> decode(const EntityTable& table, const std::vector<std::st
 
 std::vector<Triangle> decodeTriangulatedFaces(const EntityTable& table,
                                               const InstanceNames& faceIds) {
-  std::vector<std::string_view> faces;
+  std::vector<Face> faces;
   for (const std::string& faceId : faceIds) {
     const auto entity = table.find(faceId);
     if (entity != table.end() && isFace(entity->second)) {
-      faces.push_back(entity->second);
+      faces.push_back(scanFace(entity->second));
     }
   }
   return decode(table, faces);
 }
 
 std::vector<Triangle> decodeAllTriangulatedFaces(const EntityTable& table) {
-  std::vector<std::string_view> faces;
+  std::vector<Face> faces;
   for (const auto& [name, text] : table) {
     if (isFace(text)) {
-      faces.push_back(text);
+      faces.push_back(scanFace(text));
     }
   }
   return decode(table, faces);

@@ -15,6 +15,9 @@ namespace plenvorith::shorttriple {
 // nothing between their characters. Where their numbers end is found for all three at once, in a
 // word that has one bit for each character, so that what follows waits for no comparison of single
 // characters. Whatever else comes next is left to the cursor, which can read everything.
+//
+// Where `readable` bytes behind `last` may be read, items that end there are read in this way, too:
+// what is read beyond the end makes an item end beyond it, and that is none.
 
 /// The number that up to eight digits at `p` make; zero for none. Eight characters must be there.
 [[gnu::always_inline]] inline std::uint64_t combine(const char* p, int count) {
@@ -52,16 +55,16 @@ namespace plenvorith::shorttriple {
 /// Gives  where it ends, or null.
 template <typename Triple>
 [[gnu::always_inline]] inline const char* readIndices(const char* first, const char* last,
-                                                      Triple& triple) {
-  constexpr std::ptrdiff_t kLookedAt = 1 + 32 + 8;
-  if (last - first < kLookedAt) {
+                                                      std::size_t readable, Triple& triple) {
+  constexpr std::size_t kLookedAt = 1 + 32 + 8;
+  if (static_cast<std::size_t>(last - first) + readable < kLookedAt) {
     return nullptr;
   }
   const char* p = first + 1;
   std::uint64_t marks = markNonDigits<32>(p);
   const bool isRead = readIndex(p, marks, ',', triple.i) && readIndex(p, marks, ',', triple.j) &&
                       readIndex(p, marks, ')', triple.k);
-  return isRead ? p : nullptr;
+  return isRead && p <= last ? p : nullptr;
 }
 
 /// Reads an optional minus, one to eight digits, ".", up to sixteen digits and `behind`, if one
@@ -101,9 +104,9 @@ template <typename Triple>
 ///
 /// Gives  where it ends, or null.
 [[gnu::always_inline]] inline const char* readPoint(const char* first, const char* last,
-                                                    Point3& point) {
-  constexpr std::ptrdiff_t kLookedAt = 1 + 64 + 8;
-  if (last - first < kLookedAt) {
+                                                    std::size_t readable, Point3& point) {
+  constexpr std::size_t kLookedAt = 1 + 64 + 8;
+  if (static_cast<std::size_t>(last - first) + readable < kLookedAt) {
     return nullptr;
   }
   const char* p = first + 1;
@@ -111,7 +114,7 @@ template <typename Triple>
   const bool isRead = readCoordinate(p, marks, ',', point.x) &&
                       readCoordinate(p, marks, ',', point.y) &&
                       readCoordinate(p, marks, ')', point.z);
-  return isRead ? p : nullptr;
+  return isRead && p <= last ? p : nullptr;
 }
 
 }  // namespace plenvorith::shorttriple

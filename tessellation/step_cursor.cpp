@@ -25,7 +25,7 @@ std::int32_t truncateToInt32(double value) {
   skipWhitespace(cursor);
   const char* const text = cursor.text.data();
   const char* const first = text + std::min(cursor.pos, cursor.text.size());
-  const NumberResult result = readNumber(first, text + cursor.text.size(), value);
+  const NumberResult result = readNumber(first, text + cursor.text.size(), value, cursor.readable);
   cursor.pos += static_cast<std::size_t>(result.end - first);
   return result.error;
 }
@@ -60,7 +60,7 @@ void parseTriples(StepCursor& cursor, std::vector<Item>& items, ReadShort readSh
   StepCursor fast = cursor;
   while (nextIs(fast, '(')) {
     Item item;
-    if (const char* const behind = readShort(text.data() + fast.pos, end, item)) {
+    if (const char* const behind = readShort(text.data() + fast.pos, end, cursor.readable, item)) {
       fast.pos = static_cast<std::size_t>(behind - text.data());
     } else {
       cursor.pos = fast.pos;
@@ -80,22 +80,33 @@ void parseTriples(StepCursor& cursor, std::vector<Item>& items, ReadShort readSh
 
 }  // namespace
 
-std::size_t maxTripleCount(std::string_view text) {
-  // Counts parentheses in blocks whose count fits a byte, which the compiler turns into wide
-  // instructions; with `std::count` this took a third of the time of decoding.
+std::size_t maxTripleCount(std::string_view list) {
+  // Counts in blocks whose counts fit a byte, which the compiler turns into wide instructions; with
+  // `std::count` this took a third of the time of decoding.
   constexpr std::size_t kBlock = 128;
   std::size_t parentheses = 0;
-  std::string_view rest = text;
-  for (; rest.size() >= kBlock; rest.remove_prefix(kBlock)) {
-    std::uint8_t inBlock = 0;
+  std::string_view rest = list;
+  for (; rest.size() > kBlock; rest.remove_prefix(kBlock)) {
+    std::uint8_t opening = 0;
+    std::uint8_t ends = 0;
     for (std::size_t i = 0; i < kBlock; ++i) {
-      inBlock = static_cast<std::uint8_t>(inBlock + (rest[i] == '(' ? 1 : 0));
+      opening = static_cast<std::uint8_t>(opening + (rest[i] == '(' ? 1 : 0));
+      const int difference = (rest[i] ^ ')') | (rest[i + 1] ^ ')');
+      ends |= static_cast<std::uint8_t>(difference == 0 ? 1 : 0);
     }
-    parentheses += inBlock;
+    if (ends != 0) {
+      break;
+    }
+    parentheses += opening;
   }
-  parentheses += static_cast<std::size_t>(std::count(rest.begin(), rest.end(), '('));
+  const std::string_view last = rest.substr(0, rest.find("))"));
+  parentheses += static_cast<std::size_t>(std::count(last.begin(), last.end(), '('));
   constexpr std::size_t kShortest = std::string_view("(1,2,3)").size();
-  return std::min(parentheses, text.size() / kShortest);
+  return std::min(parentheses, list.size() / kShortest);
+}
+
+NumberError scanNumber(StepCursor& cursor, double& value) {
+  return readNumberAt(cursor, value);
 }
 
 double parseNumber(StepCursor& cursor) {
@@ -106,7 +117,7 @@ double parseNumber(StepCursor& cursor) {
   return value;
 }
 
-std::string parseReference(StepCursor& cursor) {
+std::string_view parseReference(StepCursor& cursor) {
   if (!nextIs(cursor, '#')) {
     return {};
   }
@@ -114,7 +125,7 @@ std::string parseReference(StepCursor& cursor) {
   while (cursor.pos < cursor.text.size() && isDigit(cursor.text[cursor.pos])) {
     ++cursor.pos;
   }
-  return std::string(cursor.text.substr(start, cursor.pos - start));
+  return cursor.text.substr(start, cursor.pos - start);
 }
 
 void skipQuotedString(StepCursor& cursor) {

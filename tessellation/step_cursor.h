@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
+#include "common/number.h"
 #include "common/triangle.h"
 
 namespace plenvorith {
@@ -15,8 +15,9 @@ namespace plenvorith {
 /// The operations below move it forward. They are forgiving about separators, which are never
 /// errors when they are missing, and strict about numbers.
 struct StepCursor {
-  std::string_view text;  ///< Not owned.
-  std::size_t pos = 0;    ///< Of the next character; at or behind the end there is none.
+  std::string_view text;     ///< Not owned.
+  std::size_t pos = 0;       ///< Of the next character; at or behind the end there is none.
+  std::size_t readable = 0;  ///< How many bytes behind the text may be read, though none counts.
 };
 
 /// One triangle of a face: three numbers of points, counted from 1, in the order read.
@@ -26,9 +27,10 @@ struct IndexTriple {
   std::int32_t k = 0;
 };
 
-/// The most lists of three numbers, "(1,2,3)", that a text may hold. One that is not well-formed
-/// may hold more than this, so the result is good for reserving memory only.
-[[nodiscard]] std::size_t maxTripleCount(std::string_view text);
+/// The most items like "(1,2,3)" that the list at the start of a text may hold: the parentheses up
+/// to its end, "))". A list that is not well-formed may hold more, so the result is good for
+/// reserving memory only.
+[[nodiscard]] std::size_t maxTripleCount(std::string_view list);
 
 /// Skips blanks: exactly space, horizontal tab, carriage return and line feed.
 inline void skipWhitespace(StepCursor& cursor) {
@@ -64,8 +66,12 @@ inline void consumeIf(StepCursor& cursor, char c) {
 ///         behind the token in both cases.
 double parseNumber(StepCursor& cursor);
 
-/// Reads an instance name ("#42", also "#" alone) behind blanks; empty if none comes next.
-std::string parseReference(StepCursor& cursor);
+/// Like `parseNumber`, but gives the error instead of throwing it; `value` is set if there is none.
+[[nodiscard]] NumberError scanNumber(StepCursor& cursor, double& value);
+
+/// Reads an instance name ("#42", also "#" alone) behind blanks: a part of the text, empty if none
+/// comes next.
+std::string_view parseReference(StepCursor& cursor);
 
 /// Skips a quoted string behind blanks, if one comes next.
 ///

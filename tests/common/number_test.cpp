@@ -40,13 +40,20 @@ constexpr std::size_t kEnd = std::string::npos;
 constexpr std::array<std::string_view, 3> kBehind = {"", ",-12.5,0.),(1.25,-2.5E1,3.75),(4,5,6))",
                                                      "),(1.25,-2.5E1,3.75),(4,5,6),(7,8,9))"};
 
+/// What may be readable behind the end of a text without being part of it.
+constexpr std::array<std::string_view, 4> kReadable = {
+    "", "1234567890123456789012345678901234567890", ".5E1,123456789012345678901234567890",
+    "E-5)123456789012345678901234567890"};
+
 /// Reads the number that a text begins with, from memory of just its size, so that a sanitizer sees
 /// what is read behind its end.
-ReferenceNumber readFrom(std::string_view text, double before = 0.0) {
-  const std::vector<char> characters(text.begin(), text.end());
+ReferenceNumber readFrom(std::string_view text, double before = 0.0,
+                         std::string_view readable = {}) {
+  std::vector<char> characters(text.begin(), text.end());
+  characters.insert(characters.end(), readable.begin(), readable.end());
   double value = before;
   const NumberResult result =
-      readNumber(characters.data(), characters.data() + characters.size(), value);
+      readNumber(characters.data(), characters.data() + text.size(), value, readable.size());
   return {static_cast<std::size_t>(result.end - characters.data()), result.error, value};
 }
 
@@ -290,12 +297,14 @@ void expectSameNumber(std::string_view text) {
   for (const std::string_view behind : kBehind) {
     const std::string whole = std::string(text) + std::string(behind);
     const ReferenceNumber expected = referenceNumber(whole);
-    const ReferenceNumber actual = readFrom(whole);
-    ASSERT_EQ(actual.length, expected.length) << whole;
-    ASSERT_EQ(actual.error, expected.error) << whole;
-    ASSERT_EQ(std::bit_cast<std::uint64_t>(actual.value),
-              std::bit_cast<std::uint64_t>(expected.value))
-        << whole;
+    for (const std::string_view readable : kReadable) {
+      const ReferenceNumber actual = readFrom(whole, 0.0, readable);
+      ASSERT_EQ(actual.length, expected.length) << whole;
+      ASSERT_EQ(actual.error, expected.error) << whole;
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(actual.value),
+                std::bit_cast<std::uint64_t>(expected.value))
+          << whole;
+    }
   }
 }
 

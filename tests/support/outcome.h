@@ -5,6 +5,7 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <typeinfo>
 #include <vector>
@@ -60,7 +61,7 @@ Outcome outcomeOf(Call call) {
     using Result = std::invoke_result_t<Call>;
     if constexpr (std::is_void_v<Result>) {
       call();
-    } else if constexpr (std::is_same_v<Result, std::string>) {
+    } else if constexpr (std::is_convertible_v<Result, std::string_view>) {
       outcome.text = call();
     } else {
       append(outcome.numbers, call());

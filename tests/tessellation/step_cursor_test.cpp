@@ -152,6 +152,20 @@ TEST(ConsumeIf, LeavesAnotherCharacterButNotTheBlanks) {
   EXPECT_EQ(cursor.pos, 2U);
 }
 
+TEST(ScanNumber, GivesErrorsInsteadOfThrowing) {
+  double value = 0.5;
+  StepCursor cursor{" -,1E400,2.5"};
+  EXPECT_EQ(scanNumber(cursor, value), NumberError::NoNumber);
+  EXPECT_EQ(cursor.pos, 2U);
+  consumeIf(cursor, ',');
+  EXPECT_EQ(scanNumber(cursor, value), NumberError::OutOfRange);
+  EXPECT_EQ(cursor.pos, 8U);
+  EXPECT_EQ(value, 0.5);
+  consumeIf(cursor, ',');
+  EXPECT_EQ(scanNumber(cursor, value), NumberError::None);
+  EXPECT_EQ(value, 2.5);
+}
+
 TEST(ParseNumber, ReadsNumbersBehindBlanks) {
   EXPECT_EQ(numberIn("12"), 12.0);
   EXPECT_EQ(numberIn("-12.5E1"), -125.0);
@@ -192,6 +206,23 @@ TEST(ParseNumber, RejectsANumberBehindTheEnd) {
   EXPECT_THAT([&] { parseNumber(cursor); },
               ThrowsMessage<std::invalid_argument>("invalid stod argument"));
   EXPECT_EQ(cursor.pos, 2U);
+}
+
+TEST(MaxTripleCount, IsTheNumberOfParenthesesUpToTheEndOfTheList) {
+  EXPECT_EQ(maxTripleCount("((1,2,3),(4,5,6),(7,8,9))"), 3U);  // as many as there is room for
+  EXPECT_EQ(maxTripleCount("((10,20,30),(40,50,60),(70,80,90))"), 4U);
+  EXPECT_EQ(maxTripleCount("((10,20,30),(40,50,60)),((1,2,3,4,5,6,7,8),(1,2,3,4,5,6,7,8)));"), 3U);
+  EXPECT_EQ(maxTripleCount(""), 0U);
+}
+
+TEST(MaxTripleCount, IsRightWhereverTheListEnds) {
+  std::string list = "(";
+  for (std::size_t count = 1; count <= 200; ++count) {
+    list += "(100,200,300),";
+    const std::string behind = "),((1,2,3),(4,5,6),(7,8,9),(1,2,3),(4,5,6),(7,8,9),(1,2,3)));";
+    const std::string closed = list.substr(0, list.size() - 1) + behind;
+    ASSERT_EQ(maxTripleCount(closed), count + 1);
+  }
 }
 
 TEST(ParseReference, ReadsNumberSignAndDigits) {
@@ -376,14 +407,19 @@ TEST(ParseIndexTriples, GivesTheLeastIntegerForWhatDoesNotFit) {
 template <typename Operation, typename Reference>
 void expectSame(std::string_view text, std::size_t start, Operation operation,
                 Reference reference) {
-  // Memory of just this size, so that a sanitizer sees what is read behind its end.
-  const std::vector<char> characters(text.begin(), text.end());
-  StepCursor cursor{{characters.data(), characters.size()}, start};
   StepCursor referenceCursor{text, start};
   const Outcome expected = outcomeOf([&] { return reference(referenceCursor); });
-  const Outcome actual = outcomeOf([&] { return operation(cursor); });
-  ASSERT_EQ(actual, expected) << "'" << text << "' from " << start;
-  ASSERT_EQ(cursor.pos, referenceCursor.pos) << "'" << text << "' from " << start;
+  for (const std::string_view behind :
+       {"", "1234567890,12.25E5),(3.5,7.,8.),(1,2,3),(4,5,6),(7,8,9))....",
+        ".5),(1,2,3),(1,2,3),(1,2,3),(1,2,3),(1,2,3),(1,2,3),(1,2,3),(1,2,"}) {
+    // Memory of just this size, so that a sanitizer sees what is read behind its end.
+    std::vector<char> characters(text.begin(), text.end());
+    characters.insert(characters.end(), behind.begin(), behind.end());
+    StepCursor cursor{{characters.data(), text.size()}, start, behind.size()};
+    const Outcome actual = outcomeOf([&] { return operation(cursor); });
+    ASSERT_EQ(actual, expected) << "'" << text << "' from " << start;
+    ASSERT_EQ(cursor.pos, referenceCursor.pos) << "'" << text << "' from " << start;
+  }
 }
 
 void expectSameEverywhere(std::string_view text) {
