@@ -1,31 +1,28 @@
-#include "app/allocator.h"
+// The program's operators new, for every library in the process.
+//
+// Those of mimalloc end the program without a word when there is no memory left; these do what the
+// standard says. They take the memory from malloc, so that it comes from the same library as the
+// operators delete give it back to, whichever that is: a library that is preloaded comes first.
 
 #ifdef PLENVORITH_MIMALLOC
 #include <cstddef>
+#include <cstdlib>
 #include <new>
 
-#include <mimalloc.h>
-
-// The library's own operators end the program without a word when there is no memory left. These do
-// what is usual, for every library in the process.
 void* operator new(std::size_t size) {
-  if (void* const memory = mi_malloc(size)) {
-    return memory;
+  while (true) {
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+      return memory;
+    }
+    const std::new_handler handler = std::get_new_handler();
+    if (handler == nullptr) {
+      throw std::bad_alloc();
+    }
+    handler();
   }
-  throw std::bad_alloc();
 }
 
 void* operator new[](std::size_t size) {
   return operator new(size);
 }
 #endif
-
-namespace plenvorith {
-
-void allocateLargePages([[maybe_unused]] bool prefer) {
-#ifdef PLENVORITH_MIMALLOC
-  mi_option_set_enabled(mi_option_large_os_pages, prefer);
-#endif
-}
-
-}  // namespace plenvorith

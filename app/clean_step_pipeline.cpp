@@ -47,7 +47,7 @@ bool writeCleanStep(const Shapes& shapes, const std::string& outputPath, const c
 /// when this returns.
 bool readStripped(const std::string& inputPath, Shapes& shapes) {
   const std::string cleanPath = stripTessellation(inputPath);
-  const bool read = readExactGeometry(cleanPath, shapes);
+  const bool read = readBrepShapes(cleanPath, shapes);
   removeCleanCopy(cleanPath, inputPath);
   return read;
 }
@@ -55,7 +55,7 @@ bool readStripped(const std::string& inputPath, Shapes& shapes) {
 bool convertExact(const std::string& inputPath, const std::string& outputPath) {
   std::cout << "[2] No tessellation, saving clean STEP..." << std::endl;
   Shapes shapes;
-  if (!readExactGeometry(inputPath, shapes)) {
+  if (!readBrepShapes(inputPath, shapes)) {
     std::cerr << "Failed to read STEP" << std::endl;
     return false;
   }
@@ -103,7 +103,7 @@ bool convertMixed(const AnalyzedFile& file, const std::string& inputPath,
   Shapes shapes;
   std::vector<Triangle> brep;
   // Exact geometry that cannot be read is no error here: the tessellation is worth a file.
-  if (readExactGeometry(cleanPath, shapes)) {
+  if (readBrepShapes(cleanPath, shapes)) {
     std::cout << "  Read " << shapes.size() << " BRep shapes" << std::endl;
     brep = meshBrepShapes(shapes, deflection);
     std::cout << "  BRep: " << brep.size() << " triangles" << std::endl;

@@ -6,8 +6,6 @@
 #include <iostream>
 #include <utility>
 
-#include "app/allocator.h"
-
 namespace plenvorith {
 namespace {
 
@@ -24,7 +22,6 @@ const char* statusName(TessellationStatus status) {
 }  // namespace
 
 AnalyzedFile readAndAnalyze(const std::string& inputPath) {
-  allocateLargePages(true);
   AnalyzedFile file;
   std::cout << "Reading: " << inputPath << std::endl;
   std::cout << "[1] Analyzing file structure..." << std::endl;
@@ -33,11 +30,6 @@ AnalyzedFile readAndAnalyze(const std::string& inputPath) {
   file.analysis = analyzeTessellation(file.table);
   std::cout << "  Status: " << statusName(file.analysis.status) << std::endl;
   return file;
-}
-
-bool readExactGeometry(const std::string& path, Shapes& shapes) {
-  allocateLargePages(false);
-  return readBrepShapes(path, shapes);
 }
 
 void removeCleanCopy(const std::string& cleanPath, const std::string& inputPath) {

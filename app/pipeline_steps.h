@@ -21,9 +21,6 @@ struct AnalyzedFile {
 /// Prints  what is read, the step's header, the number of entities and the name of the status.
 AnalyzedFile readAndAnalyze(const std::string& inputPath);
 
-/// Reads the exact geometry of the file at `path` like `readBrepShapes`, with memory set up for it.
-bool readExactGeometry(const std::string& path, Shapes& shapes);
-
 /// Deletes the copy that `stripTessellation` made of the file at `inputPath`, unless it made none
 /// and `cleanPath` is the input itself.
 void removeCleanCopy(const std::string& cleanPath, const std::string& inputPath);

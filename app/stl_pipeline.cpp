@@ -104,7 +104,7 @@ bool convertToStl(const std::string& inputPath, const std::string& outputPath, d
   const std::string cleanPath = stripTessellation(inputPath);
   Shapes shapes;
   std::vector<Triangle> brep;
-  if (!readExactGeometry(cleanPath, shapes)) {
+  if (!readBrepShapes(cleanPath, shapes)) {
     std::cout << "  No BRep geometry found" << std::endl;
   } else {
     std::cout << "  Read " << shapes.size() << " BRep shapes" << std::endl;

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -43,6 +44,9 @@ std::string_view numberToken(const char* p, const char* end) {
 /// does so only where digits get lost, which it alone can tell; such numbers are rare.
 NumberError convertExtreme(std::string_view token, double& value) {
   static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+  if (cLocale == nullptr) {
+    throw std::bad_alloc();  // the only reason that there can be
+  }
   const std::string terminated(token);
   const int errnoBefore = errno;
   errno = 0;

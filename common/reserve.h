@@ -5,9 +5,13 @@
 
 namespace plenvorith {
 
-/// Asks the system to back the `size` bytes at `start` with large pages, where it has them and the
-/// range is worth it. Changes nothing but speed: touching a new page is what costs most in filling
-/// memory, and a large page is touched once where 512 small ones would be.
+/// Asks the system to back the `size` bytes at `start`, whose content is not needed yet, with large
+/// pages, where it has them at hand and the range is worth it.
+///
+/// Changes nothing but speed: touching a page for the first time is what costs most in filling
+/// memory, and a large page is touched once where 512 small ones would be. This is for the few
+/// blocks of megabytes that are filled from one end to the other: texts, points, triples,
+/// triangles.
 void preferLargePages(void* start, std::size_t size);
 
 /// Reserves room for `count` items, in large pages if it is much.

@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 4> kStrippedTypes = {
 /// What stays of a file: whole lines, each with a line feed.
 struct KeptLines {
   std::string text;
-  std::int32_t removedLines = 0;
+  std::int64_t removedLines = 0;
 };
 
 /// Reads on until a trigger word has come by.
