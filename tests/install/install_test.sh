@@ -35,13 +35,14 @@ has_kernel() {
   [[ $(setting PLENVORITH_WITH_KERNEL) =~ ^(ON|TRUE|true)$ ]]
 }
 
-# Configures and builds the project in a folder with the compiler that built ours.
+# Configures the project in a folder with the compiler that built ours, and builds the program that is
+# named like the folder.
 build_project() {
   {
     "$cmake" -G Ninja -S "$1" -B "$1/build" -DCMAKE_PREFIX_PATH="$scratch/usr" \
       -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="${sanitize:+-fsanitize=$sanitize}" \
       "${@:2}" &&
-      "$cmake" --build "$1/build"
+      "$cmake" --build "$1/build" --target "$1"
   } >log 2>&1 || fail "$(cat log)"
 }
 
@@ -70,21 +71,30 @@ ProgramsConvertASample() {
   fi
 }
 
-EveryProgramHasItsPageAndCompletions() {
+PreparedFilesConvert() {
   has_kernel || exit 77
   install
-  local program name version
+  usr/bin/plenvorith-prepare $doc/samples/annotated.step ready.step >report
+  usr/bin/plenvorith ready.step prepared.stl >transcript
+  usr/bin/plenvorith $doc/samples/bracket.step bracket.stl >transcript
+  cmp prepared.stl bracket.stl
+}
+
+EveryProgramHasItsPageAndCompletions() {
+  install
+  local program page version expected=plenvorith-prepare
+  ! has_kernel || expected='plenvorith plenvorith-batch plenvorith-prepare'
+  [[ $(cd usr/bin && echo *) == "$expected" ]] || fail "$(ls usr/bin)"
   version=$(setting CMAKE_PROJECT_VERSION)
-  for program in usr/bin/*; do
-    name=${program##*/}
-    page=usr/share/man/man1/$name.1
+  for program in $expected; do
+    page=usr/share/man/man1/$program.1
     grep -q "\"Plenvorith $version\"" "$page" || fail "no version in $page"
     grep -qF "$(setting PLENVORITH_CONTACT)" "$page" || fail "no contact in $page"
     ! grep '@[A-Za-z_]*@' "$page" || fail "something is not filled in in $page"
-    bash -n "usr/share/bash-completion/completions/$name"
-    grep -q "^#compdef $name$" "usr/share/zsh/site-functions/_$name" || fail "completion of $name"
+    bash -n "usr/share/bash-completion/completions/$program"
+    grep -q "^#compdef $program$" "usr/share/zsh/site-functions/_$program" ||
+      fail "completion of $program"
   done
-  [[ -f usr/share/man/man1/plenvorith.1 ]] || fail 'no page'
 }
 
 LinksBetweenDocumentsLeadSomewhere() {
@@ -154,19 +164,19 @@ PkgConfigKnowsTheLibraries() {
 }
 
 APartOfOtherSourcesIsNotInstalled() {
-  mkdir parent
-  example cpp 1 >parent/decode.cpp
-  cat >parent/CMakeLists.txt <<END
+  mkdir decode
+  example cpp 1 >decode/decode.cpp
+  cat >decode/CMakeLists.txt <<END
 cmake_minimum_required(VERSION 3.25)
-project(parent LANGUAGES CXX)
+project(decode LANGUAGES CXX)
 set(PLENVORITH_WITH_KERNEL OFF)
 add_subdirectory("$source" plenvorith)
 add_executable(decode decode.cpp)
 target_link_libraries(decode PRIVATE plenvorith::tessellation plenvorith::output)
 install(TARGETS decode)
 END
-  build_project parent
-  "$cmake" --install parent/build --prefix "$scratch/usr" >installed
+  build_project decode
+  "$cmake" --install decode/build --prefix "$scratch/usr" >installed
   usr/bin/decode "$source/samples/tessellated.step" knot.stl
   expect_knot knot.stl
   [[ $(find usr -type f) == usr/bin/decode ]] || fail "$(find usr -type f)"
