@@ -158,8 +158,9 @@ void skipParenthesisedGroup(StepCursor& cursor) {
 std::vector<Point3> parsePointList(StepCursor& cursor) {
   std::vector<Point3> points;
   consumeIf(cursor, '(');
-  const auto readShort = [](const char* first, const char* last, Point3& point) {
-    return shorttriple::readPoint(first, last, point);
+  const auto readShort = [](const char* first, const char* last, std::size_t readable,
+                            Point3& point) {
+    return shorttriple::readPoint(first, last, readable, point);
   };
   parseTriples(cursor, points, readShort, [](const Point3& numbers) { return numbers; });
   return points;
@@ -172,8 +173,9 @@ std::vector<IndexTriple> parseIndexTriples(StepCursor& cursor) {
   }
   ++cursor.pos;
   // An empty list ends at its ")" like any other.
-  const auto readShort = [](const char* first, const char* last, IndexTriple& triple) {
-    return shorttriple::readIndices(first, last, triple);
+  const auto readShort = [](const char* first, const char* last, std::size_t readable,
+                            IndexTriple& triple) {
+    return shorttriple::readIndices(first, last, readable, triple);
   };
   parseTriples(cursor, triples, readShort, [](const Point3& numbers) {
     return IndexTriple{truncateToInt32(numbers.x), truncateToInt32(numbers.y),
