@@ -39,8 +39,6 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 }
 
 [[noreturn]] void endChild(int status) {
-  std::cout.flush();
-  std::cerr.flush();
   (void)std::fflush(nullptr);  // what cannot be written is as lost as in any program
   // What the libraries clean up at the end of a process would take longer than a small file.
   _exit(status);
