@@ -19,6 +19,7 @@
 #include <unistd.h>
 
 #include "app/command_line.h"
+#include "prepare/preparation.h"
 
 namespace plenvorith {
 namespace {
@@ -67,12 +68,25 @@ bool setUpChild(const ChildSettings& child, pid_t worker) {
          (child.settings.memoryLimit == 0 || setLimit(RLIMIT_AS, child.settings.memoryLimit));
 }
 
+/// Puts a prepared copy in the place of the input; ends the child where there is none to convert.
+void prepareInput(const ChildSettings& child, std::vector<std::string>& arguments) {
+  if (child.preparedPath.empty()) {
+    return;
+  }
+  const int status = prepareFile(arguments.front(), child.preparedPath);
+  if (status != 0) {
+    endChild(status);
+  }
+  arguments.front() = child.preparedPath;
+}
+
 [[noreturn]] void becomeConverter(const ChildSettings& child, pid_t worker) {
   if (!setUpChild(child, worker)) {
     std::cerr << "plenvorith-batch: cannot set up the conversion" << std::endl;
     endChild(kCannotStart);
   }
   std::vector<std::string> arguments = child.arguments;
+  prepareInput(child, arguments);
   const std::string& program = child.settings.program;
   arguments.insert(arguments.begin(), program.empty() ? "plenvorith" : program);
   std::vector<char*> pointers = pointersTo(arguments);

@@ -16,6 +16,8 @@ struct ChildSettings {
   int transcript = -1;          ///< descriptor for its standard output and error
   ConversionSettings settings;
   std::vector<std::string> arguments;  ///< of the converter, behind the program's name
+  std::string
+      preparedPath;  ///< where the prepared input goes, if it is to be; the converter's then
 };
 
 /// How such a process ended.

@@ -30,6 +30,8 @@ holds all INPUTs, then the file's full name, then the new extension.
       --to stl|stp       kind of output (stl)
       --deflection D     linear deflection of the mesh (0.1)
       --split            one file for each shape
+      --prepare          rewrite each file for the converter first, as
+                         plenvorith-prepare does
       --resume           leave out what is converted already
       --prune            remove the outputs of inputs that have vanished
       --dry-run          tell what would be done; change nothing
@@ -90,6 +92,7 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.add_option("--to", options.settings.to);
   app.add_option("--deflection", options.settings.deflection);
   app.add_flag("--split", options.settings.split);
+  app.add_flag("--prepare", options.settings.prepare);
   app.add_flag("--resume", options.resume);
   app.add_flag("--prune", options.prune);
   app.add_flag("--dry-run", options.dryRun);

@@ -99,7 +99,7 @@ void warmUp(const std::string& folder) {
   std::string name = "plenvorith";
   std::array<char*, 4> arguments = {name.data(), input.data(), output.data(), nullptr};
   (void)runConverter(3, arguments.data());  // what becomes of it says nothing about other files
-  (void)std::fflush(nullptr);  // into the void, too
+  (void)std::fflush(nullptr);               // into the void, too
   dup2(out.get(), STDOUT_FILENO);
   dup2(err.get(), STDERR_FILENO);
 }

@@ -76,8 +76,7 @@ std::string inputPathFor(const Job& job) {
   if (nameOf(job.input).size() + kAddition <= NAME_MAX) {
     return job.input;
   }
-  const std::string link = job.folder + "/input.stp";
-  unlink(link.c_str());
+  const std::string link = temporaryFolder(job) + "/input.stp";
   return symlink(job.input.c_str(), link.c_str()) == 0 ? link : job.input;
 }
 
@@ -88,6 +87,9 @@ ChildSettings childFor(const Job& job, int transcript) {
   child.transcript = transcript;
   child.settings = job.settings;
   child.arguments = {inputPathFor(job), job.outputName, job.settings.deflection};
+  if (job.settings.prepare) {
+    child.preparedPath = temporaryFolder(job) + "/prepared.stp";
+  }
   if (job.settings.split) {
     child.arguments.emplace_back("yes");
   }

@@ -4,15 +4,16 @@ _plenvorith_batch() {
   local cur prev words cword
   _init_completion || return
   case $prev in
-    -o | --output) _filedir -d ;;
-    --program) _filedir ;;
+    -o | --output | --base) _filedir -d ;;
+    --program | --files-from | --export) _filedir ;;
     --to) mapfile -t COMPREPLY < <(compgen -W 'stl stp' -- "$cur") ;;
-    --sshlogin) _known_hosts_real -- "$cur" ;;
-    --deflection | --jobs | --time-limit) ;;
+    --deflection | --jobs | --time-limit | --memory-limit | --memory-free | --include | --exclude) ;;
     *)
       if [[ $cur == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W '--output --to --deflection --split --jobs
-          --time-limit --resume --sshlogin --bar --program --help' -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W '--output --base --files-from --include
+          --exclude --follow --to --deflection --split --prepare --resume --prune --dry-run --jobs
+          --time-limit --memory-limit --memory-free --export --bar --program --version
+          --help' -- "$cur")
       else
         _filedir '@(stp|step|p21)'
       fi

@@ -71,12 +71,12 @@ TEST(ParseOptions, HaveDefaults) {
 
 TEST(ParseOptions, StandInAnyOrderAndForm) {
   const Options options = optionsOf({"a", "-oDIR", "--to=stp", "b", "--deflection", "2.5e-1",
-                                     "--split", "--jobs=3", "--time-limit=5m", "c"});
+                                     "--split", "--prepare", "--jobs=3", "--time-limit=5m", "c"});
   EXPECT_THAT(options.inputs, ElementsAre("a", "b", "c"));
   EXPECT_EQ(options.output, "DIR");
   EXPECT_EQ(options.settings.to, "stp");
   EXPECT_EQ(options.settings.deflection, "2.5e-1");
-  EXPECT_TRUE(options.settings.split);
+  EXPECT_TRUE(options.settings.split && options.settings.prepare);
   EXPECT_EQ(options.jobs, 3);
   EXPECT_EQ(options.settings.timeLimit, 5min);
 }

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # Runs one case on plenvorith-batch, in a folder of its own.
 #
-#   program_test.sh BATCH CONVERTER SAMPLES CASE
+#   program_test.sh BATCH CONVERTER PREPARE SAMPLES CASE
 #
-# BATCH is the program, CONVERTER the one that converts a single file, SAMPLES the folder of the
-# samples. Exit status 77 means that the case cannot run here.
+# BATCH is the program, CONVERTER and PREPARE are those that convert and prepare a single file,
+# SAMPLES is the folder of the samples. Exit status 77 means that the case cannot run here.
 #
 # shellcheck disable=SC2016 # file names and scripts in single quotes are meant as they stand
 set -euo pipefail
 self=$(realpath -- "$0")
-batch=$1 converter=$2 samples=$3 case=$4 program=()
+batch=$1 converter=$2 prepare=$3 samples=$4 case=$5 program=()
 
 scratch=$(mktemp -d)
 trap 'chmod -R u+rwx "$scratch"; rm -rf "$scratch"' EXIT
@@ -800,7 +800,7 @@ GoesOnOnceADiskIsNoLongerFull() {
     ((EUID == 0)) && unshare -m true 2>/dev/null && way=(unshare -m)
     ((${#way[@]})) || ! unshare -rm true 2>/dev/null || way=(unshare -rm)
     ((${#way[@]})) || skip 'cannot mount a file system'
-    PLENVORITH_MOUNTS=yes exec "${way[@]}" "$self" "$batch" "$converter" "$samples" "$case"
+    PLENVORITH_MOUNTS=yes exec "${way[@]}" "$self" "$batch" "$converter" "$prepare" "$samples" "$case"
   fi
   local number size failed=0
   mkdir in out
@@ -830,6 +830,30 @@ GoesOnOnceADiskIsNoLongerFull() {
     umount out
   done
   ((failed > 5)) || fail "only $failed runs met a full disk"
+}
+
+PreparesFilesFirst() {
+  mkdir in single
+  cp "$samples/annotated.step" "$samples/coupling.step" "$samples/bracket.step" in
+  echo 'no STEP file' >in/noise.stp
+  file_with in/none.stp '#1=POINT();'
+  local name form='tessellation of a form that the converter does not decode: try --prepare'
+  run 1 in -o out
+  grep -Eq "coupling.step: $form|annotated.step: exact geometry behind annotation" stdout ||
+    fail 'no hint'
+  run 1 in -o out --prepare --resume
+  expect_line stdout 'Converted: 3 ('"$(grep -oE '[0-9]+ triangles' stdout)"')'
+  for name in annotated coupling bracket; do
+    "$prepare" "in/$name.step" single/ready.stp >/dev/null
+    "$converter" single/ready.stp single/out.stl >/dev/null
+    cmp single/out.stl "out/$name.step.stl"
+  done
+  grep -q '^Preparing: ' out/.plenvorith-batch/transcripts/coupling.step.txt || fail 'no report'
+  grep -q 'noise.stp: not a STEP file' stdout || fail 'no reason'
+  grep -q 'none.stp: no geometry in the file, says its preparation' stdout || fail 'no reason'
+  run 1 in -o out --prepare --resume
+  expect_line stdout 'Converted before: 3'
+  expect_nothing_left out
 }
 
 "$case"
