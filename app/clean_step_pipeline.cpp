@@ -72,10 +72,32 @@ bool convertPaired(const std::string& inputPath, const std::string& outputPath) 
   return writeCleanStep(shapes, outputPath, "Saved clean STEP (without tessellation): ");
 }
 
-bool convertTessellationOnly(const EntityTable& table, const std::string& outputPath) {
-  std::cout << "[2] No BRep geometry, only tessellation. Converting to STL..." << std::endl;
-  const std::vector<Triangle> triangles = decodeAllTriangulatedFaces(table);
-  std::cout << "  Parsed " << triangles.size() << " triangles" << std::endl;
+/// What the rest of the steps needs of the file's text.
+struct DecodedFile {
+  TessellationStatus status = TessellationStatus::NoTessellation;
+  std::vector<Triangle> tessellation;  // that no exact geometry duplicates
+};
+
+/// The steps that need the text. The table, larger than the file, is gone before the kernel needs
+/// memory.
+DecodedFile readAndDecode(const std::string& inputPath) {
+  const AnalyzedFile file = readAndAnalyze(inputPath);
+  DecodedFile decoded{file.analysis.status, {}};
+  if (decoded.status == TessellationStatus::TessellationOnly) {
+    std::cout << "[2] No BRep geometry, only tessellation. Converting to STL..." << std::endl;
+    decoded.tessellation = decodeAllTriangulatedFaces(file.table);
+    std::cout << "  Parsed " << decoded.tessellation.size() << " triangles" << std::endl;
+  } else if (decoded.status == TessellationStatus::PartiallyUnique) {
+    std::cout << "[2] Mixed: BRep + unique tessellation. Converting all to STL..." << std::endl;
+    std::cout << "[3] Parsing unique tessellation..." << std::endl;
+    decoded.tessellation = decodeTriangulatedFaces(file.table, file.analysis.uniqueFaces);
+    std::cout << "  Parsed " << decoded.tessellation.size() << " triangles from unique tessellation"
+              << std::endl;
+  }
+  return decoded;
+}
+
+bool writeTessellation(const std::vector<Triangle>& triangles, const std::string& outputPath) {
   if (triangles.empty()) {
     std::cerr << "No triangles found in tessellation" << std::endl;
     return false;
@@ -88,16 +110,9 @@ bool convertTessellationOnly(const EntityTable& table, const std::string& output
   return true;
 }
 
-bool convertMixed(const AnalyzedFile& file, const std::string& inputPath,
+bool convertMixed(std::vector<Triangle> tessellation, const std::string& inputPath,
                   const std::string& outputPath, double deflection) {
-  std::cout << "[2] Mixed: BRep + unique tessellation. Converting all to STL..." << std::endl;
-  std::cout << "[3] Parsing unique tessellation..." << std::endl;
-  std::vector<Triangle> tessellation =
-      decodeTriangulatedFaces(file.table, file.analysis.uniqueFaces);
   const std::size_t tessellationCount = tessellation.size();
-  std::cout << "  Parsed " << tessellationCount << " triangles from unique tessellation"
-            << std::endl;
-
   std::cout << "[4] Stripping tessellation and reading BRep..." << std::endl;
   const std::string cleanPath = stripTessellation(inputPath);
   Shapes shapes;
@@ -139,16 +154,16 @@ bool convertToCleanStep(const std::string& inputPath, const std::string& outputP
   if (splitShapes) {
     return convertSplit(inputPath, outputPath);
   }
-  const AnalyzedFile file = readAndAnalyze(inputPath);
-  switch (file.analysis.status) {
+  DecodedFile file = readAndDecode(inputPath);
+  switch (file.status) {
     case TessellationStatus::NoTessellation:
       return convertExact(inputPath, outputPath);
     case TessellationStatus::AllPaired:
       return convertPaired(inputPath, outputPath);
     case TessellationStatus::TessellationOnly:
-      return convertTessellationOnly(file.table, outputPath);
+      return writeTessellation(file.tessellation, outputPath);
     case TessellationStatus::PartiallyUnique:
-      return convertMixed(file, inputPath, outputPath, deflection);
+      return convertMixed(std::move(file.tessellation), inputPath, outputPath, deflection);
   }
   return false;
 }

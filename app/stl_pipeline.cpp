@@ -26,7 +26,13 @@ void printCounts(const TessellationAnalysis& analysis) {
   std::cout << "  Unique tess faces to parse: " << analysis.uniqueFaces.size() << std::endl;
 }
 
-/// Step [2]: the triangles of the tessellation that no exact geometry duplicates.
+/// What the rest of the steps needs of the file's text.
+struct DecodedFile {
+  TessellationStatus status = TessellationStatus::NoTessellation;
+  std::vector<Triangle> tessellation;  // that no exact geometry duplicates
+};
+
+/// Step [2].
 std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
   std::vector<Triangle> triangles;
   switch (file.analysis.status) {
@@ -48,6 +54,13 @@ std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
       break;
   }
   return triangles;
+}
+
+/// Steps [1] and [2]. The table, larger than the file, is gone before the kernel needs memory.
+DecodedFile readAndDecode(const std::string& inputPath) {
+  const AnalyzedFile file = readAndAnalyze(inputPath);
+  printCounts(file.analysis);
+  return {file.analysis.status, decodeTessellation(file)};
 }
 
 /// Split mode, once the shapes are read: one file for each of them, one for the tessellation.
@@ -93,11 +106,9 @@ bool writeMerged(std::vector<Triangle> brep, std::vector<Triangle> tessellation,
 
 bool convertToStl(const std::string& inputPath, const std::string& outputPath, double deflection,
                   bool splitShapes) {
-  const AnalyzedFile file = readAndAnalyze(inputPath);
-  printCounts(file.analysis);
-  std::vector<Triangle> tessellation = decodeTessellation(file);
-  if (file.analysis.status == TessellationStatus::TessellationOnly) {
-    return writeMerged({}, std::move(tessellation), outputPath);
+  DecodedFile file = readAndDecode(inputPath);
+  if (file.status == TessellationStatus::TessellationOnly) {
+    return writeMerged({}, std::move(file.tessellation), outputPath);
   }
 
   std::cout << "[3] Stripping tessellation and reading BRep..." << std::endl;
@@ -109,14 +120,14 @@ bool convertToStl(const std::string& inputPath, const std::string& outputPath, d
   } else {
     std::cout << "  Read " << shapes.size() << " BRep shapes" << std::endl;
     if (splitShapes) {
-      writeSplit(shapes, tessellation, outputPath, deflection);
+      writeSplit(shapes, file.tessellation, outputPath, deflection);
       removeCleanCopy(cleanPath, inputPath);
       return true;
     }
     brep = mesh(shapes, deflection);
   }
   removeCleanCopy(cleanPath, inputPath);
-  return writeMerged(std::move(brep), std::move(tessellation), outputPath);
+  return writeMerged(std::move(brep), std::move(file.tessellation), outputPath);
 }
 
 void writeShapesAsStl(const Shapes& shapes, const std::string& outputPath, double deflection) {
