@@ -10,18 +10,20 @@
 #include <optional>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "batch/conversion_loop.h"
-#include "batch/descriptor.h"
 #include "batch/export.h"
 #include "batch/find_files.h"
 #include "batch/folder.h"
+#include "batch/host_loop.h"
 #include "batch/ledger.h"
+#include "batch/merge.h"
 #include "batch/names.h"
+#include "batch/output_folder.h"
+#include "batch/run_report.h"
+#include "batch/shard.h"
 #include "batch/summary.h"
 #include "batch/text.h"
 
@@ -72,35 +74,26 @@ std::string objection(const Options& options, const Places& places, const FoundF
   if (!found.wrongUse.empty()) {
     return found.wrongUse;
   }
-  const bool hasOtherWork = options.prune || !options.exportPath.empty();
-  if (found.files.empty() && !hasOtherWork) {
+  if (options.merge) {
+    const bool hasShards = access(shardsFolder(places).c_str(), F_OK) == 0;
+    return hasShards ? "" : "no shards in " + places.output;
+  }
+  if (found.files.empty()) {
+    const bool hasOtherWork = options.prune || !options.exportPath.empty();
     for (const std::string& problem : found.problems) {
       say(problem);
     }
-    return "no STEP file found";
+    if (!hasOtherWork) {
+      return "no STEP file found";
+    }
+    const bool isStateThere = access(places.database.c_str(), F_OK) == 0;
+    return isStateThere ? "" : "no state of earlier runs in " + places.output;
   }
   if (options.settings.to == "stp" && isSameFolder(places.output, found.base)) {
     return "the outputs would lie among the inputs, and be inputs of the next run: choose another "
            "DIR";
   }
   return {};
-}
-
-/// Takes the output folder for this run alone; says what is in the way.
-std::string takeOutputFolder(const Places& places, Descriptor& lock) {
-  if (!makeFolders(places.state)) {
-    return places.state + ": " + strerror(errno);
-  }
-  constexpr mode_t kRights = 0666;
-  lock = Descriptor(open(places.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kRights));
-  if (!lock.isOpen()) {
-    return places.lock + ": " + strerror(errno);
-  }
-  if (flock(lock.get(), LOCK_EX | LOCK_NB) != 0) {
-    return "another run is writing to " + places.output;
-  }
-  removeTree(places.run);
-  return makeFolders(places.run) ? std::string() : places.run + ": " + strerror(errno);
 }
 
 /// Takes the files out of the list that need no conversion; gives their number.
@@ -178,7 +171,9 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
   if (!beginRun(state, arguments, context, run)) {
     return refuse(context.places.database + ": " + stateProblem(state));
   }
-  const LoopEnd end = convertFiles(options, state, context, found.files, summary);
+  const LoopEnd end = options.sshlogin.empty()
+                          ? convertFiles(options, state, context, found.files, summary)
+                          : convertOnHosts(options, state, context, found.files, summary);
   run.end = timeText();
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.result = end.signal == 0 && end.problem.empty() ? "finished" : "interrupted";
@@ -191,11 +186,50 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
     say(end.problem);
   }
   const bool isOtherDone = end.signal != 0 || doOtherWork(options, context.places, state);
-  const bool isAllWell = printSummary(summary, found, run.seconds, context.places.state);
+  bool isAllWell = printSummary(summary, found, run.seconds, context.places.state);
+  // Shards have one together, when they are merged.
+  isAllWell = (options.shard || reportState(options, state, context.places)) && isAllWell;
   if (end.signal != 0) {
     return 128 + end.signal;
   }
   return isAllWell && isOtherDone && end.problem.empty() ? 0 : kSomeFailed;
+}
+
+/// Makes one state of those of the shards, and the report of it.
+int mergeAll(const Options& options, const Places& places, StateHandle& state) {
+  const std::optional<Division> division = readDivision(divisionPath(places));
+  const Merged merged = mergeShards(state, places);
+  std::cout << "Merged: " << merged.shards << " shards, " << merged.files << " files" << std::endl;
+  for (const std::string& problem : merged.problems) {
+    say(problem);
+  }
+  std::int64_t open = 0;
+  for (const InputFile& file : division ? division->files : std::vector<InputFile>()) {
+    const std::optional<FileRecord> record = findFile(state, file.path);
+    open += record && record->status == FileStatus::Converted ? 0 : 1;
+  }
+  if (open > 0) {
+    std::cout << "Not converted: " << open << std::endl;
+  }
+  const bool isOtherDone = doOtherWork(options, places, state);
+  const bool isReported = reportState(options, state, places);
+  return merged.problems.empty() && open == 0 && isOtherDone && isReported ? 0 : kSomeFailed;
+}
+
+/// Does what there is to do, with the output folder taken and its state open.
+int work(const Options& options, const std::vector<std::string>& arguments, StateHandle* state,
+         RunContext& context, FoundFiles& found) {
+  if (options.merge) {
+    return mergeAll(options, context.places, *state);
+  }
+  Summary summary;
+  if (options.resume && state != nullptr) {
+    summary.convertedBefore = dropUpToDate(*state, context, found.files);
+  }
+  summary.files = static_cast<std::int64_t>(found.files.size());
+  sortForConversion(found.files);
+  return options.dryRun ? tellPlan(options, context.places, found, summary)
+                        : convertAll(options, arguments, *state, context, found, summary);
 }
 
 }  // namespace
@@ -209,39 +243,29 @@ int runDriver(const Options& given, const std::vector<std::string>& arguments) {
     }
     program = absolutePath(program);
   }
-  const Places places = placesIn(absolutePath(options.output));
+  const Places all = placesIn(absolutePath(options.output));
+  const Places places = options.shard ? placesOfShard(all, *options.shard) : all;
   FoundFiles found = findFiles(options, places.output);
-  const std::string problem = objection(options, places, found);
+  RunContext context{places, found.base, settingsText(options.settings),
+                     programText(options.settings), 0};
+  std::string problem = objection(options, places, found);
+  Locks locks;
+  State state;
+  const bool isStateThere = access(places.database.c_str(), F_OK) == 0;
+  if (problem.empty() && (!options.dryRun || (options.resume && isStateThere))) {
+    problem = takeOutputFolder(options, context, locks);
+    if (problem.empty()) {
+      const StateUse use = options.shard ? StateUse::Alone : StateUse::Write;
+      state = openState(places.database, problem, use);
+    }
+  }
+  if (problem.empty() && options.shard) {
+    problem = becomeShard(options, context, state.get(), found.files);
+  }
   if (!problem.empty()) {
     return refuse(problem);
   }
-  const bool isStateThere = access(places.database.c_str(), F_OK) == 0;
-  if (found.files.empty() && !isStateThere) {
-    return refuse("no state of earlier runs in " + places.output);
-  }
-
-  Descriptor lock;
-  State state;
-  if (!options.dryRun || (options.resume && isStateThere)) {
-    std::string obstacle = takeOutputFolder(places, lock);
-    if (obstacle.empty()) {
-      state = openState(places.database, obstacle);
-    }
-    if (!state) {
-      return refuse(obstacle);
-    }
-  }
-  RunContext context{places, found.base, settingsText(options.settings),
-                     programText(options.settings), 0};
-  Summary summary;
-  if (options.resume && state) {
-    summary.convertedBefore = dropUpToDate(*state, context, found.files);
-  }
-  summary.files = static_cast<std::int64_t>(found.files.size());
-  sortForConversion(found.files);
-  const int status = options.dryRun
-                         ? tellPlan(options, places, found, summary)
-                         : convertAll(options, arguments, *state, context, found, summary);
+  const int status = work(options, arguments, state.get(), context, found);
   state.reset();
   removeTree(places.run);
   return status;

@@ -40,12 +40,19 @@ holds all INPUTs, then the file's full name, then the new extension.
       --memory-limit M   address space for one file: 800M, 4G, 0 for all (0)
       --memory-free M    begin no file while less memory is free (1G)
       --export FILE      write what is known of all files, as .csv or .json
+      --check            have admesh look for open edges, for the report
+      --thumbnails       have f3d draw every mesh, for the report
+      --sshlogin HOSTS   hosts to convert on, as for GNU parallel; ":" is this one
+      --transfer         send inputs to the hosts and bring outputs back: they need
+                         not see the same files
+      --shard K/N        convert the K-th of N parts; for batch systems
+      --merge            make one state and one report of those of the shards
       --bar              progress line, even if standard error is no terminal
       --program FILE     run this instead of the converter that is built in
       --version          print version and kernel release
   -h, --help             this text
 
---export and --prune need no INPUT. Exit status: 0 all files converted, 1 some
+--export, --prune and --merge need no INPUT. Exit status: 0 all files converted, 1 some
 not, 2 nothing was begun.)";
 
 std::optional<std::int64_t> numberFrom(std::string_view text) {
@@ -74,7 +81,7 @@ std::string_view withoutLast(const std::string& text) {
 
 /// The texts of options whose values are more than texts.
 struct RawValues {
-  std::optional<std::string> jobs, timeLimit, memoryLimit, memoryFree;
+  std::optional<std::string> jobs, timeLimit, memoryLimit, memoryFree, shard;
   bool help = false;
   bool version = false;
 };
@@ -101,6 +108,12 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.add_option("--memory-limit", raw.memoryLimit);
   app.add_option("--memory-free", raw.memoryFree);
   app.add_option("--export", options.exportPath);
+  app.add_option("--sshlogin", options.sshlogin);
+  app.add_flag("--transfer", options.transfer);
+  app.add_option("--shard", raw.shard);
+  app.add_flag("--merge", options.merge);
+  app.add_flag("--check", options.checks);
+  app.add_flag("--thumbnails", options.pictures);
   app.add_flag("--bar", options.bar);
   app.add_option("--program", options.settings.program);
   app.add_flag("--worker", options.worker);
@@ -133,7 +146,23 @@ void take(const char* option, const std::optional<std::string>& text, const char
 
 /// Whether the run has nothing to convert and only works on what earlier runs have noted.
 bool worksOnTheStateOnly(const Options& options) {
-  return !options.dryRun && (options.prune || !options.exportPath.empty());
+  return !options.dryRun && (options.prune || options.merge || !options.exportPath.empty());
+}
+
+/// What is wrong with the options for hosts and shards together.
+void checkSharing(const Options& options, std::vector<std::string>& problems) {
+  const bool hasInputs = !options.inputs.empty() || options.listing;
+  if (options.transfer && options.sshlogin.empty()) {
+    problems.emplace_back("--transfer needs --sshlogin");
+  }
+  if (options.merge && (hasInputs || options.shard || options.dryRun)) {
+    problems.emplace_back("--merge converts nothing: no INPUT, --shard or --dry-run with it");
+  }
+  if (options.shard &&
+      (options.prune || options.checks || options.pictures || !options.exportPath.empty())) {
+    problems.emplace_back(
+        "--prune, --export, --check and --thumbnails go with --merge, not --shard");
+  }
 }
 
 /// What is wrong with the options, one line each.
@@ -158,6 +187,7 @@ std::vector<std::string> check(Options& options, const RawValues& raw) {
     problems.push_back("--export is a file that ends in .csv or .json, not " + path);
   }
   options.jobs = cores;
+  options.jobsText = raw.jobs.value_or("");
   take("--jobs", raw.jobs, "a number above 0, as in 4, 50%, +1 or -1", options.jobs, problems,
        [cores](const std::string& text) { return jobsFrom(text, cores); });
   take("--time-limit", raw.timeLimit, "a number and s, m or h", options.settings.timeLimit,
@@ -166,6 +196,9 @@ std::vector<std::string> check(Options& options, const RawValues& raw) {
        options.settings.memoryLimit, problems, bytesFrom);
   take("--memory-free", raw.memoryFree, "a number of bytes and k, M or G", options.memoryFree,
        problems, bytesFrom);
+  take("--shard", raw.shard, "a number and how many there are, as in 2/8", options.shard, problems,
+       shardFrom);
+  checkSharing(options, problems);
   return problems;
 }
 
@@ -214,6 +247,20 @@ std::optional<std::chrono::seconds> durationFrom(const std::string& text) {
     return std::nullopt;
   }
   return std::chrono::seconds(std::min(*seconds, kLongest));
+}
+
+std::optional<Shard> shardFrom(const std::string& text) {
+  constexpr std::int64_t kMost = 100000;
+  const std::size_t slash = text.find('/');
+  if (slash == std::string::npos) {
+    return std::nullopt;
+  }
+  const std::optional<std::int64_t> number = numberFrom(std::string_view(text).substr(0, slash));
+  const std::optional<std::int64_t> count = numberFrom(std::string_view(text).substr(slash + 1));
+  if (!number || !count || *number < 1 || *number > *count || *count > kMost) {
+    return std::nullopt;
+  }
+  return Shard{static_cast<int>(*number), static_cast<int>(*count)};
 }
 
 std::optional<std::int64_t> bytesFrom(const std::string& text) {

@@ -8,6 +8,12 @@
 
 namespace plenvorith {
 
+/// One of the parts that several processes, each on its own, convert into one output folder.
+struct Shard {
+  int number = 1;  ///< from 1 to count
+  int count = 1;
+};
+
 /// What decides, for all files of a run alike, what is made of them and with how much.
 struct ConversionSettings {
   std::string to = "stl";          ///< extension of the output: "stl" or "stp"
@@ -36,7 +42,14 @@ struct Options {
   int jobs = 1;                      ///< files at once on this machine
   std::int64_t memoryFree = std::int64_t{1} << 30;  ///< bytes; below, no further file is begun
   std::string exportPath;                           ///< .csv or .json file to write; may be empty
-  bool worker = false;  ///< take jobs on standard input instead, for a driver
+  std::string jobsText;   ///< the same, as given, for other hosts; empty: one for each core
+  std::string sshlogin;   ///< hosts to convert on, as GNU parallel takes them; empty: only here
+  bool transfer = false;  ///< send inputs to the hosts and bring outputs back
+  std::optional<Shard> shard;  ///< the part to convert, if not all
+  bool merge = false;          ///< make one state of those of the shards; converts nothing
+  bool checks = false;         ///< have admesh look at every mesh
+  bool pictures = false;       ///< have f3d draw every mesh
+  bool worker = false;         ///< take jobs on standard input instead, for a driver
 };
 
 struct ParsedOptions {
@@ -56,6 +69,9 @@ std::optional<int> jobsFrom(const std::string& text, int cores);
 
 /// The seconds of "90", "90s", "5m" or "2h". Nothing for other texts.
 std::optional<std::chrono::seconds> durationFrom(const std::string& text);
+
+/// The shard of "2/8". Nothing for other texts.
+std::optional<Shard> shardFrom(const std::string& text);
 
 /// The bytes of "1000", "64k", "512M" or "2G" (powers of 1024). Nothing for other texts.
 std::optional<std::int64_t> bytesFrom(const std::string& text);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include "batch/state_queries.h"
 #include "batch/statement.h"
@@ -46,6 +47,45 @@ PRAGMA synchronous = NORMAL;
 PRAGMA wal_autocheckpoint = 250;
 PRAGMA journal_size_limit = 0;
 )";
+
+/// A path as the address of a database that nobody changes.
+std::string unchangingAddress(const std::string& path) {
+  constexpr const char* kDigits = "0123456789abcdef";
+  std::string address = "file:";
+  for (const char c : path) {
+    if (c == '%' || c == '?' || c == '#') {
+      const auto byte = static_cast<unsigned char>(c);
+      address += {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+    } else {
+      address += c;
+    }
+  }
+  return address + "?immutable=1";
+}
+
+int openDatabase(const std::string& path, StateUse use, sqlite3** database) {
+  constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  switch (use) {
+    case StateUse::Write:
+      return sqlite3_open_v2(path.c_str(), database, kFlags, nullptr);
+    case StateUse::Read:
+      return sqlite3_open_v2(unchangingAddress(path).c_str(), database,
+                             SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+    case StateUse::Alone:
+      break;
+  }
+  // Without locks there is no memory to share with others, which the log would need.
+  const int result = sqlite3_open_v2(path.c_str(), database, kFlags, "unix-none");
+  return result == SQLITE_OK && !executeStatements(*database, "PRAGMA locking_mode = EXCLUSIVE")
+             ? SQLITE_ERROR
+             : result;
+}
+
+/// Whether there are changes that were not taken into the database yet.
+bool hasLog(const std::string& path) {
+  struct stat status {};
+  return stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0;
+}
 
 void bindOptional(StatementUse& use, const std::optional<int>& value) {
   if (value) {
@@ -199,14 +239,17 @@ void CloseState::operator()(StateHandle* state) const {
   delete state;
 }
 
-State openState(const std::string& path, std::string& problem) {
+State openState(const std::string& path, std::string& problem, StateUse use) {
   State state(new StateHandle);
   const auto fail = [&] {
     problem = path + ": " + stateProblem(*state);
     return State();
   };
-  if (sqlite3_open_v2(path.c_str(), &state->database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                      nullptr) != SQLITE_OK) {
+  if (use == StateUse::Read && hasLog(path)) {
+    problem = path + ": written by a run that was cut short; --merge puts it right";
+    return State();
+  }
+  if (openDatabase(path, use, &state->database) != SQLITE_OK) {
     return fail();
   }
   constexpr int kPatience = 5000;  // milliseconds that a reader may keep the state
@@ -216,7 +259,8 @@ State openState(const std::string& path, std::string& problem) {
     problem = path + ": written by a newer version of the program";
     return State();
   }
-  if (version < 0 || !executeStatements(state->database, kSetup) ||
+  const bool isSetUp = use == StateUse::Read || executeStatements(state->database, kSetup);
+  if (version < 0 || !isSetUp ||
       (version < kStateVersion && !executeStatements(state->database, kStateSchema)) ||
       !prepareStatements(*state)) {
     return fail();

@@ -74,8 +74,16 @@ struct CloseState {
 };
 using State = std::unique_ptr<StateHandle, CloseState>;
 
-/// Opens the state at `path`, made if it is not there; `problem` says why if the result is null.
-State openState(const std::string& path, std::string& problem);
+/// How a state is used.
+enum class StateUse {
+  Write,  ///< others may read it meanwhile
+  Alone,  ///< nobody else has it open; no locks are used, which a network disk may not have
+  Read,   ///< nobody changes it meanwhile; no locks, either
+};
+
+/// Opens the state at `path`, made if it is not there and is to be written; `problem` says why if
+/// the result is null.
+State openState(const std::string& path, std::string& problem, StateUse use = StateUse::Write);
 
 /// What went wrong last.
 std::string stateProblem(StateHandle& state);

@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include "batch/descriptor.h"
+#include "batch/find_files.h"
 #include "batch/folder.h"
 #include "batch/input_identity.h"
 #include "batch/outputs.h"
@@ -142,6 +143,15 @@ Descriptor listenToSignals() {
   return Descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
+/// Paths of a job that are relative are those below the folder where the worker runs.
+void makeAbsolute(const std::string& folder, Job& job) {
+  for (std::string* const path : {&job.input, &job.folder, &job.transcript}) {
+    if (!path->starts_with('/')) {
+      *path = folder + '/' + *path;
+    }
+  }
+}
+
 /// Cuts the first line off the front of `text`, or nothing if there is no whole one.
 std::optional<std::string> takeLine(std::string& text) {
   const std::size_t end = text.find('\n');
@@ -218,6 +228,7 @@ int runWorker(int jobs, int results) {
   const Descriptor listener = listenToSignals();
   const WorkerSignals signals{listener.get(), results};
   const std::string host = hostName();
+  const std::string folder = absolutePath(".");
   std::string text;
   bool isWarm = false;
   bool isStopped = false;
@@ -229,10 +240,11 @@ int runWorker(int jobs, int results) {
       }
       continue;
     }
-    const std::optional<Job> job = jobFrom(*line);
+    std::optional<Job> job = jobFrom(*line);
     if (!job) {
       return 2;
     }
+    makeAbsolute(folder, *job);
     if (!isWarm && job->settings.program.empty() && makeEmptyFolder(temporaryFolder(*job))) {
       warmUp(temporaryFolder(*job));
       isWarm = true;

@@ -1,0 +1,414 @@
+// The page of a report. What is shown - filters, order, page - stands in the address behind the "#",
+// so that a view can be kept and sent on.
+'use strict';
+(() => {
+  const kPageRows = 100;
+  const byId = (id) => document.getElementById(id);
+  const data = JSON.parse(byId('data').textContent);
+
+  // ------------------------------------------------------------------------------ names and numbers
+
+  // A name is a text in which a byte b that is no UTF-8 stands as the lone surrogate 0xDC00 + b.
+  const isByte = (code) => code >= 0xdc80 && code <= 0xdcff;
+  const hex = (code, digits) => code.toString(16).padStart(digits, '0');
+
+  // What would not show, or would change how the rest shows, is written as an escape.
+  const kHidden =
+    /[\u0000-\u001f\u007f-\u009f\u00ad\u061c\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff\ufff9-\ufffb]/;
+  const kEscapes = { '\n': '\\n', '\t': '\\t', '\r': '\\r', '\\': '\\\\' };
+  function shown(name) {
+    let text = '';
+    for (const letter of name) {
+      const code = letter.codePointAt(0);
+      if (isByte(code)) {
+        text += '\\x' + hex(code - 0xdc00, 2);
+      } else if (kEscapes[letter]) {
+        text += kEscapes[letter];
+      } else if (kHidden.test(letter)) {
+        text += code < 0x100 ? '\\x' + hex(code, 2) : '\\u' + hex(code, 4);
+      } else {
+        text += letter;
+      }
+    }
+    return text;
+  }
+
+  function linkTo(name) {
+    let link = '';
+    for (const letter of name) {
+      const code = letter.codePointAt(0);
+      link += isByte(code) ? '%' + hex(code - 0xdc00, 2) : letter === '/' ? '/' : encodeURIComponent(letter);
+    }
+    return './' + link;
+  }
+
+  const count = (number) => number.toString().replace(/\B(?=(\d{3})+$)/g, '\u202f');
+  const digits = (number) => String(Number(number.toPrecision(6)));
+  function bytes(number) {
+    const units = ['B', 'kB', 'MB', 'GB', 'TB'];
+    let unit = 0;
+    while (number >= 999.5 && unit < units.length - 1) {
+      number /= 1000;
+      unit += 1;
+    }
+    return (unit === 0 || number >= 99.95 ? number.toFixed(0) : number.toFixed(1)) + ' ' + units[unit];
+  }
+  const seconds = (number) => (number < 99.995 ? number.toFixed(2) : number.toFixed(0));
+  function duration(number) {
+    if (number < 120) {
+      return seconds(number) + ' s';
+    }
+    const minutes = Math.round(number / 60);
+    return minutes < 120 ? minutes + ' min' : Math.floor(minutes / 60) + ' h ' + (minutes % 60) + ' min';
+  }
+
+  // "20k" is 20000. Nothing written is no limit; what is no number is marked and is no limit either.
+  const kFactors = { '': 1, k: 1e3, m: 1e6, g: 1e9 };
+  function limitFrom(input) {
+    const match = /^\s*(\d+\.?\d*|\.\d+)\s*([kmg]?)b?\s*$/i.exec(input.value);
+    input.classList.toggle('wrong', !match && input.value.trim() !== '');
+    return match ? Number(match[1]) * kFactors[match[2].toLowerCase()] : null;
+  }
+
+  // ------------------------------------------------------------------------------------- the files
+
+  // What a check adds up to over the outputs of a file; null if none was checked.
+  function sumOf(outputs, key) {
+    const known = outputs.filter((output) => output[key] !== undefined);
+    return known.length ? known.reduce((sum, output) => sum + output[key], 0) : null;
+  }
+
+  const files = data.files.map((record, index) => {
+    const outputs = record.outputs || [];
+    return {
+      index, record, outputs,
+      name: shown(record.name),
+      reason: shown(record.reason || ''),
+      openEdges: sumOf(outputs, 'openEdges'),
+      volume: sumOf(outputs, 'volume'),
+      open: false, // whether its details are shown
+      key: '',
+    };
+  });
+  for (const file of files) {
+    file.key = (file.name + '\n' + file.reason).toLowerCase();
+  }
+  const hasPictures = files.some((file) => file.outputs.some((output) => output.picture));
+  const hasChecks = files.some((file) => file.openEdges !== null);
+  const kNames = { converted: 'converted', failed: 'failed', delivering: 'interrupted' };
+
+  // The reasons with the number of their files, the most frequent first.
+  const reasons = new Map();
+  for (const file of files) {
+    if (file.reason) {
+      reasons.set(file.reason, (reasons.get(file.reason) || 0) + 1);
+    }
+  }
+  const reasonList = [...reasons].sort((a, b) => b[1] - a[1] || (a[0] < b[0] ? -1 : 1));
+  const reasonRank = new Map(reasonList.map(([reason], rank) => [reason, rank]));
+
+  function extent(file) {
+    const b = file.record.bounds;
+    return b ? [b[3] - b[0], b[4] - b[1], b[5] - b[2]] : null;
+  }
+  const known = (value) => (value === undefined ? null : value);
+
+  // `key` gives the number that a column is sorted by; null goes to the end in both directions.
+  const columns = [
+    { id: 'status', title: 'Status', key: (f) => ['failed', 'delivering', 'converted'].indexOf(f.record.status) },
+    { id: 'name', title: 'File', key: (f) => f.index }, // the records come in the order of the names
+    { id: 'size', title: 'Size', number: true, key: (f) => known(f.record.size) },
+    { id: 'seconds', title: 'Seconds', number: true, key: (f) => known(f.record.seconds) },
+    { id: 'triangles', title: 'Triangles', number: true, key: (f) => known(f.record.triangles) },
+    {
+      id: 'bounds', title: 'Extent', number: true,
+      key: (f) => (extent(f) ? Math.hypot(...extent(f)) : null),
+    },
+    { id: 'check', title: 'Closed', key: (f) => f.openEdges },
+    { id: 'volume', title: 'Volume', number: true, key: (f) => f.volume },
+    { id: 'memory', title: 'Memory', number: true, key: (f) => known(f.record.peakMemory) },
+    { id: 'reason', title: 'Reason', key: (f) => (f.reason ? reasonRank.get(f.reason) : null) },
+  ].filter((column) => hasChecks || (column.id !== 'check' && column.id !== 'volume'));
+
+  // --------------------------------------------------------------------------------------- the view
+
+  const kFields = ['q', 'status', 'reason', 'sizeMin', 'sizeMax', 'secondsMin', 'secondsMax', 'trianglesMin', 'trianglesMax'];
+  const view = { sort: 'name', down: false, page: 0 };
+  let found = [];
+
+  function select() {
+    const query = byId('q').value.toLowerCase().split(' ').filter((word) => word);
+    const status = byId('status').value;
+    const reason = byId('reason').value;
+    const ranges = ['size', 'seconds', 'triangles'].map((field) => [field, limitFrom(byId(field + 'Min')), limitFrom(byId(field + 'Max'))])
+      .filter(([, min, max]) => min !== null || max !== null);
+    found = files.filter((file) =>
+      (!status || file.record.status === status) &&
+      (!reason || file.reason === reason) &&
+      ranges.every(([field, min, max]) => {
+        const value = file.record[field];
+        return value !== undefined && (min === null || value >= min) && (max === null || value <= max);
+      }) &&
+      query.every((word) => file.key.includes(word)));
+  }
+
+  function sort() {
+    const key = columns.find((column) => column.id === view.sort).key;
+    const keys = new Float64Array(files.length);
+    for (const file of found) {
+      const value = key(file);
+      keys[file.index] = value === null ? NaN : view.down ? -value : value;
+    }
+    found.sort((a, b) => {
+      const x = keys[a.index], y = keys[b.index];
+      if (x === y || (x !== x && y !== y)) {
+        return a.index - b.index;
+      }
+      return x < y || y !== y ? -1 : 1;
+    });
+  }
+
+  function element(tag, properties, ...children) {
+    const made = document.createElement(tag);
+    Object.assign(made, properties);
+    made.append(...children);
+    return made;
+  }
+
+  function picture(output) {
+    return element('img', { src: 'data:image/png;base64,' + output.picture, alt: '', loading: 'lazy' });
+  }
+
+  const checkText = (openEdges) => (openEdges === 0 ? 'closed' : count(openEdges) + ' open edges');
+
+  const cells = {
+    status(file, cell) {
+      cell.classList.add(file.record.status);
+      cell.append(kNames[file.record.status]);
+    },
+    name(file, cell) {
+      const cut = file.name.lastIndexOf('/') + 1;
+      const button = element('button', { type: 'button', title: 'Show all about this file' },
+        element('span', { className: 'folder' }, element('bdi', {}, file.name.slice(0, cut))),
+        element('bdi', {}, file.name.slice(cut)));
+      button.setAttribute('aria-expanded', file.open);
+      cell.append(button);
+    },
+    size: (file, cell) => cell.append(bytes(file.record.size)),
+    seconds: (file, cell) => cell.append(seconds(file.record.seconds)),
+    triangles: (file, cell) => cell.append(count(file.record.triangles)),
+    bounds: (file, cell) => cell.append(extent(file).map((d) => String(Number(d.toPrecision(4)))).join(' × ')),
+    check(file, cell) {
+      cell.classList.add(file.openEdges === 0 ? 'closed' : 'holed');
+      cell.append(checkText(file.openEdges));
+    },
+    volume: (file, cell) => cell.append(digits(file.volume)),
+    memory: (file, cell) => cell.append(bytes(file.record.peakMemory)),
+    reason: (file, cell) => cell.append(file.reason),
+  };
+
+  function details(file) {
+    const { record } = file;
+    const list = element('dl');
+    const add = (title, ...content) => list.append(element('dt', {}, title), element('dd', {}, ...content));
+    add('Input', element('bdi', {}, shown(record.path || data.base + record.name)));
+    add('Status', kNames[record.status] +
+      (record.signal ? ', signal ' + record.signal : record.exitStatus === undefined ? '' : ', exit status ' + record.exitStatus) +
+      (record.host ? ', on ' + shown(record.host) : ''));
+    if (file.reason) {
+      add('Reason', file.reason);
+    }
+    if (record.lastLine) {
+      add('Last line', element('pre', {}, shown(record.lastLine)));
+    }
+    if (record.bounds) {
+      const b = record.bounds.map(digits);
+      add('Bounds', `x ${b[0]} … ${b[3]},  y ${b[1]} … ${b[4]},  z ${b[2]} … ${b[5]}`);
+    }
+    if (record.transcript) {
+      add('Transcript', element('a', { href: linkTo('.plenvorith-batch/' + record.transcript) }, 'what the program printed'));
+    }
+    if (file.outputs.length) {
+      add(file.outputs.length === 1 ? 'Output' : 'Outputs', element('ul', { className: 'outputs' },
+        ...file.outputs.map((output) => element('li', {},
+          ...(output.picture ? [picture(output)] : []),
+          element('a', { href: linkTo(output.path) }, element('bdi', {}, shown(output.path.slice(output.path.lastIndexOf('/') + 1)))),
+          element('small', {}, bytes(output.size) +
+            (output.openEdges === undefined ? '' : ', ' + checkText(output.openEdges) + ', volume ' + digits(output.volume)))))));
+    }
+    return element('tr', { className: 'more' }, element('td', { colSpan: columns.length + (hasPictures ? 1 : 0) }, list));
+  }
+
+  function row(file) {
+    const made = element('tr', { className: 'file' });
+    if (hasPictures) {
+      const first = file.outputs.find((output) => output.picture);
+      made.append(element('td', { className: 'picture' }, ...(first ? [picture(first)] : [])));
+    }
+    for (const column of columns) {
+      const cell = element('td', { className: column.id + (column.number ? ' number' : '') });
+      if (column.key(file) !== null) {
+        cells[column.id](file, cell);
+      }
+      made.append(cell);
+    }
+    made.querySelector('button').addEventListener('click', () => {
+      file.open = !file.open;
+      render();
+    });
+    return made;
+  }
+
+  function render() {
+    const pages = Math.max(1, Math.ceil(found.length / kPageRows));
+    view.page = Math.min(Math.max(0, view.page), pages - 1);
+    const first = view.page * kPageRows;
+    const rows = [];
+    for (const file of found.slice(first, first + kPageRows)) {
+      rows.push(row(file));
+      if (file.open) {
+        rows.push(details(file));
+      }
+    }
+    byId('rows').replaceChildren(...rows);
+    byId('nothing').hidden = found.length > 0;
+    for (const cell of byId('head').children) {
+      const sorted = cell.dataset.column === view.sort;
+      cell.setAttribute('aria-sort', !sorted ? 'none' : view.down ? 'descending' : 'ascending');
+      const arrow = cell.querySelector('i');
+      if (arrow) {
+        arrow.textContent = !sorted ? '' : view.down ? ' ▾' : ' ▴';
+      }
+    }
+    for (const bar of document.querySelectorAll('.pages')) {
+      const step = (text, page) => {
+        const button = element('button', { type: 'button', disabled: page < 0 || page >= pages || page === view.page }, text);
+        button.addEventListener('click', () => show({ page }));
+        return button;
+      };
+      const last = Math.min(first + kPageRows, found.length);
+      bar.replaceChildren(
+        element('span', {}, (found.length ? count(first + 1) + '–' + count(last) + ' of ' : '') + count(found.length) + ' files' +
+          (found.length < files.length ? ', out of ' + count(files.length) : '')),
+        step('First', 0), step('Previous', view.page - 1), step('Next', view.page + 1), step('Last', pages - 1));
+    }
+  }
+
+  // ------------------------------------------------------------------------------------ the address
+
+  function writeAddress() {
+    const parts = new URLSearchParams();
+    for (const field of kFields) {
+      if (byId(field).value) {
+        parts.set(field, byId(field).value);
+      }
+    }
+    if (view.sort !== 'name' || view.down) {
+      parts.set('sort', (view.down ? '-' : '') + view.sort);
+    }
+    if (view.page > 0) {
+      parts.set('page', view.page + 1);
+    }
+    history.replaceState(null, '', '#' + parts);
+  }
+
+  function readAddress() {
+    const parts = new URLSearchParams(location.hash.slice(1));
+    for (const field of kFields) {
+      byId(field).value = parts.get(field) || '';
+    }
+    const order = parts.get('sort') || 'name';
+    view.down = order.startsWith('-');
+    view.sort = order.replace(/^-/, '');
+    if (!columns.some((column) => column.id === view.sort)) {
+      view.sort = 'name';
+    }
+    view.page = (parseInt(parts.get('page'), 10) || 1) - 1;
+  }
+
+  // Filters, sorts and shows anew after a change of the view.
+  function show(change) {
+    Object.assign(view, change);
+    select();
+    sort();
+    render();
+    writeAddress();
+  }
+
+  // ----------------------------------------------------------------------------- what stands for good
+
+  function fillHead() {
+    if (hasPictures) {
+      byId('head').append(element('th', {}, element('span', { title: 'Picture' })));
+    }
+    for (const column of columns) {
+      const button = element('button', { type: 'button' }, column.title, element('i', {}));
+      button.addEventListener('click', () => show({
+        sort: column.id, page: 0,
+        // Numbers come largest first: that is what one looks for.
+        down: view.sort === column.id ? !view.down : Boolean(column.number),
+      }));
+      const cell = element('th', { scope: 'col', className: column.number ? 'number' : '' }, button);
+      cell.dataset.column = column.id;
+      byId('head').append(cell);
+    }
+  }
+
+  function fillSummary() {
+    const number = { converted: 0, failed: 0, delivering: 0 };
+    let size = 0, triangles = 0, time = 0;
+    for (const { record } of files) {
+      number[record.status] += 1;
+      size += record.size || 0;
+      triangles += record.triangles || 0;
+      time += record.seconds || 0;
+    }
+    const card = (value, title, kind) => byId('cards').append(
+      element('div', { className: 'card ' + (kind || '') }, element('b', {}, value), element('span', {}, title)));
+    card(count(files.length), 'files');
+    card(count(number.converted), 'converted', 'converted');
+    card(count(number.failed), 'failed', number.failed ? 'failed' : '');
+    if (number.delivering) {
+      card(count(number.delivering), 'interrupted', 'delivering');
+    }
+    card(bytes(size), 'of input');
+    card(count(triangles), 'triangles');
+    card(duration(time), 'of conversion');
+    for (const status of ['converted', 'failed', 'delivering']) {
+      const part = element('i', { className: status });
+      part.style.flexGrow = number[status];
+      byId('share').append(part);
+    }
+    byId('about').append(data.about);
+    byId('status').append(element('option', { value: '' }, 'Any status'),
+      ...Object.keys(number).map((status) => element('option', { value: status }, `${kNames[status]} (${count(number[status])})`)));
+    byId('reason').append(element('option', { value: '' }, 'Any reason'),
+      ...reasonList.map(([reason, files]) => element('option', { value: reason }, `${reason} (${count(files)})`)));
+    for (const [reason, files] of reasonList.slice(0, 8)) {
+      const button = element('button', { type: 'button' }, element('b', {}, count(files)), ' ' + reason);
+      button.addEventListener('click', () => {
+        byId('reason').value = byId('reason').value === reason ? '' : reason;
+        show({ page: 0 });
+      });
+      byId('reasons').append(button);
+    }
+  }
+
+  fillHead();
+  fillSummary();
+  byId('filters').addEventListener('submit', (event) => event.preventDefault());
+  byId('filters').addEventListener('input', () => show({ page: 0 }));
+  byId('filters').addEventListener('reset', (event) => {
+    event.preventDefault(); // the browser would clear the fields after this, when it is too late to filter
+    for (const field of kFields) {
+      byId(field).value = '';
+    }
+    show({ page: 0 });
+  });
+  window.addEventListener('hashchange', () => {
+    readAddress();
+    show({});
+  });
+  readAddress();
+  show({});
+})();
