@@ -20,9 +20,9 @@ namespace plenvorith {
 bool convertToCleanStep(const std::string& inputPath, const std::string& outputPath,
                         double deflection, bool splitShapes);
 
-/// Writes every shape to a STEP file of its own: `outputPath` followed by "_", the shape's number
-/// and
-/// ".stp", whatever the extension of `outputPath`. Null shapes are skipped, with their numbers.
+/// Writes every shape to a STEP file of its own: `outputPath` followed by "_", the shape's
+/// number and ".stp", whatever the extension of `outputPath`. Null shapes are skipped, with their
+/// numbers.
 ///
 /// Prints  a line for each file that was written, nothing for one that could not be.
 void writeShapesAsStep(const Shapes& shapes, const std::string& outputPath);

@@ -30,8 +30,7 @@ NumberResult readAnyNumber(const char* first, const char* last, double& value);
 /// is rounded correctly and does not depend on a locale.
 ///
 /// Takes   the characters from `first` to `last`. If `readable` bytes behind `last` may be read,
-/// though
-///         none counts, numbers at the end take no longer than others.
+///         though none counts, numbers at the end take no longer than others.
 /// Gives   the end of the token, on an error too; `value` is set only where there is none.
 /// Errors  what strtod reports as a range error is out of range, subnormals that are exact are not.
 [[gnu::always_inline]] inline NumberResult readNumber(const char* first, const char* last,

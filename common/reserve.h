@@ -10,8 +10,7 @@ namespace plenvorith {
 ///
 /// Changes nothing but speed: touching a page for the first time is what costs most in filling
 /// memory, and a large page is touched once where 512 small ones would be. This is for the few
-/// blocks of megabytes that are filled from one end to the other: texts, points, triples,
-/// triangles.
+/// blocks of megabytes that are filled from one end to the other.
 void preferLargePages(void* start, std::size_t size);
 
 /// Reserves room for `count` items, in large pages if it is much.

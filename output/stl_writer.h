@@ -17,8 +17,7 @@ namespace plenvorith {
 ///
 /// Takes   the `path` as it stands; an existing file is overwritten.
 /// Gives   false if the file could not be opened, true otherwise: a disk that fills up while
-/// writing
-///         is not noticed.
+///         writing is not noticed.
 /// Prints  one line on standard error if the file could not be opened.
 [[nodiscard]] bool writeBinaryStl(const std::string& path, const std::vector<Triangle>& triangles);
 

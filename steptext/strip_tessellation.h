@@ -4,8 +4,7 @@
 
 namespace plenvorith {
 
-/// Makes a copy of a STEP file without its tessellated entities, for readers that must not meet
-/// any.
+/// Makes a copy of a STEP file without its tessellated entities, for readers that must meet none.
 ///
 /// Works on physical lines. A line that begins with an instance name, "=" and one of four type
 /// names (tessellated solid, tessellated shape representation, complex triangulated face,

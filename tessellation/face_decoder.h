@@ -17,9 +17,8 @@ namespace plenvorith {
 ///
 /// Takes   the names of the faces; names that are not those of such faces are passed over.
 /// Gives   the triangles face after face in the order of the names, and in the order of the
-/// indices.
-///         A face whose coordinates list is missing and a triangle with an index that fits no point
-///         give nothing; a degenerate triangle stays.
+///         indices. A face whose coordinates list is missing and a triangle with an index that fits
+///         no point give nothing; a degenerate triangle stays.
 /// Errors  std::invalid_argument and std::out_of_range on a malformed number, and
 ///         std::out_of_range "invalid string position" on a coordinates entity that is shorter than
 ///         its keyword. An error ends the whole call.
