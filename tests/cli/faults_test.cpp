@@ -133,6 +133,71 @@ TEST(FullDisk, IsNotNoticedByTheStlWriter) {
   EXPECT_LE(fs::file_size(dir / "out.stl"), 100U);
 }
 
+/// Without sanitizers, which want to be the first library themselves.
+void expectSameWithPreloaded(const std::string& library) {
+#ifdef PLENVORITH_SANITIZED
+  GTEST_SKIP() << "sanitizers bring an allocator of their own";
+#endif
+  const Sandbox dir;
+  dir.write("in.step", appendEntities(box(), paired()));
+  const Outcome plain = runIn(dir, {"in.step", "plain.stl"});
+  const Outcome preloaded =
+      runIn(dir, {"in.step", "preloaded.stl"}, {.environment = {"LD_PRELOAD=" + library}});
+  if (preloaded.err.find("cannot be preloaded") != std::string::npos) {
+    GTEST_SKIP() << library << " is not installed";
+  }
+  EXPECT_EQ(plain.exitStatus, 0);
+  EXPECT_EQ(preloaded.exitStatus, 0);
+  EXPECT_EQ(preloaded.signal, 0);
+  EXPECT_EQ(preloaded.err, "");
+  EXPECT_EQ(dir.read("preloaded.stl"), dir.read("plain.stl"));
+}
+
+TEST(PreloadedAllocator, MayBeJemalloc) {
+  expectSameWithPreloaded("libjemalloc.so.2");
+}
+
+TEST(PreloadedAllocator, MayBeTcmalloc) {
+  expectSameWithPreloaded("libtcmalloc_minimal.so.4");
+}
+
+TEST(ReadError, KeepsTheLinesInFrontOfIt) {
+#ifdef PLENVORITH_SANITIZED
+  GTEST_SKIP() << "sanitizers want to be the first library";
+#endif
+  const Sandbox dir;
+  // Where the library that is preloaded lets reading fail, in the middle of a line.
+  constexpr std::size_t kReadable = 200'000;
+  std::string input = stepFile(unique());
+  input.resize(input.find("ENDSEC;\nEND-ISO"));
+  std::size_t entities = 4;
+  while (input.size() <= kReadable) {
+    input += "#" + std::to_string(1000 + entities) + "=A('" + std::string(40, 'x') + "');\n";
+    ++entities;
+  }
+  for (int i = 0; i < 1000; ++i) {
+    input += "#" + std::to_string(900'000 + i) + "=B();\n";
+  }
+  dir.write("failing.step", input);
+  expectRun(dir, {"failing.step", "out.stl"},
+            {.out = "Reading: failing.step\n"
+                    "[1] Analyzing file structure...\n"
+                    "  Parsed " +
+                    std::to_string(entities) +
+                    " entities\n"
+                    "  Status: tessellation only (no BRep)\n"
+                    "  Paired tess representations: 0\n"
+                    "  Unique tess representations: 1\n"
+                    "  Unique tess faces to parse: 1\n"
+                    "[2] Parsing all tessellation (no BRep in file)...\n"
+                    "  Parsed 1 triangles from tessellation\n"
+                    "[5] Writing STL: 1 triangles (BRep: 0 + Tess: 1)\n"
+                    "Saved: out.stl\n"
+                    "Done\n",
+             .made = {"out.stl"}},
+            {.environment = {"LD_PRELOAD=" PLENVORITH_FAILING_READ}});
+}
+
 TEST(AddressSpaceLimit, EndsTheProgramWithoutTouchingTheInput) {
 #ifdef PLENVORITH_SANITIZED
   GTEST_SKIP() << "sanitizers themselves need more address space";

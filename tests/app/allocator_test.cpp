@@ -1,0 +1,48 @@
+#include <cstddef>
+#include <limits>
+#include <new>
+
+#include <gtest/gtest.h>
+
+namespace plenvorith {
+namespace {
+
+int handlerCalls = 0;
+
+/// Finds no memory the first time and none the second time, when it gives up.
+void countCalls() {
+  ++handlerCalls;
+  if (handlerCalls == 2) {
+    std::set_new_handler(nullptr);
+  }
+}
+
+/// More than any system has. Not known to the compiler, which might tell the outcome.
+std::size_t tooMuch() {
+  static volatile std::size_t size = std::numeric_limits<std::size_t>::max() / 4;
+  return size;
+}
+
+TEST(OperatorNew, CallsTheHandlerUntilThereIsNoneAndThrows) {
+#ifdef PLENVORITH_SANITIZED
+  GTEST_SKIP() << "sanitizers bring operators of their own";
+#endif
+  handlerCalls = 0;
+  std::set_new_handler(countCalls);
+  EXPECT_THROW(operator delete(operator new(tooMuch())), std::bad_alloc);
+  EXPECT_EQ(handlerCalls, 2);
+  EXPECT_THROW(operator delete[](operator new[](tooMuch())), std::bad_alloc);
+  EXPECT_EQ(handlerCalls, 2);
+}
+
+TEST(OperatorNew, GivesAPlaceOfItsOwnForNothing) {
+  void* const first = operator new(0);
+  void* const second = operator new(0);
+  EXPECT_NE(first, nullptr);
+  EXPECT_NE(first, second);
+  operator delete(first);
+  operator delete(second);
+}
+
+}  // namespace
+}  // namespace plenvorith
