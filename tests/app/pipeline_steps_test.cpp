@@ -76,9 +76,8 @@ struct Analysis {
 };
 
 Analysis analyze(const std::string& path) {
-  Analysis analysis;
   testing::internal::CaptureStdout();
-  analysis.file = readAndAnalyze(path);
+  Analysis analysis{readAndAnalyze(path), ""};
   analysis.printed = testing::internal::GetCapturedStdout();
   return analysis;
 }
