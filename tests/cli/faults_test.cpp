@@ -190,8 +190,8 @@ TEST(ReadError, KeepsTheLinesInFrontOfIt) {
                     "  Unique tess representations: 1\n"
                     "  Unique tess faces to parse: 1\n"
                     "[2] Parsing all tessellation (no BRep in file)...\n"
-                    "  Parsed 1 triangles from tessellation\n"
-                    "[5] Writing STL: 1 triangles (BRep: 0 + Tess: 1)\n"
+                    "  Parsed 2 triangles from tessellation\n"
+                    "[5] Writing STL: 2 triangles (BRep: 0 + Tess: 2)\n"
                     "Saved: out.stl\n"
                     "Done\n",
              .made = {"out.stl"}},
