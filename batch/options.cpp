@@ -52,8 +52,8 @@ holds all INPUTs, then the file's full name, then the new extension.
       --version          print version and kernel release
   -h, --help             this text
 
---export, --prune and --merge need no INPUT. Exit status: 0 all files converted, 1 some
-not, 2 nothing was begun.)";
+--export, --prune and --merge need no INPUT. Exit status: 0 all files converted,
+1 some not, 2 nothing was begun.)";
 
 std::optional<std::int64_t> numberFrom(std::string_view text) {
   std::int64_t number = 0;

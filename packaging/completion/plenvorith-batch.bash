@@ -7,12 +7,14 @@ _plenvorith_batch() {
     -o | --output | --base) _filedir -d ;;
     --program | --files-from | --export) _filedir ;;
     --to) mapfile -t COMPREPLY < <(compgen -W 'stl stp' -- "$cur") ;;
-    --deflection | --jobs | --time-limit | --memory-limit | --memory-free | --include | --exclude) ;;
+    --sshlogin) _known_hosts_real -- "$cur" ;;
+    --deflection | --shard | --jobs | --time-limit | --memory-limit | --memory-free | --include | --exclude) ;;
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '--output --base --files-from --include
           --exclude --follow --to --deflection --split --prepare --resume --prune --dry-run --jobs
-          --time-limit --memory-limit --memory-free --export --bar --program --version
+          --time-limit --memory-limit --memory-free --export --check --thumbnails --sshlogin
+          --transfer --shard --merge --bar --program --version
           --help' -- "$cur")
       else
         _filedir '@(stp|step|p21)'
