@@ -196,8 +196,10 @@ TEST(Rules, DropWhatRefersToWhatIsDroppedAndNothingElse) {
 #54=PRESENTATION_LAYER_ASSIGNMENT('','',(#41,#50));
 #55=APPLIED_GROUP_ASSIGNMENT(#54,(#33));
 #56=MECHANICAL_DESIGN_PRESENTATION_AREA('',(#50,#33),$);
+#57=OF_TWO_LISTS((#41),(#33));
+#58=OF_TWO_LISTS((#33),(#41));
 )"));
-  for (const char* gone : {"#40=", "#41=", "#42=", "#50=", "#54=", "#55="}) {
+  for (const char* gone : {"#40=", "#41=", "#42=", "#50=", "#54=", "#55=", "#57=", "#58="}) {
     EXPECT_THAT("\n" + data, Not(HasSubstr(std::string("\n") + gone))) << gone;
   }
   EXPECT_THAT(data, HasSubstr("#53=PRESENTATION_LAYER_ASSIGNMENT('','',(#33));\n"));
@@ -282,6 +284,45 @@ TEST(Rules, TakeTextOfAllDataSectionsAndNothingAround) {
                             "ENDSEC;\nDATA;\n#3=C();\nENDSEC;\nEND-ISO-10303-21;\n#4=D();\n")
                        .file),
             "#2=B();\n#3=C();\n");
+}
+
+// --- How the converter takes what is written ---
+
+TEST(Rules, MarkAPairInACommentWhereThereIsExactGeometryAsWell) {
+  EXPECT_THAT(dataOf(preparedFile(kParts + kExact +
+                                  "#50=TESSELLATED_SHAPE_REPRESENTATION('',(#42),"
+                                  "$);\n#60=SHAPE_DEFINITION_REPRESENTATION("
+                                  "#21,#34);\n")),
+              testing::EndsWith("#105=TESSELLATED_SHAPE_REPRESENTATION('',(#102),#104);\n"
+                                "/*\n"
+                                "#106=TESSELLATED_SHAPE_REPRESENTATION('',(),$);\n"
+                                "#107=SHAPE_REPRESENTATION('',(),$);\n"
+                                "#108=SHAPE_REPRESENTATION_RELATIONSHIP('','',#107,#106);\n"
+                                "*/\n"));
+}
+
+TEST(Rules, NameWhatIsNewByNumbersOfOneLength) {
+  // Each level maps the one below twice, so nine of them hold 512 bodies in 57 instances.
+  std::string levels = kParts +
+                       "#50=TESSELLATED_SHAPE_REPRESENTATION('',(#42),$);\n"
+                       "#51=CARTESIAN_POINT('',(0.,0.,0.));\n"
+                       "#52=AXIS2_PLACEMENT_3D('',#51,$,$);\n"
+                       "#53=CARTESIAN_POINT('',(0.,0.,1.));\n"
+                       "#54=AXIS2_PLACEMENT_3D('',#53,$,$);\n";
+  std::string below = "#50";
+  for (int level = 0; level < 9; ++level) {
+    const auto name = [level](int i) { return "#" + std::to_string(60 + 4 * level + i); };
+    levels += name(0) + "=REPRESENTATION_MAP(#52," + below + ");\n" + name(1) + "=MAPPED_ITEM(''," +
+              name(0) + ",#52);\n" + name(2) + "=MAPPED_ITEM(''," + name(0) + ",#54);\n" + name(3) +
+              "=SHAPE_REPRESENTATION('',(" + name(1) + "," + name(2) + "),$);\n";
+    below = name(3);
+  }
+  const std::string file = preparedFile(levels);
+  EXPECT_EQ(facesIn(file).size(), 512U);
+  const std::string solid = "=TESSELLATED_SOLID(";
+  for (std::size_t at = file.find(solid); at != std::string::npos; at = file.find(solid, at + 1)) {
+    ASSERT_EQ(at - file.rfind('#', at), 5U) << file.substr(at - 6, 6);
+  }
 }
 
 }  // namespace
