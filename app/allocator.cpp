@@ -4,7 +4,6 @@
 // standard says. They take the memory from malloc, so that it comes from the same library as the
 // operators delete give it back to, whichever that is: a library that is preloaded comes first.
 
-#ifdef PLENVORITH_MIMALLOC
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -25,4 +24,3 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
   return operator new(size);
 }
-#endif
