@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <new>
 
@@ -33,6 +34,28 @@ TEST(OperatorNew, CallsTheHandlerUntilThereIsNoneAndThrows) {
   EXPECT_EQ(handlerCalls, 2);
   EXPECT_THROW(operator delete[](operator new[](tooMuch())), std::bad_alloc);
   EXPECT_EQ(handlerCalls, 2);
+}
+
+TEST(OperatorNew, ThrowsForAlignedMemoryToo) {
+#ifdef PLENVORITH_SANITIZED
+  GTEST_SKIP() << "sanitizers bring operators of their own";
+#endif
+  constexpr std::align_val_t kAlignment{64};
+  handlerCalls = 0;
+  std::set_new_handler(countCalls);
+  EXPECT_THROW(operator delete(operator new(tooMuch(), kAlignment), kAlignment), std::bad_alloc);
+  EXPECT_EQ(handlerCalls, 2);
+  EXPECT_THROW(operator delete[](operator new[](tooMuch(), kAlignment), kAlignment),
+               std::bad_alloc);
+}
+
+TEST(OperatorNew, KeepsToTheAlignment) {
+  for (const std::size_t boundary : {1U, 8U, 64U, 4096U}) {
+    const auto alignment = static_cast<std::align_val_t>(boundary);
+    void* const memory = operator new(100, alignment);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory) % boundary, 0U);
+    operator delete(memory, alignment);
+  }
 }
 
 TEST(OperatorNew, GivesAPlaceOfItsOwnForNothing) {
