@@ -1,0 +1,289 @@
+#include "tests/reference/reference_statements.h"
+
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "prepare/part21.h"
+
+namespace plenvorith::test {
+namespace {
+
+/// One byte outside of strings, binaries and comments, or a whole one of these.
+struct Token {
+  enum class Kind { Byte, Blank, Comment, String, Binary, Unended } kind = Kind::Byte;
+  std::string text;
+};
+
+bool isBlank(char c) {
+  return static_cast<unsigned char>(c) <= ' ';
+}
+
+/// The token at a place; one that never ends says what it is.
+Token tokenAt(std::string_view text, std::size_t place) {
+  const char c = text[place];
+  const auto upTo = [&](std::string_view mark, std::size_t from, Token::Kind kind,
+                        const char* what) {
+    const std::size_t end = text.find(mark, from);
+    return end == std::string_view::npos
+               ? Token{Token::Kind::Unended, what}
+               : Token{kind, std::string(text.substr(place, end + mark.size() - place))};
+  };
+  if (isBlank(c)) {
+    return {Token::Kind::Blank, std::string(1, c)};
+  }
+  if (text.substr(place, 2) == "/*") {
+    return upTo("*/", place + 2, Token::Kind::Comment, "a comment never ends");
+  }
+  if (c == '"') {
+    return upTo("\"", place + 1, Token::Kind::Binary, "a binary never ends");
+  }
+  if (c == '\'') {
+    std::size_t end = place;
+    do {
+      end = text.find('\'', end + 1);
+      if (end == std::string_view::npos) {
+        return {Token::Kind::Unended, "a string never ends"};
+      }
+      ++end;
+    } while (end < text.size() && text[end] == '\'');
+    return {Token::Kind::String, std::string(text.substr(place, end - place))};
+  }
+  return {Token::Kind::Byte, std::string(1, c)};
+}
+
+std::string withoutLineEnds(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    if (c != '\n' && c != '\r') {
+      result += c;
+    }
+  }
+  return result;
+}
+
+class Reference {
+ public:
+  explicit Reference(std::string_view text) : text_(text) {}
+
+  std::string read();
+
+ private:
+  /// The next byte that is neither blank nor in a comment; 0 at the end or behind an error.
+  char next();
+  std::string readWord();
+  std::string readBody();
+  void readInstance();
+  void readKeyword();
+  bool goToStart();
+  void fail(const std::string& what) {
+    error_ = error_.empty() ? what : error_;
+    place_ = text_.size();
+  }
+
+  std::string_view text_;
+  std::size_t place_ = 0;
+  std::string section_;
+  std::vector<std::uint64_t> scopes_;
+  bool isEnded_ = false;
+  std::string all_;
+  std::string error_;
+};
+
+char Reference::next() {
+  while (place_ < text_.size()) {
+    const Token token = tokenAt(text_, place_);
+    if (token.kind == Token::Kind::Unended && token.text == "a comment never ends") {
+      fail(token.text);
+    } else if (token.kind == Token::Kind::Blank || token.kind == Token::Kind::Comment) {
+      place_ += token.text.size();
+    } else {
+      return text_[place_];
+    }
+  }
+  return '\0';
+}
+
+std::string Reference::readWord() {
+  std::string word;
+  (void)next();
+  while (place_ < text_.size() &&
+         (std::isalnum(static_cast<unsigned char>(text_[place_])) != 0 ||
+          std::string_view("_-!&").find(text_[place_]) != std::string_view::npos)) {
+    word += text_[place_++];
+  }
+  return word.substr(0, 256);
+}
+
+/// To the semicolon, which is taken.
+std::string Reference::readBody() {
+  std::string body;
+  while (place_ < text_.size() && text_[place_] != ';') {
+    const Token token = tokenAt(text_, place_);
+    place_ += token.text.size();
+    switch (token.kind) {
+      case Token::Kind::Unended:
+        fail(token.text);
+        return body;
+      case Token::Kind::String: {
+        const std::string plain = withoutLineEnds(token.text);
+        body += plain.size() > StatementReader::kLongestString + 2 ? "''" : plain;
+        break;
+      }
+      case Token::Kind::Binary:
+        body += withoutLineEnds(token.text);
+        break;
+      case Token::Kind::Byte:
+        body += token.text;
+        if (token.text == "#") {
+          std::string digits;
+          while (place_ < text_.size() && text_[place_] == '0') {
+            digits = text_[place_++];
+          }
+          const bool isMore =
+              place_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[place_])) != 0;
+          body += isMore ? "" : digits;
+        }
+        break;
+      default:
+        break;
+    }
+  }
+  if (place_ == text_.size()) {
+    fail("an instance never ends");
+  } else {
+    ++place_;
+  }
+  return body;
+}
+
+void Reference::readInstance() {
+  ++place_;
+  std::uint64_t number = 0;
+  bool hasDigits = false;
+  while (std::isdigit(static_cast<unsigned char>(next())) != 0) {
+    number = number * 10 + static_cast<std::uint64_t>(text_[place_++] - '0');
+    hasDigits = true;
+    if (number > 99'999'999'999'999'999U) {
+      fail("the number of an instance is too large");
+      return;
+    }
+  }
+  const bool isInstance = hasDigits && next() == '=';
+  place_ += isInstance ? 1 : 0;
+  if (!isInstance || section_ != "DATA") {
+    (void)readBody();
+  } else if (next() == '&') {
+    (void)readWord();
+    scopes_.push_back(number);
+  } else if (next() == '\0' && place_ == text_.size()) {
+    fail("an instance never ends");
+  } else {
+    const std::string body = readBody();
+    all_ += '#' + std::to_string(number) + '=' + body + '\n';
+  }
+}
+
+void Reference::readKeyword() {
+  const std::string word = readWord();
+  if (word == "ENDSCOPE" && section_ == "DATA") {
+    if (scopes_.empty()) {
+      return;
+    }
+    const std::uint64_t number = scopes_.back();
+    scopes_.pop_back();
+    if (next() == '/') {
+      ++place_;
+      while (next() != '\0' && next() != '/' && next() != ';') {
+        ++place_;
+      }
+      place_ += next() == '/' ? 1 : 0;
+    }
+    if (next() == '\0' && place_ == text_.size()) {
+      fail("an instance never ends");
+      return;
+    }
+    const std::string body = readBody();
+    all_ += '#' + std::to_string(number) + '=' + body + '\n';
+  } else if (word == "END-ISO-10303-21") {
+    isEnded_ = true;
+  } else {
+    if (word == "HEADER" || word == "DATA") {
+      section_ = word;
+    } else if (word == "ENDSEC") {
+      section_.clear();
+    } else if ((word == "ANCHOR" || word == "REFERENCE" || word == "SIGNATURE") &&
+               section_.empty()) {
+      section_ = word;
+    } else if (section_ == "HEADER" && !word.empty()) {
+      const std::string body = readBody();
+      all_ += word + body + '\n';
+      return;
+    }
+    (void)readBody();
+  }
+}
+
+/// Behind "ISO-10303-21;", which is not behind "END-".
+bool Reference::goToStart() {
+  constexpr std::string_view kStart = "ISO-10303-21";
+  for (place_ = text_.find(kStart); place_ != std::string_view::npos;
+       place_ = text_.find(kStart, place_)) {
+    const bool isEnd = place_ > 0 && text_[place_ - 1] == '-';
+    place_ += kStart.size();
+    if (!isEnd && next() == ';') {
+      ++place_;
+      return true;
+    }
+    if (!error_.empty()) {
+      return false;
+    }
+  }
+  return false;
+}
+
+std::string Reference::read() {
+  if (!goToStart()) {
+    return all_ + (error_.empty() ? "not a STEP file" : error_);
+  }
+  while (!isEnded_ && error_.empty()) {
+    const char c = next();
+    if (place_ == text_.size()) {
+      if (!scopes_.empty()) {
+        fail("a scope never ends");
+      }
+      break;
+    }
+    if (c == '#') {
+      readInstance();
+    } else {
+      readKeyword();
+    }
+  }
+  return all_ + error_;
+}
+
+}  // namespace
+
+std::string referenceStatements(std::string_view content) {
+  return Reference(content).read();
+}
+
+std::string readStatements(const std::string& path) {
+  StatementReader reader(path);
+  std::string all;
+  for (Statement statement = reader.next(); statement != Statement::End;
+       statement = reader.next()) {
+    all += statement == Statement::Instance ? '#' + std::to_string(reader.number()) + '='
+                                            : reader.headerKeyword();
+    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
+      all += text;
+      reader.consume(text.size());
+    }
+    all += '\n';
+  }
+  return all + reader.error();
+}
+
+}  // namespace plenvorith::test
