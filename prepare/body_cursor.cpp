@@ -11,6 +11,7 @@ void BodyCursor::refill() {
   begin_ = text.data();
   p_ = begin_;
   end_ = begin_ + text.size();
+  isWhole_ = reader_.isWhole();
 }
 
 std::string BodyCursor::takeKeyword() {

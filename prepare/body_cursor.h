@@ -27,7 +27,7 @@ class BodyCursor {
 
   /// The next byte, which stays; 0 at the end of the body.
   [[nodiscard]] char peek() {
-    if (end_ - p_ < kLookahead) {
+    if (end_ - p_ < kLookahead && !isWhole_) {
       refill();
     }
     return p_ == end_ ? '\0' : *p_;
@@ -66,6 +66,7 @@ class BodyCursor {
   void skipNumberLists();
 
   StatementReader& reader_;
+  bool isWhole_ = false;  // nothing comes behind what can be looked at
   const char* begin_ = nullptr;
   const char* p_ = nullptr;
   const char* end_ = nullptr;

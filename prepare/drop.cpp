@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <numeric>
 
-#include "prepare/product_structure.h"
-
 namespace plenvorith {
 namespace {
 
@@ -92,9 +90,17 @@ bool holdsOtherItems(const InstanceTable& table, InstanceIndex index) {
   return holdsOther;
 }
 
+/// Whether an instance stays even if it names something that is dropped.
+bool isProtected(const InstanceTable& table, const ProductStructure& structure,
+                 InstanceIndex index) {
+  const RepresentationIndex representation = structure.find(index);
+  return table.has(index, kUsage | kProductShape | kSolid | kShell | kExactFace) ||
+         (representation != kNoRepresentation && structure.representations[representation].isExact);
+}
+
 }  // namespace
 
-std::vector<Fate> decideFates(const InstanceTable& table) {
+std::vector<Fate> decideFates(const InstanceTable& table, const ProductStructure& structure) {
   std::vector<Fate> fates(table.size(), Fate::Kept);
   std::vector<InstanceIndex> dropped;
   for (InstanceIndex index = 0; index < table.size(); ++index) {
@@ -123,6 +129,9 @@ std::vector<Fate> decideFates(const InstanceTable& table) {
     for (const InstanceIndex index : affected) {
       const Fate before = fates[index];
       fates[index] = before == Fate::Dropped ? before : fateOf(table, fates, index);
+      if (fates[index] == Fate::Dropped && isProtected(table, structure, index)) {
+        fates[index] = before == Fate::Kept ? Fate::Changed : before;
+      }
       if (fates[index] != before && fates[index] == Fate::Dropped) {
         dropped.push_back(index);
       }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "prepare/instance_table.h"
+#include "prepare/product_structure.h"
 
 namespace plenvorith {
 
@@ -21,6 +22,8 @@ enum class Fate : std::uint8_t {
 ///
 /// A reference in a list is taken out of the list; an instance whose list becomes empty by that, or
 /// which names something dropped as an attribute of its own, is dropped as well.
-[[nodiscard]] std::vector<Fate> decideFates(const InstanceTable& table);
+/// Exact geometry and product structure are never dropped, whatever they name.
+[[nodiscard]] std::vector<Fate> decideFates(const InstanceTable& table,
+                                            const ProductStructure& structure);
 
 }  // namespace plenvorith

@@ -1,6 +1,7 @@
 #include "prepare/part21.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -35,27 +36,43 @@ constexpr bool isSpecial(const char* p) {
   return isBlank(c) || c == '\'' || c == '"' || c == '/' || c == ';' || (c == '#' && p[1] == '0');
 }
 
-/// 1 if they are equal, of a type with which the compiler makes wide instructions of a loop.
-constexpr unsigned char is(char c, char wanted) {
-  return static_cast<unsigned char>(c == wanted ? 1 : 0);
+/// Whether a string, a binary, a comment or the end of a statement may start here.
+constexpr bool isMark(char c) {
+  return c == '\'' || c == '"' || c == '/' || c == ';';
+}
+
+/// Sixteen bytes, compared at once: a byte of the result is 255 or 0.
+using Bytes [[gnu::vector_size(16)]] = unsigned char;
+
+Bytes loadBytes(const char* p) {
+  Bytes bytes;
+  std::memcpy(&bytes, p, sizeof bytes);
+  return bytes;
+}
+
+bool holdsAny(Bytes flags) {
+  std::array<std::uint64_t, 2> halves = {};
+  std::memcpy(halves.data(), &flags, sizeof flags);
+  return (halves[0] | halves[1]) != 0;
+}
+
+Bytes equal(Bytes bytes, char wanted) {
+  // Comparing gives numbers with a sign, which are the same bits.
+  return reinterpret_cast<Bytes>(bytes == static_cast<unsigned char>(wanted));
 }
 
 /// The first byte that is special; `end` or the byte before it if none is.
 const char* findSpecial(const char* p, const char* end) {
-  constexpr std::ptrdiff_t kChunk = 64;
-  while (end - p > kChunk) {
-    unsigned char found = 0;
-    for (std::ptrdiff_t i = 0; i < kChunk; ++i) {
-      const char c = p[i];
-      const auto blank = static_cast<unsigned char>(isBlank(c) ? 1 : 0);
-      const auto zero = static_cast<unsigned char>(is(c, '#') & is(p[i + 1], '0'));
-      found = static_cast<unsigned char>(found | blank | is(c, '\'') | is(c, '"') | is(c, '/') |
-                                         is(c, ';') | zero);
-    }
-    if (found != 0) {
+  constexpr std::ptrdiff_t kSize = sizeof(Bytes);
+  while (end - p > kSize) {
+    const Bytes bytes = loadBytes(p);
+    const Bytes blank = reinterpret_cast<Bytes>(bytes <= static_cast<unsigned char>(' '));
+    const Bytes zero = equal(bytes, '#') & equal(loadBytes(p + 1), '0');
+    if (holdsAny(blank | equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') |
+                 equal(bytes, ';') | zero)) {
       break;
     }
-    p += kChunk;
+    p += kSize;
   }
   while (end - p > 1 && !isSpecial(p)) {
     ++p;
@@ -63,31 +80,30 @@ const char* findSpecial(const char* p, const char* end) {
   return p;
 }
 
-constexpr bool isMark(char c) {
-  return c == '\'' || c == '"' || c == '/' || c == ';';
-}
-
-/// The first byte at which a string, a binary, a comment or the end of a statement may start. Adds
-/// the number of parentheses that open before it.
+/// The first mark, or `end`. Adds the number of parentheses that open before it.
 const char* findMark(const char* p, const char* end, std::uint64_t& opened) {
-  constexpr std::ptrdiff_t kChunk = 128;
-  while (end - p >= kChunk) {
-    unsigned char found = 0;
-    unsigned char inChunk = 0;
-    for (std::ptrdiff_t i = 0; i < kChunk; ++i) {
-      const char c = p[i];
-      found =
-          static_cast<unsigned char>(found | is(c, '\'') | is(c, '"') | is(c, '/') | is(c, ';'));
-      inChunk = static_cast<unsigned char>(inChunk + is(c, '('));
+  constexpr std::ptrdiff_t kSize = sizeof(Bytes);
+  while (end - p >= kSize) {
+    // Counts in bytes as long as none overflows.
+    Bytes counts = {};
+    int rounds = 255;
+    for (; rounds > 0 && end - p >= kSize; --rounds, p += kSize) {
+      const Bytes bytes = loadBytes(p);
+      if (holdsAny(equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') |
+                   equal(bytes, ';'))) {
+        break;
+      }
+      counts -= equal(bytes, '(');
     }
-    if (found != 0) {
+    for (std::size_t i = 0; i < sizeof counts; ++i) {
+      opened += counts[i];
+    }
+    if (rounds > 0) {
       break;
     }
-    opened += inChunk;
-    p += kChunk;
   }
   for (; p != end && !isMark(*p); ++p) {
-    opened += is(*p, '(');
+    opened += *p == '(' ? 1 : 0;
   }
   return p;
 }

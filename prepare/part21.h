@@ -76,6 +76,11 @@ class StatementReader {
     return {window_.data() + begin_, visible_ - begin_};
   }
 
+  /// Whether `peek` gives all that is left of the body.
+  [[nodiscard]] bool isWhole() const {
+    return bodyEnds_;
+  }
+
   /// Goes over bytes that `peek` gave.
   void consume(std::size_t size) {
     begin_ += size;

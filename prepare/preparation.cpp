@@ -150,7 +150,7 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   decisions.hasExact = part.hasExact;
   decisions.plan = planTessellation(table, part, occurrences, warnings);
   decisions.orphans = findOrphans(table, structure);
-  decisions.fates = decideFates(table);
+  decisions.fates = decideFates(table, structure);
   if (decisions.plan.hasTooMany) {
     return fail(inputPath + ": too many placements");
   }

@@ -19,6 +19,7 @@ using Handler = void (*)(int);
 /// What a handler may use: nothing but memory that is there already.
 std::array<char, 4096> removedPath = {};
 std::array<Handler, kEndingSignals.size()> handlersBefore = {};
+Handler tooLargeBefore = SIG_DFL;
 
 extern "C" void removeAndEnd(int signal) {
   (void)std::remove(removedPath.data());
@@ -49,6 +50,8 @@ TemporaryFile::TemporaryFile(const std::string& finalPath) : finalPath_(finalPat
       (void)std::signal(kEndingSignals[i], SIG_IGN);
     }
   }
+  // A file that grows over its limit is an error like a full disk.
+  tooLargeBefore = std::signal(SIGXFSZ, SIG_IGN);
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -59,6 +62,7 @@ TemporaryFile::~TemporaryFile() {
   for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
     (void)std::signal(kEndingSignals[i], handlersBefore[i]);
   }
+  (void)std::signal(SIGXFSZ, tooLargeBefore);
   removedPath[0] = '\0';
 }
 

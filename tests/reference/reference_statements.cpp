@@ -171,7 +171,7 @@ void Reference::readInstance() {
     }
   }
   const bool isInstance = hasDigits && next() == '=';
-  place_ += isInstance ? 1 : 0;
+  place_ += isInstance ? 1U : 0U;
   if (!isInstance || section_ != "DATA") {
     (void)readBody();
   } else if (next() == '&') {
@@ -198,7 +198,7 @@ void Reference::readKeyword() {
       while (next() != '\0' && next() != '/' && next() != ';') {
         ++place_;
       }
-      place_ += next() == '/' ? 1 : 0;
+      place_ += next() == '/' ? 1U : 0U;
     }
     if (next() == '\0' && place_ == text_.size()) {
       fail("an instance never ends");
@@ -213,9 +213,8 @@ void Reference::readKeyword() {
       section_ = word;
     } else if (word == "ENDSEC") {
       section_.clear();
-    } else if ((word == "ANCHOR" || word == "REFERENCE" || word == "SIGNATURE") &&
-               section_.empty()) {
-      section_ = word;
+    } else if (word == "ANCHOR" || word == "REFERENCE" || word == "SIGNATURE") {
+      section_ = section_.empty() ? word : section_;
     } else if (section_ == "HEADER" && !word.empty()) {
       const std::string body = readBody();
       all_ += word + body + '\n';

@@ -1,0 +1,125 @@
+// Each warning, and cases at the edge of the rules, on whole files.
+
+#include <string>
+#include <string_view>
+
+#include <gmock/gmock.h>
+
+#include "tests/prepare/step_file.h"
+
+namespace plenvorith {
+namespace {
+
+using test::dataOf;
+using test::Prepared;
+using test::stepFile;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr std::string_view kUnit =
+    "#1=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
+    "#2=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#1))"
+    "REPRESENTATION_CONTEXT('',''));\n";
+constexpr std::string_view kBody =
+    "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
+    "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n"
+    "#12=TESSELLATED_SOLID('',(#11),$);\n";
+constexpr std::string_view kRepresentation = "#13=TESSELLATED_SHAPE_REPRESENTATION('',(#12),#2);\n";
+constexpr std::string_view kProduct =
+    "#20=PRODUCT_DEFINITION('','',#98,#99);\n"
+    "#21=PRODUCT_DEFINITION_SHAPE('','',#20);\n"
+    "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#13);\n";
+
+Prepared prepared(std::initializer_list<std::string_view> data) {
+  std::string text;
+  for (const std::string_view part : data) {
+    text += part;
+  }
+  return test::prepared(stepFile(text));
+}
+
+TEST(EdgeCases, ReferencesToWhatIsDroppedAreTakenOutOfLists) {
+  const Prepared result = prepared(
+      {kUnit, kBody, "#30=STYLED_ITEM('',(#31),#12);\n#32=STYLED_ITEM('',(#31),#33);\n",
+       "#34=LAYER('',(#12,#33,#30),(#1));\n#35=LAYER('',(#30,#12),#1);\n#36=NOTE(#35);\n",
+       "#37=LAYER('',SET((#30,#32)),(#30,1.),((#30),#1));\n#38=LAYER('',((#32,#30),$));\n"});
+  EXPECT_EQ(dataOf(result.file), std::string(kUnit) +
+                                     "#32=STYLED_ITEM('',(#31),#33);\n"
+                                     "#34=LAYER('',(#33),(#1));\n"
+                                     "#38=LAYER('',((#32),$));\n");
+  EXPECT_THAT(result.out, HasSubstr("Dropped entities: 7, changed: 2"));
+}
+
+TEST(EdgeCases, ATessellatedRepresentationOfOtherItemsTooKeepsThose) {
+  const Prepared result =
+      prepared({kUnit, kBody, "#13=TESSELLATED_SHAPE_REPRESENTATION('a',(#12,#50),#2);\n",
+                "#14=(REPRESENTATION('b',(#50,#12),#2)SHAPE_REPRESENTATION()"
+                "TESSELLATED_SHAPE_REPRESENTATION());\n#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
+  EXPECT_THAT(result.file, HasSubstr("\n#13=SHAPE_REPRESENTATION('a',(#50),#2);\n"
+                                     "#14=SHAPE_REPRESENTATION('b',(#50),#2);\n"));
+}
+
+TEST(EdgeCases, ALaterInstanceOfTheSameNumberWins) {
+  const Prepared result =
+      prepared({kUnit, kBody, kRepresentation, "#007=A();\n#7=B();\n#011=A();\n"});
+  EXPECT_THAT(result.out, HasSubstr("  Read 7 entities\n"));
+  EXPECT_THAT(result.file, HasSubstr("\n#7=B();\n"));
+  EXPECT_THAT(result.file, Not(HasSubstr("#7=A")));
+}
+
+TEST(Warnings, NoUnit) {
+  constexpr std::string_view kWarning = "  Warning: no unit of length, millimetres are taken\n";
+  EXPECT_THAT(prepared({kBody, kRepresentation}).out, HasSubstr(kWarning));
+  EXPECT_THAT(prepared({kUnit, kBody, kRepresentation}).out, Not(HasSubstr(kWarning)));
+}
+
+TEST(Warnings, UsageWithoutAPlacement) {
+  EXPECT_THAT(prepared({kUnit, kBody, kRepresentation, kProduct,
+                        "#30=PRODUCT_DEFINITION('','',#98,#99);\n"
+                        "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"})
+                  .out,
+              HasSubstr("  Warning: a usage of a product has no placement, none is taken\n"));
+}
+
+TEST(Warnings, ProductInsideItself) {
+  const Prepared result = prepared({kUnit, kBody, kRepresentation, kProduct,
+                                    "#30=PRODUCT_DEFINITION('','',#98,#99);\n"
+                                    "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"
+                                    "#32=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#20,#30,$);\n"});
+  EXPECT_THAT(result.out, HasSubstr("  Warning: a product is part of itself\n"));
+  EXPECT_EQ(result.exitStatus, 0);
+}
+
+TEST(Warnings, PlacementOfAnUnknownKind) {
+  EXPECT_THAT(
+      prepared({kUnit, kBody, kRepresentation,
+                "#30=REPRESENTATION_MAP(#50,#13);\n#31=MAPPED_ITEM('',#30,#50);\n"
+                "#32=SHAPE_REPRESENTATION('',(#31),#2);\n#50=PLACEMENT('',#51);\n"})
+          .out,
+      HasSubstr("  Warning: a placement is missing or of an unknown kind, none is taken\n"));
+}
+
+TEST(Warnings, CurvedTriangles) {
+  EXPECT_THAT(prepared({kUnit, "#12=CUBIC_BEZIER_TRIANGULATED_FACE('',#10,1,(),$,(),((1)));\n",
+                        kRepresentation})
+                  .out,
+              HasSubstr("  Warning: curved triangles (CUBIC_BEZIER_TRIANGULATED_FACE) are left "
+                        "out\n"));
+}
+
+TEST(Warnings, CoordinatesMissing) {
+  const Prepared result =
+      prepared({kUnit, "#12=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n", kRepresentation});
+  EXPECT_THAT(result.out, HasSubstr("  Warning: a face without coordinates is left out\n"));
+  EXPECT_EQ(result.exitStatus, 3);
+}
+
+TEST(Warnings, LongStrings) {
+  const Prepared result = prepared(
+      {"#1=A('" + std::string(8193, 'x') + "');\n", "#2=B('" + std::string(9000, 'y') + "');\n"});
+  EXPECT_EQ(dataOf(result.file), "#1=A('');\n#2=B('');\n");
+  EXPECT_THAT(result.out, HasSubstr("  Warning: strings of more than 8,192 bytes are emptied\n"));
+}
+
+}  // namespace
+}  // namespace plenvorith
