@@ -26,7 +26,7 @@ std::string call(const std::string& type, const Texts& parameters) {
 
 std::string add(File& file, const std::string& content) {
   file.last += 1 + pick(file.random, 30);
-  const std::string name = "#" + std::to_string(file.last);
+  std::string name = "#" + std::to_string(file.last);
   file.instances.emplace_back(name, content);
   return name;
 }
@@ -248,8 +248,8 @@ std::string body(File& file, const Texts& exact) {
   for (std::size_t i = 1 + pick(file.random, 3); i > 0; --i) {
     faces.push_back(face(file, true, linksFaces ? linkTo(file, exact) : "$"));
   }
-  const std::string made = container(file, kind == 3 ? "TESSELLATED_SHELL" : "TESSELLATED_SOLID",
-                                     {list(faces), linksFaces ? "$" : linkTo(file, exact)});
+  std::string made = container(file, kind == 3 ? "TESSELLATED_SHELL" : "TESSELLATED_SOLID",
+                               {list(faces), linksFaces ? "$" : linkTo(file, exact)});
   file.bodies.push_back(made);
   return made;
 }

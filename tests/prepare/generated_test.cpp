@@ -102,6 +102,7 @@ bool isNearTurned(const FloatTriangle& a, FloatTriangle b) {
 void expectSameTriangles(const std::vector<Triangle>& triangles,
                          const ReferencePreparation& expected) {
   std::vector<FloatTriangle> actual;
+  actual.reserve(triangles.size());
   for (const Triangle& triangle : triangles) {
     actual.push_back(floatsOf(triangle));
   }
