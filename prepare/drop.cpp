@@ -12,13 +12,12 @@ class Naming {
  public:
   /// Without those that are dropped already.
   Naming(const InstanceTable& table, const std::vector<Fate>& fates) : begins_(table.size() + 1) {
-    forEachNaming(table, fates,
-                  [this](InstanceIndex, InstanceIndex named) { ++begins_[named + 1]; });
+    forEachNaming(table, fates, [this](InstanceIndex, InstanceIndex named) { ++begins_[named]; });
     std::partial_sum(begins_.begin(), begins_.end(), begins_.begin());
     names_.resize(begins_.back());
-    std::vector<std::uint32_t> next(begins_.begin(), begins_.end() - 1);
-    forEachNaming(table, fates, [this, &next](InstanceIndex naming, InstanceIndex named) {
-      names_[next[named]++] = naming;
+    // Filled from behind, so that the ends become the beginnings.
+    forEachNaming(table, fates, [this](InstanceIndex naming, InstanceIndex named) {
+      names_[--begins_[named]] = naming;
     });
   }
 

@@ -131,6 +131,10 @@ void InstanceTable::store(InstanceIndex index, StatementReader& reader, Referenc
     }
   }
   scanner.finish();
+  if (store_.size() == place + 1) {
+    store_.pop_back();  // the mark of the end alone: the instance names nothing
+    return;
+  }
   stored_.push_back({index, static_cast<std::uint32_t>(place & 0xFFFFFFFFU),
                      static_cast<std::uint32_t>(place >> 32U)});
 }
