@@ -11,7 +11,7 @@
 //                looking at every entity takes
 //     strip      stripping, with the copy in the temporary directory
 //
-// bench/run picks one with --benchmark_filter and reads what it prints as JSON.
+// bench/run picks one with --benchmark_filter and reads the file of --benchmark_out.
 
 #include <array>
 #include <cstdio>

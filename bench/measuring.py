@@ -19,8 +19,13 @@ ROOT = Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build" / "release"
 BENCH = BUILD / "bench"
 PROGRAM = BUILD / "app" / "plenvorith"
+PREPARE = BUILD / "prepare" / "plenvorith-prepare"
+BATCH = BUILD / "batch" / "plenvorith-batch"
 INPUTS = ROOT / "build" / "bench"
 MEGABYTE = 1_000_000
+TARGETS = ("plenvorith", "plenvorith-prepare", "plenvorith-batch", "bench_stages", "generate_exact",
+           "generate_tessellation", "baseline_io", "baseline_kernel", "baseline_literal",
+           "baseline_numbers", "baseline_part21", "baseline_stream")
 
 
 @dataclass
@@ -69,10 +74,11 @@ def reported(*command):
 
 
 def stage(name, *path):
-    """One stage of the program by itself."""
-    result = run(BENCH / "bench_stages", *path, f"--benchmark_filter=^{name}/",
-                 "--benchmark_format=json")
-    counted = json.loads(result.text[result.text.index("{"):])["benchmarks"][0]
+    """One stage of the program by itself, which may print lines of its own."""
+    with tempfile.NamedTemporaryFile(suffix=".json") as out:
+        result = run(BENCH / "bench_stages", *path, f"--benchmark_filter=^{name}/",
+                     f"--benchmark_out={out.name}", "--benchmark_out_format=json")
+        counted = json.load(out)["benchmarks"][0]
     result.user, result.system, result.wall = (counted[key] for key in ("user", "system", "wall"))
     return result
 
@@ -82,34 +88,9 @@ def build():
     subprocess.run([ROOT / "script" / "bootstrap", "bench"], check=True)
     subprocess.run(["cmake", "--preset", "release", "-DPLENVORITH_BUILD_BENCH=ON"], cwd=ROOT,
                    stdout=sys.stderr, check=True)
-    subprocess.run(["cmake", "--build", "--preset", "release"], cwd=ROOT, stdout=sys.stderr,
-                   check=True)
+    subprocess.run(["cmake", "--build", "--preset", "release", "--target", *TARGETS], cwd=ROOT,
+                   stdout=sys.stderr, check=True)
     INPUTS.mkdir(parents=True, exist_ok=True)
-
-
-def tessellation(kind, megabytes):
-    path = INPUTS / f"tessellation-{kind}-{megabytes}.stp"
-    if not path.exists():
-        run(BENCH / "generate_tessellation", kind, megabytes, path)
-    return path
-
-
-def exact(kind, megabytes):
-    """As the kernel writes it, with "#1 = "."""
-    path = INPUTS / f"exact-{kind}-{megabytes}.stp"
-    if not path.exists():
-        run(BENCH / "generate_exact", kind, megabytes, path)
-    return path
-
-
-def without_blanks(path):
-    """The same file with "#1=" for the kernel's "#1 = ", as most systems write it."""
-    result = path.with_suffix(".plain.stp")
-    if not result.exists():
-        with open(path, "rb") as source, open(result, "wb") as target:
-            for line in source:
-                target.write(re.sub(rb"^(#\d+) = ", rb"\1=", line))
-    return result
 
 
 def touch(memory):
@@ -158,7 +139,7 @@ def machine():
 
 class Figures:
     """Every figure of a run, and the table made of them. With a folder both are kept there, beside
-    a README that says what they were made on."""
+    a README that says what they were made on, and the table replaces the one in the document."""
 
     def __init__(self, name, folder=None):
         self.raw = []
@@ -176,6 +157,7 @@ class Figures:
                          f"{measured.wall:.6f}", measured.peak, measured.faults])
 
     def keep(self):
+        """Publishes the run, if it has a folder."""
         if not self.folder:
             return
         self.folder.mkdir(parents=True, exist_ok=True)
@@ -192,7 +174,15 @@ class Figures:
         others = [part for part in re.split(r"(?=^# )", old, flags=re.M)
                   if part and not part.startswith(heading)]
         readme.write_text("\n".join(part.rstrip() + "\n" for part in [*others, about]))
-        print(f"Kept in {self.folder}", file=sys.stderr)
+        document = ROOT / "docs" / "performance.md"
+        mark = f"<!-- bench/{'peers' if self.name else 'run'} -->"
+        before, after = document.read_text().split(f"{mark}\n")
+        about = ". ".join(text for name, text in self.about if name in (
+            "Date", "Processor", "Memory", "System", "Compiler", "Packages"))
+        after = after[after.index("<!-- end -->"):]
+        table = "\n".join(self.lines)
+        document.write_text(f"{before}{mark}\n{table}\n\n{about}.\n{after}")
+        print(f"Kept in {self.folder} and {document}", file=sys.stderr)
 
 
 def archive_folder(name):

@@ -1,0 +1,56 @@
+"""The rows of plenvorith-prepare."""
+
+from inputs import annotated, body, exact, placed_in_inches, without_blanks
+from measuring import BENCH, MEGABYTE, PREPARE, PROGRAM, Run, alternate, run
+
+
+def in_a_row(*steps):
+    """What several processes take together, one after the other."""
+    ended = [step() for step in steps]
+    return Run(*(sum(getattr(one, what) for one in ended) for what in ("user", "system", "wall")),
+               max(one.peak for one in ended), sum(one.faults for one in ended))
+
+
+def measure_prepare(table, runs, scratch):
+    ready, stl, copy = scratch / "ready.stp", scratch / "out.stl", scratch / "copy"
+    few = max(3, runs // 4)
+
+    def preparing(path):
+        return lambda: run(PREPARE, path, ready)
+
+    def baseline(mode, path):
+        return lambda: run(BENCH / "baseline_part21", mode, path, copy)
+
+    def prepared(path):
+        return lambda: in_a_row(preparing(path), lambda: run(PROGRAM, ready, stl))
+
+    def converted(path):
+        return lambda: run(PROGRAM, path, stl)
+
+    if table.wants("P1"):
+        path = body(1000)
+        table.time("P1", "prepare, millimetres, not placed, 1 GB / scan of the statements and writing",
+                   alternate(preparing(path), baseline("copy", path), few, warm_up=False),
+                   "≤ 2.0", "≤ 1.3")
+    if table.wants("P2"):
+        path = placed_in_inches(1000)
+        table.time("P2", "prepare, inches, placed, 1 GB / reading and writing every number",
+                   alternate(preparing(path), baseline("numbers", path), few, warm_up=False),
+                   "≤ 1.5", "≤ 1.1")
+    if table.wants("P3"):
+        for path in (placed_in_inches(100), without_blanks(exact("plates", 50))):
+            with open(path, "rb") as lines:
+                instances = sum(line.startswith(b"#") for line in lines)
+            table.amount("P3", f"prepare, peak memory, {instances} instances / 64 MiB + 32 B an instance",
+                         run(PREPARE, path, ready).peak, (64 << 20) + 32 * instances, "bytes",
+                         "≤ 1", "≤ 0.5")
+    if table.wants("P4"):
+        path = body(100)
+        table.time("P4", "prepare and convert / convert, 100 MB that need no preparing",
+                   alternate(prepared(path), converted(path), runs, 600 * MEGABYTE),
+                   "≤ 2.0", "≤ 1.6")
+    if table.wants("P5"):
+        plain, path = annotated(100_000)
+        table.time("P5", "prepare and convert 1 MB of exact geometry with 100,000 triples of "
+                         "annotation / convert the geometry alone",
+                   alternate(prepared(path), converted(plain), runs), "≤ 1.3", "≤ 1.1")
