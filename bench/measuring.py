@@ -154,7 +154,7 @@ class Figures:
 
     def count(self, row, work, side, measured):
         self.raw.append([row, work, side, f"{measured.user:.6f}", f"{measured.system:.6f}",
-                         f"{measured.wall:.6f}", measured.peak, measured.faults])
+                         f"{measured.wall:.6f}", measured.peak, measured.faults, ""])
 
     def keep(self):
         """Publishes the run, if it has a folder."""
@@ -164,7 +164,7 @@ class Figures:
         with open(self.folder / f"{self.name}raw.csv", "w", newline="") as out:
             writer = csv.writer(out, lineterminator="\n")
             writer.writerow(["row", "work", "side", "user_s", "system_s", "wall_s", "peak_bytes",
-                             "minor_faults"])
+                             "minor_faults", "value"])
             writer.writerows(self.raw)
         (self.folder / f"{self.name}summary.md").write_text("\n".join(self.lines) + "\n")
         readme = self.folder / "README.md"
