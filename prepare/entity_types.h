@@ -11,35 +11,37 @@ namespace plenvorith {
 
 /// What an entity type means for tessellation, product structure and exact geometry; a type may
 /// have several roles. Terms are those of ISO 10303-41, -42, -43, -44 and -46.
-enum Role : std::uint32_t {
-  kNoRole = 0,
-  kTessellated = 1U << 0,          ///< any tessellated type: none of them stays
-  kCoordinates = 1U << 1,          ///< COORDINATES_LIST
-  kFace = 1U << 2,                 ///< triangulated face or surface set, complex or not
-  kCurvedFace = 1U << 3,           ///< CUBIC_BEZIER_TRIANGULATED_FACE
-  kBody = 1U << 4,                 ///< TESSELLATED_SOLID or _SHELL
-  kGeometricSet = 1U << 5,         ///< TESSELLATED_GEOMETRIC_SET
-  kRepositioned = 1U << 6,         ///< REPOSITIONED_TESSELLATED_ITEM
-  kRepresentation = 1U << 7,       ///< REPRESENTATION or ..._SHAPE_REPRESENTATION
-  kShapeRepresentation = 1U << 8,  ///< SHAPE_REPRESENTATION itself
-  kTessellatedShape = 1U << 9,     ///< TESSELLATED_SHAPE_REPRESENTATION(_WITH_ACCURACY_PARAMETERS)
-  kDraughtingModel = 1U << 10,     ///< DRAUGHTING_MODEL
-  kRelationship = 1U << 11,        ///< (SHAPE_)REPRESENTATION_RELATIONSHIP
-  kTransformation = 1U << 12,      ///< ..._RELATIONSHIP_WITH_TRANSFORMATION
-  kAnyRelationship = 1U << 13,     ///< any other relationship of representations
-  kAnnotation = 1U << 14,          ///< ..._ANNOTATION_OCCURRENCE
-  kDefinition = 1U << 15,          ///< SHAPE_ or PROPERTY_DEFINITION_REPRESENTATION
-  kProductShape = 1U << 16,        ///< PRODUCT_DEFINITION_SHAPE
-  kUsage = 1U << 17,               ///< NEXT_ASSEMBLY_USAGE_OCCURRENCE
-  kContextDependent = 1U << 18,    ///< CONTEXT_DEPENDENT_SHAPE_REPRESENTATION
-  kMappedItem = 1U << 19,          ///< MAPPED_ITEM
-  kRepresentationMap = 1U << 20,   ///< REPRESENTATION_MAP
-  kItemTransformation = 1U << 21,  ///< ITEM_DEFINED_TRANSFORMATION
-  kSolid = 1U << 22,               ///< exact solid or model of shells or faces: an item
-  kShell = 1U << 23,               ///< exact shell or set of faces
-  kExactFace = 1U << 24,           ///< exact face
-  kGeometryOnly = 1U << 25,        ///< names nothing but exact geometry or looks: never changes
-};
+using Roles = std::uint32_t;
+inline constexpr Roles kNoRole = 0;
+inline constexpr Roles kTessellated = 1U << 0;  ///< any tessellated type: none of them stays
+inline constexpr Roles kCoordinates = 1U << 1;  ///< COORDINATES_LIST
+inline constexpr Roles kFace = 1U << 2;        ///< triangulated face or surface set, complex or not
+inline constexpr Roles kCurvedFace = 1U << 3;  ///< CUBIC_BEZIER_TRIANGULATED_FACE
+inline constexpr Roles kBody = 1U << 4;        ///< TESSELLATED_SOLID or _SHELL
+inline constexpr Roles kGeometricSet = 1U << 5;    ///< TESSELLATED_GEOMETRIC_SET
+inline constexpr Roles kRepositioned = 1U << 6;    ///< REPOSITIONED_TESSELLATED_ITEM
+inline constexpr Roles kRepresentation = 1U << 7;  ///< REPRESENTATION or ..._SHAPE_REPRESENTATION
+inline constexpr Roles kShapeRepresentation = 1U << 8;  ///< SHAPE_REPRESENTATION itself
+/// TESSELLATED_SHAPE_REPRESENTATION(_WITH_ACCURACY_PARAMETERS)
+inline constexpr Roles kTessellatedShape = 1U << 9;
+inline constexpr Roles kDraughtingModel = 1U << 10;  ///< DRAUGHTING_MODEL
+inline constexpr Roles kRelationship = 1U << 11;     ///< (SHAPE_)REPRESENTATION_RELATIONSHIP
+inline constexpr Roles kTransformation = 1U << 12;   ///< ..._RELATIONSHIP_WITH_TRANSFORMATION
+/// any other relationship of representations
+inline constexpr Roles kAnyRelationship = 1U << 13;
+inline constexpr Roles kAnnotation = 1U << 14;    ///< ..._ANNOTATION_OCCURRENCE
+inline constexpr Roles kDefinition = 1U << 15;    ///< SHAPE_ or PROPERTY_DEFINITION_REPRESENTATION
+inline constexpr Roles kProductShape = 1U << 16;  ///< PRODUCT_DEFINITION_SHAPE
+inline constexpr Roles kUsage = 1U << 17;         ///< NEXT_ASSEMBLY_USAGE_OCCURRENCE
+inline constexpr Roles kContextDependent = 1U << 18;    ///< CONTEXT_DEPENDENT_SHAPE_REPRESENTATION
+inline constexpr Roles kMappedItem = 1U << 19;          ///< MAPPED_ITEM
+inline constexpr Roles kRepresentationMap = 1U << 20;   ///< REPRESENTATION_MAP
+inline constexpr Roles kItemTransformation = 1U << 21;  ///< ITEM_DEFINED_TRANSFORMATION
+inline constexpr Roles kSolid = 1U << 22;      ///< exact solid or model of shells or faces: an item
+inline constexpr Roles kShell = 1U << 23;      ///< exact shell or set of faces
+inline constexpr Roles kExactFace = 1U << 24;  ///< exact face
+/// names nothing but exact geometry or looks: never changes
+inline constexpr Roles kGeometryOnly = 1U << 25;
 
 /// A type of entity: one keyword, or those of a complex instance in their order.
 struct EntityType {

@@ -59,7 +59,7 @@ class InstanceTable {
   [[nodiscard]] std::uint64_t pointCount(InstanceIndex coordinates) const;
 
   /// The instance of this number; `kNoInstance` if there is none.
-  [[nodiscard]] InstanceIndex find(std::uint64_t number) const;
+  [[nodiscard]] InstanceIndex find(std::uint64_t wanted) const;
 
   /// Calls `visit` with each stored reference of an instance, in the order of its text.
   template <typename Visit>

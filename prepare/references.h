@@ -76,7 +76,7 @@ class ReferenceScanner {
 /// Walks the stored references of one instance.
 class ReferenceWalker {
  public:
-  explicit ReferenceWalker(ReferenceStore::const_iterator begin) : place_(begin) {}
+  explicit ReferenceWalker(const ReferenceStore::const_iterator& begin) : place_(begin) {}
 
   /// Sets `reference` to the next one; false behind the last one.
   [[nodiscard]] bool next(Reference& reference);

@@ -22,6 +22,7 @@ struct PlannedList {
   InstanceIndex list = kNoInstance;
   std::uint32_t placement = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): what the check takes for a pointer is generated
   auto operator<=>(const PlannedList&) const = default;
 };
 
@@ -33,6 +34,7 @@ struct PlannedFace {
   std::uint32_t solid = 0;
   std::uint32_t list = 0;  ///< a place in `TessellationPlan::lists`
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): as above
   auto operator<=>(const PlannedFace&) const = default;
 };
 

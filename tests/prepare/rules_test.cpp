@@ -121,20 +121,20 @@ TEST(Rules, PlaceASetOncePerPlaceOfTheSetsAroundIt) {
 const std::string kTessellated = "#50=TESSELLATED_SHAPE_REPRESENTATION('',(#42),$);\n";
 
 TEST(Rules, PairWhatIsEqualInPlaceWithExactGeometry) {
-  for (const std::string_view relation :
+  const std::string both = kParts + kExact + kTessellated + "#60=";
+  for (const char* relation :
        {"SHAPE_REPRESENTATION_RELATIONSHIP('','',#34,#50)",
         "REPRESENTATION_RELATIONSHIP('','',#50,#34)",
         "(REPRESENTATION_RELATIONSHIP('','',#50,#34)SHAPE_REPRESENTATION_RELATIONSHIP())"}) {
-    EXPECT_THAT(facesOf(kParts + kExact + kTessellated + "#60=" + std::string(relation) + ";\n"),
-                IsEmpty())
-        << relation;
+    EXPECT_THAT(facesOf(std::string(both).append(relation).append(";\n")), IsEmpty()) << relation;
   }
 }
 
 TEST(Rules, PairNothingByRelationshipsOfAnotherKind) {
+  const std::string both = kParts + kExact + kTessellated + "#60=";
   for (const char* relation : {"CONSTRUCTIVE_GEOMETRY_REPRESENTATION_RELATIONSHIP",
                                "MECHANICAL_DESIGN_AND_DRAUGHTING_RELATIONSHIP"}) {
-    EXPECT_THAT(facesOf(kParts + kExact + kTessellated + "#60=" + relation + "('','',#34,#50);\n"),
+    EXPECT_THAT(facesOf(std::string(both).append(relation).append("('','',#34,#50);\n")),
                 ElementsAre(kSheet))
         << relation;
   }
