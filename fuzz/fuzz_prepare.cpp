@@ -1,17 +1,18 @@
 // Input: the content of a STEP file, prepared, and what comes of that prepared once more.
 
 #include <filesystem>
-#include <map>
-#include <string_view>
+#include <iostream>
+#include <sstream>
+#include <string>
 #include <vector>
 
 #include "fuzz/fuzz_target.h"
 #include "prepare/preparation.h"
+#include "steptext/entity_table.h"
 #include "tessellation/face_decoder.h"
 #include "tests/reference/reference_statements.h"
 #include "tests/support/captured_cout.h"
 #include "tests/support/memory_file.h"
-#include "tests/support/step_text.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -56,8 +57,11 @@ Prepared prepareOnce(const std::string& input, const test::TempDir& directory) {
 
 /// The corners that the converter decodes.
 std::vector<double> decoded(const std::string& content) {
+  static test::MemoryFile file;
+  EntityTable table;
+  readEntityTable(table, file.write(content));
   std::vector<double> numbers;
-  for (const Triangle& triangle : decodeAllTriangulatedFaces(test::tableOf(content))) {
+  for (const Triangle& triangle : decodeAllTriangulatedFaces(table)) {
     for (const Point3* point : {&triangle.v1, &triangle.v2, &triangle.v3}) {
       numbers.insert(numbers.end(), {point->x, point->y, point->z});
     }
