@@ -95,8 +95,9 @@ TEST_F(LargePrepare, TakesAFileOfMoreThanFourGibibytes) {
   std::string block;
   for (; file.tellp() < 4 * kGibibyte; block.clear()) {
     for (int i = 0; i < 1000; ++i) {
-      block += "#" + std::to_string(++instances) + "=DESCRIPTIVE_REPRESENTATION_ITEM('" + lines +
-               "','" + lines + "');\n";
+      block.append("#").append(std::to_string(++instances));
+      block.append("=DESCRIPTIVE_REPRESENTATION_ITEM('").append(lines);
+      block.append("','").append(lines).append("');\n");
     }
     file << block;
   }

@@ -173,7 +173,7 @@ void readInstance(Parser& parser) {
 
 /// Skips a line of the header or a keyword, up to its semicolon, and gives how it begins.
 std::string skipStatement(Parser& parser) {
-  const std::string word = readWord(parser);
+  std::string word = readWord(parser);
   for (skipBlanks(parser); peek(parser) != ';'; skipBlanks(parser)) {
     if (parser.pos == parser.text.size()) {
       fail(parser, "statement never ends");
