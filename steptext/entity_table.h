@@ -22,19 +22,18 @@ namespace plenvorith {
 class EntityTable {
  public:
   using Map = std::pmr::map<std::string_view, std::string_view>;
-  using value_type = Map::value_type;
-  using const_iterator = Map::const_iterator;
+  using Iterator = Map::const_iterator;
 
   EntityTable() = default;
   EntityTable(EntityTable&&) = default;
 
-  [[nodiscard]] const_iterator begin() const {
+  [[nodiscard]] Iterator begin() const {
     return entities_.begin();
   }
-  [[nodiscard]] const_iterator end() const {
+  [[nodiscard]] Iterator end() const {
     return entities_.end();
   }
-  [[nodiscard]] const_iterator find(std::string_view name) const {
+  [[nodiscard]] Iterator find(std::string_view name) const {
     return entities_.find(name);
   }
   [[nodiscard]] std::size_t size() const {

@@ -103,7 +103,7 @@ class Coordinates {
  private:
   /// Mostly it is right behind the last one, too. That saves a search through the whole table,
   /// which takes as long as the decoding of a small face.
-  EntityTable::const_iterator findEntity(std::string_view name) const {
+  EntityTable::Iterator findEntity(std::string_view name) const {
     auto near = last_;
     for (int steps = 0; steps < 3 && near != table_.end(); ++steps, ++near) {
       if (near->first == name) {
@@ -114,7 +114,7 @@ class Coordinates {
   }
 
   const EntityTable& table_;
-  EntityTable::const_iterator last_;  // that was found
+  EntityTable::Iterator last_;  // that was found
   std::map<std::string_view, std::vector<Point3>> points_;
 };
 

@@ -184,6 +184,30 @@ TEST(FaceDecoder, DoesNotCheckTheTypeOfTheCoordinates) {
   EXPECT_THAT(decodeNamed(entities, {"#1"}), ElementsAre(kFirst));
 }
 
+TEST(FaceDecoder, MakesRoomForTrianglesNotForNormals) {
+  std::string normals = "(0.,0.,1.)";
+  for (int i = 0; i < 1000; ++i) {
+    normals += ",(0.,0.,1.)";
+  }
+  const std::vector<Triangle> triangles = trianglesOfText(
+      "COMPLEX_TRIANGULATED_FACE('',#2,3,(" + normals + "),$,(),((1,2,3)),(" + normals + "));");
+  EXPECT_THAT(triangles, ElementsAre(kFirst));
+  EXPECT_LE(triangles.capacity(), 2U);
+}
+
+TEST(FaceDecoder, RaisesTheErrorOfTheFirstFaceThatHasOne) {
+  const std::string tooLarge = "COMPLEX_TRIANGULATED_FACE('',#2,3,(),$,(),((1,2,1E400)),());";
+  const std::string noCount = "COMPLEX_TRIANGULATED_FACE('',#2,,(),$,(),((1,2,3)),());";
+  EXPECT_THAT(([&] {
+                decodeAll({{"#1", tooLarge}, {"#2", kThreePoints}, {"#3", noCount}});
+              }),
+              ThrowsMessage<std::out_of_range>("stod argument out of range"));
+  EXPECT_THAT(([&] {
+                decodeAll({{"#1", noCount}, {"#2", kThreePoints}, {"#3", tooLarge}});
+              }),
+              ThrowsMessage<std::invalid_argument>("invalid stod argument"));
+}
+
 TEST(FaceDecoder, SharesCoordinatesBetweenFaces) {
   const EntityTexts entities = {
       {"#1", face("((1,2,3))")}, {"#2", kThreePoints}, {"#3", face("((1,3,2))")}};
