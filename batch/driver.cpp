@@ -222,6 +222,10 @@ int work(const Options& options, const std::vector<std::string>& arguments, Stat
   if (options.merge) {
     return mergeAll(options, context.places, *state);
   }
+  if (options.inputs.empty() && !options.listing) {
+    const bool isDone = doOtherWork(options, context.places, *state);
+    return reportState(options, *state, context.places) && isDone ? 0 : kSomeFailed;
+  }
   Summary summary;
   if (options.resume && state != nullptr) {
     summary.convertedBefore = dropUpToDate(*state, context, found.files);

@@ -518,6 +518,7 @@ RemovesOnDemandWhatVanishedInputsMade() {
   expect_count out 2
   run 0 -o out --prune
   expect_line stdout 'Pruned: 1'
+  ! grep -q '^Converted' stdout || fail 'tells of a run that was none'
   expect_count out 1
   [[ ! -e out/sub ]] || fail 'an empty folder is left'
   [[ ! -e out/.plenvorith-batch/transcripts/sub ]] || fail 'a transcript is left'
