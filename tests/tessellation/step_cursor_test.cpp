@@ -502,6 +502,35 @@ TEST(ListsAgainstReference, AgreeOnEveryByteAtEveryPlace) {
   }
 }
 
+TEST(ListsAgainstReference, AgreeOnEveryBeginningWithTheRestBehindIt) {
+  const std::string triples = "((1,23456789,3),(4,5,6),(7,8,9),(10,11,12),(13,14,15),(1,1,1))";
+  const std::string points =
+      "((-1.5,2.12345678,3.),(40.,-5.123456789012,61.5),(0.,0.,0.),(1.,2.,3.),(4.,5.,6.))";
+  const auto expectSameBeginning = [](std::string_view whole, std::size_t size, auto operation,
+                                      auto reference) {
+    StepCursor cursor{whole.substr(0, size), 0, whole.size() - size};
+    StepCursor referenceCursor{whole.substr(0, size)};
+    const Outcome expected = outcomeOf([&] { return reference(referenceCursor); });
+    ASSERT_EQ(outcomeOf([&] { return operation(cursor); }), expected) << whole << " to " << size;
+    ASSERT_EQ(cursor.pos, referenceCursor.pos) << whole << " to " << size;
+  };
+  for (const std::string& list : {triples, points}) {
+    const std::string whole = list + std::string(100, '1');
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+      expectSameBeginning(whole, size, parsePointList, test::referenceParsePointList);
+      expectSameBeginning(whole, size, parseIndexTriples, test::referenceParseIndexTriples);
+    }
+  }
+}
+
+TEST(ListsAgainstReference, AgreeOnDigitsThatOverflowSixtyFourBits) {
+  const std::string behind = ",2.,3.),(1.,2.,3.),(4.,5.,6.),(7.,8.,9.),(1.,2.,3.),(4.,5.,6.))";
+  for (const std::string number : {"18446744.073709551616", "18446744.073709551617",
+                                   "-18446744.0737095516170", "36893488.1474191032330"}) {
+    expectSameLists("((" + number + behind);
+  }
+}
+
 TEST(ListsAgainstReference, AgreeOnNumbersOfEveryLength) {
   const std::string behind = ",(1.,2.,3.),(4.,5.,6.),(7.,8.,9.),(1.,2.,3.),(4.,5.,6.),(7.,8.,9.))";
   for (std::size_t whole = 0; whole <= 40; ++whole) {
