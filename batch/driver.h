@@ -13,6 +13,6 @@ namespace plenvorith {
 /// Takes   the program's arguments, to note them.
 /// Gives   its exit status: 0 all converted, 1 some not, 2 nothing was begun, 128 and the signal
 ///         that interrupted it.
-int runDriver(const Options& options, const std::vector<std::string>& arguments);
+int runDriver(const Options& given, const std::vector<std::string>& arguments);
 
 }  // namespace plenvorith

@@ -103,7 +103,7 @@ Merged mergeShards(StateHandle& state, const Places& places) {
   const std::string folder = shardsFolder(places);
   for (const std::string& name : namesInFolder(folder)) {
     if (name.find("-of-") != std::string::npos) {
-      mergeOne(state, folder + '/' + name, merged);
+      mergeOne(state, std::string(folder).append("/").append(name), merged);
     }
   }
   if (merged.problems.empty()) {

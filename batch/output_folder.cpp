@@ -56,7 +56,7 @@ std::string takeOutputFolder(const Options& options, const RunContext& context, 
   if (options.shard) {
     // Looked at now, too: a shard of others shall leave nothing behind.
     const std::optional<Division> division = readDivision(divisionPath(all));
-    const std::string problem =
+    std::string problem =
         division ? strangeness(*division, proposalOf(options, context, {}), all) : "";
     if (!problem.empty()) {
       return problem;

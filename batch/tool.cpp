@@ -20,6 +20,7 @@ using Clock = std::chrono::steady_clock;
 
 std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (const std::string& text : texts) {
     pointers.push_back(const_cast<char*>(text.c_str()));  // execve changes none
   }
@@ -112,7 +113,7 @@ std::string findTool(const std::string& name) {
   std::string_view rest = path == nullptr ? "" : path;
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find(':'), rest.size());
-    const std::string candidate = std::string(rest.substr(0, end)) + '/' + name;
+    std::string candidate = std::string(rest.substr(0, end)) + '/' + name;
     if (access(candidate.c_str(), X_OK) == 0) {
       return candidate;
     }
