@@ -187,8 +187,13 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
   }
   const bool isOtherDone = end.signal != 0 || doOtherWork(options, context.places, state);
   bool isAllWell = printSummary(summary, found, run.seconds, context.places.state);
-  // Shards have one together, when they are merged.
-  isAllWell = (options.shard || reportState(options, state, context.places)) && isAllWell;
+  // Whoever interrupts a run does not wait for tools, and shards have one report together.
+  Options reported = options;
+  if (end.signal != 0) {
+    reported.checks = false;
+    reported.pictures = false;
+  }
+  isAllWell = (options.shard || reportState(reported, state, context.places)) && isAllWell;
   if (end.signal != 0) {
     return 128 + end.signal;
   }

@@ -358,6 +358,24 @@ ReportsChecksOfAdmesh() {
   grep -q '^{"name":"closed.stp".*"openEdges":0,"volume":' out/index.html || fail 'no check any more'
 }
 
+ReportsWithoutToolsWhenItIsInterrupted() {
+  need admesh
+  make_files 1
+  run 0 in -o out
+  step_file in/2.stp 2
+  pretend 'echo >'"$scratch"'/begun; exec sleep 1000'
+  "$batch" "${program[@]}" in -o out --jobs 1 --check >stdout 2>stderr &
+  local pid=$! status=0
+  until [[ -e begun ]]; do
+    sleep 0.05
+  done
+  kill "$pid"
+  wait "$pid" || status=$?
+  ((status == 143)) || fail "exit status $status, not 143"
+  ! grep -q admesh stderr || fail 'a tool was run'
+  [[ -f out/index.html ]] || fail 'no report'
+}
+
 ReportsPicturesOfF3d() {
   need f3d Xvfb
   make_files 2
