@@ -271,10 +271,12 @@ FoundFiles findFiles(const Options& options, const std::string& outputFolder) {
       addFile(walk, input.path, input.error == 0 ? input.status.st_size : 0);
     }
   }
-  const auto pathOf = [](const InputFile& file) -> const std::string& { return file.path; };
-  std::ranges::sort(found.files, {}, pathOf);
-  const auto repeated = std::ranges::unique(found.files, {}, pathOf);
-  found.files.erase(repeated.begin(), repeated.end());
+  std::sort(found.files.begin(), found.files.end(),
+            [](const InputFile& a, const InputFile& b) { return a.path < b.path; });
+  const auto repeated =
+      std::unique(found.files.begin(), found.files.end(),
+                  [](const InputFile& a, const InputFile& b) { return a.path == b.path; });
+  found.files.erase(repeated, found.files.end());
   return found;
 }
 

@@ -56,8 +56,9 @@ bool makeEmptyFolder(const std::string& path) {
   if (!makeFolders(path)) {
     return false;
   }
+  const std::string prefix = path + '/';
   for (const std::string& name : namesInFolder(path)) {
-    removeTree(path + '/' + name);
+    removeTree(prefix + name);
   }
   return namesInFolder(path).empty();
 }
