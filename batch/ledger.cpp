@@ -190,6 +190,7 @@ std::vector<FileRecord> settle(StateHandle& state, const RunContext& context,
   }
   carryOut(context.places, finished, all);
   std::vector<FileRecord> records;
+  records.reserve(all.size());
   for (const Settling& settling : all) {
     records.push_back(settling.record);
   }
