@@ -1,6 +1,7 @@
 #include "batch/mesh_tools.h"
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iostream>

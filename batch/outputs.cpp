@@ -106,8 +106,9 @@ MadeFiles lookAtOutputs(const std::string& folder) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
   Extent extent{{kInfinity, kInfinity, kInfinity}, {-kInfinity, -kInfinity, -kInfinity}};
   MadeFiles made;
+  const std::string prefix = folder + '/';
   for (const std::string& name : namesInFolder(folder)) {
-    const std::string path = folder + '/' + name;
+    const std::string path = prefix + name;
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status {};
     if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {

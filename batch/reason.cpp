@@ -123,7 +123,7 @@ std::string reasonFor(const Evidence& evidence) {
   if (!reason.empty()) {
     return reason;
   }
-  const std::string structure = structureReason(evidence.facts);
+  std::string structure = structureReason(evidence.facts);
   if (evidence.end.signal) {
     if (structure.empty() && says(evidence, "stod")) {
       return "a malformed number";
