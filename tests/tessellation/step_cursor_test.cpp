@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <set>
@@ -523,11 +524,20 @@ TEST(ListsAgainstReference, AgreeOnEveryBeginningWithTheRestBehindIt) {
   }
 }
 
+/// The pieces one behind the other.
+std::string joined(std::initializer_list<std::string_view> pieces) {
+  std::string text;
+  for (const std::string_view piece : pieces) {
+    text += piece;
+  }
+  return text;
+}
+
 TEST(ListsAgainstReference, AgreeOnDigitsThatOverflowSixtyFourBits) {
   const std::string behind = ",2.,3.),(1.,2.,3.),(4.,5.,6.),(7.,8.,9.),(1.,2.,3.),(4.,5.,6.))";
   for (const std::string number : {"18446744.073709551616", "18446744.073709551617",
                                    "-18446744.0737095516170", "36893488.1474191032330"}) {
-    expectSameLists("((" + number + behind);
+    expectSameLists(joined({"((", number, behind}));
   }
 }
 
@@ -538,10 +548,10 @@ TEST(ListsAgainstReference, AgreeOnNumbersOfEveryLength) {
       for (const std::string sign : {"", "-"}) {
         for (const std::string point : {"", "."}) {
           const std::string number =
-              sign + std::string(whole, '9') + point + std::string(fraction, '8');
-          expectSameLists("((" + number + ",2,3)" + behind);
-          expectSameLists("((1.25,-2.," + number + ")" + behind);
-          expectSameLists("((1," + number + ",3)" + behind);
+              joined({sign, std::string(whole, '9'), point, std::string(fraction, '8')});
+          expectSameLists(joined({"((", number, ",2,3)", behind}));
+          expectSameLists(joined({"((1.25,-2.,", number, ")", behind}));
+          expectSameLists(joined({"((1,", number, ",3)", behind}));
         }
       }
     }
