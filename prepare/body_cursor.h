@@ -33,6 +33,12 @@ class BodyCursor {
     return p_ == end_ ? '\0' : *p_;
   }
 
+  /// Whether nothing is left. A string may hold any byte, 0 too.
+  [[nodiscard]] bool isAtEnd() {
+    (void)peek();
+    return p_ == end_;
+  }
+
   /// Goes over `c` if it is next.
   bool take(char c) {
     const bool isNext = peek() == c && p_ != end_;

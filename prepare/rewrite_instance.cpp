@@ -19,7 +19,7 @@ class Filter {
       : cursor_(reader), isDropped_(isDropped), output_(output) {}
 
   void copyAll() {
-    while (cursor_.peek() != '\0') {
+    while (!cursor_.isAtEnd()) {
       copyToken();
     }
   }
@@ -73,7 +73,7 @@ void Filter::copyString(char quote) {
   do {
     output_.put(cursor_.peek());
     (void)cursor_.take(cursor_.peek());
-  } while (cursor_.peek() != quote && cursor_.peek() != '\0');
+  } while (cursor_.peek() != quote && !cursor_.isAtEnd());
   if (cursor_.take(quote)) {
     output_.put(quote);
   }
@@ -132,13 +132,13 @@ void Filter::copyToken() {
     output_.put(next);
     (void)cursor_.take(next);
     next = cursor_.peek();
-  } while (next != '\0' && std::string_view("(),#'\"").find(next) == std::string_view::npos);
+  } while (!cursor_.isAtEnd() && std::string_view("(),#'\"").find(next) == std::string_view::npos);
 }
 
 /// Copies to the "," or ")" behind a parameter of a record.
 void Filter::copyParameter() {
   levels_ = {{false, true}};
-  while (cursor_.peek() != '\0' &&
+  while (!cursor_.isAtEnd() &&
          !(levels_.size() == 1 && (cursor_.peek() == ',' || cursor_.peek() == ')'))) {
     copyToken();
   }

@@ -50,6 +50,15 @@ TEST(EdgeCases, ReferencesToWhatIsDroppedAreTakenOutOfLists) {
   EXPECT_THAT(result.out, HasSubstr("Dropped entities: 7, changed: 2"));
 }
 
+TEST(EdgeCases, AByteOfZeroInAStringEndsNothing) {
+  using namespace std::literals;
+  const Prepared result =
+      prepared({kUnit, kBody, "#13=TESSELLATED_SHAPE_REPRESENTATION('a\0b',(#12,#50),#2);\n"sv,
+                "#14=LAYER(\"\0\",(#12,#50),'\0');\n"sv, "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
+  EXPECT_THAT(result.file, HasSubstr("\n#13=SHAPE_REPRESENTATION('a\0b',(#50),#2);\n"
+                                     "#14=LAYER(\"\0\",(#50),'\0');\n"s));
+}
+
 TEST(EdgeCases, ATessellatedRepresentationOfOtherItemsTooKeepsThose) {
   const Prepared result =
       prepared({kUnit, kBody, "#13=TESSELLATED_SHAPE_REPRESENTATION('a',(#12,#50),#2);\n",

@@ -73,6 +73,7 @@ class Reference {
   /// The next byte that is neither blank nor in a comment; 0 at the end or behind an error.
   char next();
   std::string readWord();
+  void add(const std::string& start, const std::string& body);
   std::string readBody();
   void readInstance();
   void readKeyword();
@@ -114,6 +115,13 @@ std::string Reference::readWord() {
     word += text_[place_++];
   }
   return word.substr(0, 256);
+}
+
+/// Statements that never end are left out: the product may have handed out any part of them.
+void Reference::add(const std::string& start, const std::string& body) {
+  if (error_.empty()) {
+    all_ += start + body + '\n';
+  }
 }
 
 /// To the semicolon, which is taken.
@@ -180,8 +188,7 @@ void Reference::readInstance() {
   } else if (next() == '\0' && place_ == text_.size()) {
     fail("an instance never ends");
   } else {
-    const std::string body = readBody();
-    all_ += '#' + std::to_string(number) + '=' + body + '\n';
+    add('#' + std::to_string(number) + '=', readBody());
   }
 }
 
@@ -204,8 +211,7 @@ void Reference::readKeyword() {
       fail("an instance never ends");
       return;
     }
-    const std::string body = readBody();
-    all_ += '#' + std::to_string(number) + '=' + body + '\n';
+    add('#' + std::to_string(number) + '=', readBody());
   } else if (word == "END-ISO-10303-21") {
     isEnded_ = true;
   } else {
@@ -216,8 +222,7 @@ void Reference::readKeyword() {
     } else if (word == "ANCHOR" || word == "REFERENCE" || word == "SIGNATURE") {
       section_ = section_.empty() ? word : section_;
     } else if (section_ == "HEADER" && !word.empty()) {
-      const std::string body = readBody();
-      all_ += word + body + '\n';
+      add(word, readBody());
       return;
     }
     (void)readBody();
@@ -274,13 +279,14 @@ std::string readStatements(const std::string& path) {
   std::string all;
   for (Statement statement = reader.next(); statement != Statement::End;
        statement = reader.next()) {
-    all += statement == Statement::Instance ? '#' + std::to_string(reader.number()) + '='
-                                            : reader.headerKeyword();
+    std::string line = statement == Statement::Instance
+                           ? '#' + std::to_string(reader.number()) + '='
+                           : reader.headerKeyword();
     for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
-      all += text;
+      line += text;
       reader.consume(text.size());
     }
-    all += '\n';
+    all += reader.error().empty() ? line + '\n' : std::string();
   }
   return all + reader.error();
 }
