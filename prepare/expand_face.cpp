@@ -22,12 +22,11 @@ bool readIndex(BodyCursor& cursor, Index& index) {
   const char* p = cursor.position();
   const char* const end = cursor.end();
   Index value = 0;
-  while (p != end && isDigit(*p)) {
+  while (p != end && isDigit(*p) && p - cursor.position() < kMaxDigits) {
     value = value * 10 + (*p - '0');
     ++p;
   }
-  const std::ptrdiff_t digits = p - cursor.position();
-  if (digits > 0 && digits <= kMaxDigits && p != end && (*p == ',' || *p == ')')) {
+  if (p != cursor.position() && p != end && (*p == ',' || *p == ')')) {
     cursor.moveTo(p);
     index = value;
     return true;

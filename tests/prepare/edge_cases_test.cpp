@@ -50,6 +50,16 @@ TEST(EdgeCases, ReferencesToWhatIsDroppedAreTakenOutOfLists) {
   EXPECT_THAT(result.out, HasSubstr("Dropped entities: 7, changed: 2"));
 }
 
+TEST(EdgeCases, SkipsTrianglesWithIndicesOfAnyLength) {
+  const Prepared result =
+      prepared({kUnit, "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n",
+                "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3),(1,2,999999999999999999),",
+                "(1,2,9999999999999999999),(1,34444444444444444444444444444444,3)));\n",
+                "#12=TESSELLATED_SOLID('',(#11),$);\n", kRepresentation});
+  EXPECT_THAT(result.out, HasSubstr("1 bodies -> 1 faces, 1 triangles"));
+  EXPECT_THAT(result.out, HasSubstr("Skipped triangles: 3\n"));
+}
+
 TEST(EdgeCases, AByteOfZeroInAStringEndsNothing) {
   using namespace std::literals;
   const Prepared result =
