@@ -1,5 +1,6 @@
 // Input: the content of a STEP file, prepared, and what comes of that prepared once more.
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
@@ -35,6 +36,7 @@ class CapturedCerr {
 
 struct Prepared {
   int exitStatus = -1;
+  std::string holds;  // the line of the report
   std::string content;
 };
 
@@ -46,6 +48,9 @@ Prepared prepareOnce(const std::string& input, const test::TempDir& directory) {
     const test::CapturedCout out;
     const CapturedCerr err;
     result.exitStatus = prepareFile(input, output);
+    const std::string report = out.text();
+    const std::size_t line = std::min(report.find("  Holds now: "), report.size());
+    result.holds = report.substr(line, report.find('\n', line) - line);
   }
   const bool isWritten = std::filesystem::exists(output);
   fuzz::require(isWritten == (result.exitStatus != 1), "an output that belongs to the exit status");
@@ -81,6 +86,7 @@ void check(const std::string& content) {
   fuzz::require(statements.empty() || statements.back() == '\n', "an output without an error");
   const Prepared twice = prepareOnce(file.path(), directory);
   fuzz::require(twice.exitStatus == once.exitStatus, "the same exit status twice");
+  fuzz::require(twice.holds == once.holds, "the same kinds of geometry twice");
   fuzz::require(decoded(twice.content) == decoded(once.content), "the same triangles twice");
 }
 

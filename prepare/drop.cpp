@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <set>
 
 namespace plenvorith {
 namespace {
@@ -77,8 +78,18 @@ Fate fateOf(const InstanceTable& table, const std::vector<Fate>& fates, Instance
   return isListDropped ? Fate::Dropped : fate;
 }
 
-/// Whether a tessellated representation holds other items as well and is no drawing.
-bool holdsOtherItems(const InstanceTable& table, InstanceIndex index) {
+bool isExactRepresentation(const ProductStructure& structure, InstanceIndex index) {
+  const RepresentationIndex representation = structure.find(index);
+  return representation != kNoRepresentation && structure.representations[representation].isExact;
+}
+
+/// Whether a representation of a tessellated type holds other items as well and is no drawing. Of a
+/// type that nobody knows only exact geometry counts.
+bool holdsOtherItems(const InstanceTable& table, const ProductStructure& structure,
+                     InstanceIndex index) {
+  if (isExactRepresentation(structure, index)) {
+    return true;
+  }
   bool holdsOther = false;
   if (table.has(index, kTessellatedShape) && !table.has(index, kDraughtingModel)) {
     forEachItem(table, index, [&](std::uint64_t number) {
@@ -89,12 +100,15 @@ bool holdsOtherItems(const InstanceTable& table, InstanceIndex index) {
   return holdsOther;
 }
 
-/// Whether an instance stays even if it names something that is dropped.
-bool isProtected(const InstanceTable& table, const ProductStructure& structure,
-                 InstanceIndex index) {
-  const RepresentationIndex representation = structure.find(index);
-  return table.has(index, kUsage | kProductShape | kSolid | kShell | kExactFace) ||
-         (representation != kNoRepresentation && structure.representations[representation].isExact);
+/// What maps exact geometry: items and maps.
+std::set<InstanceIndex> findExactMappings(const ProductStructure& structure) {
+  std::set<InstanceIndex> found;
+  for (const Mapping& mapping : structure.mappings) {
+    if (structure.representations[mapping.mapped].isExact) {
+      found.insert({mapping.item, mapping.map});
+    }
+  }
+  return found;
 }
 
 }  // namespace
@@ -106,7 +120,7 @@ std::vector<Fate> decideFates(const InstanceTable& table, const ProductStructure
     if (table.isReplaced(index)) {
       fates[index] = Fate::Dropped;
     } else if (table.has(index, kTessellated)) {
-      fates[index] = holdsOtherItems(table, index) ? Fate::Retyped : Fate::Dropped;
+      fates[index] = holdsOtherItems(table, structure, index) ? Fate::Retyped : Fate::Dropped;
       dropped.push_back(index);
     }
   }
@@ -115,6 +129,11 @@ std::vector<Fate> decideFates(const InstanceTable& table, const ProductStructure
   }
   std::erase_if(dropped, [&fates](InstanceIndex index) { return fates[index] != Fate::Dropped; });
   const Naming naming(table, fates);
+  const std::set<InstanceIndex> exactMappings = findExactMappings(structure);
+  const auto isProtected = [&](InstanceIndex index) {
+    return table.has(index, kAlwaysKept) || isExactRepresentation(structure, index) ||
+           exactMappings.contains(index);
+  };
   std::vector<InstanceIndex> affected;
   while (!dropped.empty()) {
     // All that names something dropped is looked at once, however much of it that is.
@@ -128,7 +147,7 @@ std::vector<Fate> decideFates(const InstanceTable& table, const ProductStructure
     for (const InstanceIndex index : affected) {
       const Fate before = fates[index];
       fates[index] = before == Fate::Dropped ? before : fateOf(table, fates, index);
-      if (fates[index] == Fate::Dropped && isProtected(table, structure, index)) {
+      if (fates[index] == Fate::Dropped && isProtected(index)) {
         fates[index] = before == Fate::Kept ? Fate::Changed : before;
       }
       if (fates[index] != before && fates[index] == Fate::Dropped) {

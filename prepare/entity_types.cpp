@@ -165,6 +165,10 @@ std::uint16_t EntityTypes::idOf(std::string_view keywords, bool isComplex) {
     }
     rest.remove_prefix(keyword.size() + 1);
   }
+  if (type.has(kTessellated)) {
+    // A malformed complex type may have keywords of both kinds. It goes.
+    type.roles &= ~kAlwaysKept;
+  }
   ids_.emplace(key, id);
   return id;
 }

@@ -43,6 +43,10 @@ inline constexpr Roles kExactFace = 1U << 24;  ///< exact face
 /// names nothing but exact geometry or looks: never changes
 inline constexpr Roles kGeometryOnly = 1U << 25;
 
+/// Exact geometry and product structure: what stays, whatever it names. No type is both this and
+/// tessellated.
+inline constexpr Roles kAlwaysKept = kProductShape | kUsage | kSolid | kShell | kExactFace;
+
 /// A type of entity: one keyword, or those of a complex instance in their order.
 struct EntityType {
   std::vector<std::string> keywords;

@@ -63,7 +63,7 @@ Orphans findOrphans(const InstanceTable& table, const ProductStructure& structur
   }
   std::set<RepresentationIndex> mapped;  // delivered by those that map them
   for (const Mapping& mapping : structure.mappings) {
-    if (mapping.holder != mapping.mapped) {
+    if (mapping.holder != mapping.mapped && structure.representations[mapping.holder].isExact) {
       mapped.insert(mapping.mapped);
     }
   }

@@ -249,7 +249,10 @@ void markExact(const InstanceTable& table, ProductStructure& structure) {
   std::multimap<RepresentationIndex, RepresentationIndex> holders;
   std::vector<RepresentationIndex> found;
   for (const Mapping& mapping : structure.mappings) {
-    holders.emplace(mapping.mapped, mapping.holder);
+    // What is tessellated goes, and its mapping with it.
+    if (!table.has(mapping.item, kTessellated) && !table.has(mapping.map, kTessellated)) {
+      holders.emplace(mapping.mapped, mapping.holder);
+    }
   }
   for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
     if (structure.representations[i].isExact) {

@@ -219,8 +219,7 @@ TEST(Rules, KeepTheShapeOfAProductThatLosesItsTessellation) {
   EXPECT_THAT(data, HasSubstr("#51=SHAPE_DEFINITION_REPRESENTATION(#21,#50);\n"));
 }
 
-// --- What is tied to a product ---
-
+/// What is tied to products.
 std::string tiesIn(const std::string& file) {
   std::string ties;
   const std::string type = "=SHAPE_DEFINITION_REPRESENTATION(";
@@ -229,6 +228,66 @@ std::string tiesIn(const std::string& file) {
   }
   return ties;
 }
+
+/// What the report says that a file holds when it is prepared, and when that is prepared again.
+std::vector<std::string> holdings(const std::string& data) {
+  const std::string start = "Holds now: ";
+  std::vector<std::string> found;
+  std::string content = stepFile(data);
+  for (int i = 0; i < 2; ++i) {
+    const test::Prepared result = prepared(content);
+    const std::size_t begin = result.out.find(start) + start.size();
+    found.push_back(result.out.substr(begin, result.out.find('\n', begin) - begin) + ", status " +
+                    std::to_string(result.exitStatus));
+    content = result.file;
+  }
+  return found;
+}
+
+const std::string kHoldsExact = "exact geometry, status 0";
+const std::string kHoldsNothing = "no geometry, status 3";
+
+TEST(Rules, KeepExactGeometryOfRepresentationsOfUnknownTessellatedTypes) {
+  const std::string exact = kExact.substr(0, kExact.find("#34="));
+  const std::string simple = exact + "#34=A_TRIANGULATED_SHAPE_REPRESENTATION('s',(#33,#30),$);\n";
+  EXPECT_THAT(holdings(simple), ElementsAre(kHoldsExact, kHoldsExact));
+  EXPECT_THAT(dataOf(preparedFile(simple)),
+              HasSubstr("\n#34=SHAPE_REPRESENTATION('s',(#33,#30),$);\n"));
+  const std::string complex =
+      exact + "#34=(A_TESSELLATED_TYPE()REPRESENTATION('c',(#33),$)SHAPE_REPRESENTATION());\n";
+  EXPECT_THAT(holdings(complex), ElementsAre(kHoldsExact, kHoldsExact));
+  EXPECT_THAT(dataOf(preparedFile(complex)),
+              HasSubstr("\n#34=SHAPE_REPRESENTATION('c',(#33),$);\n"));
+}
+
+TEST(Rules, TakeNothingOfATessellatedTypeForExact) {
+  EXPECT_THAT(holdings("#33=(MANIFOLD_SOLID_BREP(#32)REPRESENTATION_ITEM('')"
+                       "TESSELLATED_ITEM());\n#34=SHAPE_REPRESENTATION('',(#33),$);\n"),
+              ElementsAre(kHoldsNothing, kHoldsNothing));
+}
+
+TEST(Rules, KeepMappingsOfExactGeometryWhateverTheyName) {
+  const std::string mapped = kParts + kExact + R"(#60=REPRESENTATION_MAP(#41,#34);
+#61=MAPPED_ITEM('',#60,#41);
+#62=SHAPE_REPRESENTATION('',(#61),$);
+#63=SHAPE_DEFINITION_REPRESENTATION(#21,#62);
+)";
+  EXPECT_THAT(dataOf(preparedFile(mapped)), HasSubstr("#60=REPRESENTATION_MAP(#41,#34);\n"
+                                                      "#61=MAPPED_ITEM('',#60,#41);\n"
+                                                      "#62=SHAPE_REPRESENTATION('',(#61),$);\n"));
+}
+
+TEST(Rules, TakeNothingForExactBecauseOfAMappingThatGoes) {
+  const std::string data = kExact + R"(#60=REPRESENTATION_MAP(#63,#34);
+#61=(MAPPED_ITEM(#60,#63)REPRESENTATION_ITEM('')TESSELLATED_ITEM());
+#62=SHAPE_REPRESENTATION('',(#61),$);
+)";
+  EXPECT_THAT(preparedFile(data), Not(HasSubstr("\n#62=")));
+  EXPECT_THAT(tiesIn(preparedFile(data)), testing::EndsWith(",#34 "));
+  EXPECT_THAT(holdings(data), ElementsAre(kHoldsExact, kHoldsExact));
+}
+
+// --- What is tied to a product ---
 
 TEST(Rules, TieExactGeometryToTheOnlyProductShape) {
   EXPECT_EQ(tiesIn(preparedFile(kParts + kExact)), "#21,#34 ");
