@@ -1,5 +1,6 @@
 #include "common/block_reader.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cerrno>
 #include <climits>
@@ -11,6 +12,9 @@ namespace {
 
 /// Stays in the processor's second-level cache; larger blocks take as long or longer.
 constexpr std::size_t kBlockSize = std::size_t{1} << 17;
+
+/// Longer than most instances; what more is wanted of one comes in whole blocks.
+constexpr std::size_t kFirstBlockSize = std::size_t{1} << 12;
 
 }  // namespace
 
@@ -36,7 +40,9 @@ bool BlockReader::next(std::string_view& block, std::size_t kept) {
     return false;
   }
   keep(kept);
-  size_ = kept + read(buffer_.get() + kept, capacity_ - kept);
+  const std::size_t room = capacity_ - kept;
+  size_ = kept + read(buffer_.get() + kept, isBehindSeek_ ? std::min(room, kFirstBlockSize) : room);
+  isBehindSeek_ = false;
   block = {buffer_.get(), size_};
   return size_ > kept;
 }
@@ -47,6 +53,7 @@ bool BlockReader::seek(std::uint64_t offset) {
     return false;
   }
   size_ = 0;
+  isBehindSeek_ = true;
   hasEnded_ = false;
   hasFailed_ = false;
   return true;

@@ -35,7 +35,8 @@ class BlockReader {
   }
 
   /// Goes to a place in the file, from which `next` reads on; nothing can be kept across that. The
-  /// result is false, and nothing changes, if the file has no places (a pipe).
+  /// first block there is a small one, as the next thing that is wanted may be elsewhere. The result
+  /// is false, and nothing changes, if the file has no places (a pipe).
   [[nodiscard]] bool seek(std::uint64_t offset);
 
   /// The number of bytes that the file says it has; 0 if it does not tell (a pipe). Good for
@@ -54,6 +55,7 @@ class BlockReader {
   std::unique_ptr<char[]> buffer_;
   std::size_t capacity_ = 0;
   std::size_t size_ = 0;  // of the block handed out last
+  bool isBehindSeek_ = false;
   bool hasEnded_ = false;
   bool hasFailed_ = false;
 };

@@ -69,4 +69,14 @@ void BodyCursor::skipParameter() {
   }
 }
 
+bool BodyCursor::skipRecord() {
+  if (!take('(')) {
+    return false;
+  }
+  do {
+    skipParameter();
+  } while (take(','));
+  return take(')');
+}
+
 }  // namespace plenvorith

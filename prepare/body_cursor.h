@@ -63,6 +63,14 @@ class BodyCursor {
   /// Goes over a parameter, to the "," or ")" behind it.
   void skipParameter();
 
+  /// Goes over the parameters of a record, from its "(" to behind its ")"; false if it has none.
+  [[nodiscard]] bool skipRecord();
+
+  /// Whether a list that is not empty is next.
+  [[nodiscard]] bool isAtItems() {
+    return peek() == '(' && end_ - p_ > 1 && p_[1] != ')';
+  }
+
  private:
   void consume() {
     reader_.consume(static_cast<std::size_t>(p_ - begin_));

@@ -1,15 +1,11 @@
 #include "prepare/coordinates.h"
 
-#include <array>
 #include <cmath>
 
 #include "common/number.h"
-#include "prepare/body_cursor.h"
 
 namespace plenvorith {
-namespace {
 
-/// Reads "(x,y,z)" at `p`. Gives the place behind it, or null where something else stands.
 const char* readPoint(const char* p, const char* end, std::array<double, 3>& numbers) {
   if (p == end || *p != '(') {
     return nullptr;
@@ -24,6 +20,18 @@ const char* readPoint(const char* p, const char* end, std::array<double, 3>& num
   }
   return p + 1;
 }
+
+bool goToPoints(BodyCursor& cursor) {
+  (void)cursor.takeKeyword();
+  bool isThere = cursor.take('(');
+  for (int i = 0; i < 2 && isThere; ++i) {  // name, npoints
+    cursor.skipParameter();
+    isThere = cursor.take(',');
+  }
+  return isThere;
+}
+
+namespace {
 
 bool writePlaced(const std::array<double, 3>& point, const Placement& placement,
                  OutputFile& output) {
@@ -86,13 +94,7 @@ bool writeCoordinates(StatementReader& reader, std::uint64_t name, std::uint64_t
   output.put(pointCount);
   output.put(",(");
   BodyCursor cursor(reader);
-  (void)cursor.takeKeyword();
-  bool isRead = cursor.take('(');
-  for (int i = 0; i < 2 && isRead; ++i) {  // name, npoints
-    cursor.skipParameter();
-    isRead = cursor.take(',');
-  }
-  isRead = isRead && cursor.take('(');
+  bool isRead = goToPoints(cursor) && cursor.take('(');
   if (isRead && !cursor.take(')')) {
     do {
       isRead = writePoints(cursor, placement, output);

@@ -1,12 +1,22 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
+#include "prepare/body_cursor.h"
 #include "prepare/output_file.h"
 #include "prepare/part21.h"
 #include "prepare/placement.h"
 
 namespace plenvorith {
+
+/// Goes to the points of the COORDINATES_LIST at whose start the cursor stands; false if there is
+/// no such place.
+[[nodiscard]] bool goToPoints(BodyCursor& cursor);
+
+/// Reads a point or a direction, "(x,y,z)", at `p`. Gives the place behind it, or null where
+/// something else stands.
+[[nodiscard]] const char* readPoint(const char* p, const char* end, std::array<double, 3>& numbers);
 
 /// Writes the COORDINATES_LIST of ISO 10303-42 that a reader stands at, with each point placed.
 ///

@@ -96,8 +96,11 @@ bool readLists(BodyCursor& cursor, Copy copy, Each each, Finish finish) {
 
 class Expander {
  public:
-  Expander(std::uint64_t pointCount, bool isMirrored, OutputFile* output)
-      : pointCount_(static_cast<Index>(pointCount)), isMirrored_(isMirrored), output_(output) {}
+  Expander(std::uint64_t pointCount, const FaceTarget& target, OutputFile* output)
+      : pointCount_(static_cast<Index>(pointCount)),
+        isMirrored_(target.isMirrored),
+        maxSamples_(target.maxSamples),
+        output_(output) {}
 
   bool readMapping(BodyCursor& cursor) {
     return readIndices(cursor, [this](Index index) {
@@ -122,10 +125,14 @@ class Expander {
   void add(Index a, Index b, Index c);
   bool copyTriples(BodyCursor& cursor);
   bool map(Index& index) const;
+  bool wantsSamples() const {
+    return result.mayHaveNormals && result.samples.size() < maxSamples_;
+  }
 
   std::vector<std::uint32_t> mapping_;  // 0: outside the coordinates list
   Index pointCount_;
   bool isMirrored_;
+  std::size_t maxSamples_;
   OutputFile* output_;
 };
 
@@ -141,7 +148,7 @@ bool Expander::map(Index& index) const {
 /// Copies what is next of a list of triples as it is, where their indices need no change; false if
 /// the first of them is something else. Most of what real files hold is this.
 bool Expander::copyTriples(BodyCursor& cursor) {
-  if (!mapping_.empty() || isMirrored_) {
+  if (!mapping_.empty() || isMirrored_ || wantsSamples()) {
     return false;
   }
   constexpr std::ptrdiff_t kLongest = 3 * (kMaxDigits + 1) + 2;
@@ -185,6 +192,11 @@ bool Expander::copyTriples(BodyCursor& cursor) {
 }
 
 void Expander::add(Index a, Index b, Index c) {
+  const auto cornersOf = [](Index first, Index second, Index third) {
+    return std::array{static_cast<std::uint64_t>(first), static_cast<std::uint64_t>(second),
+                      static_cast<std::uint64_t>(third)};
+  };
+  const std::array<std::uint64_t, 3> given = cornersOf(a, b, c);
   if (!map(a) || !map(b) || !map(c)) {
     ++result.skipped;
     return;
@@ -193,6 +205,9 @@ void Expander::add(Index a, Index b, Index c) {
   // from joints, and preparing twice would give less than preparing once.
   if (a == b || b == c || a == c) {
     return;
+  }
+  if (wantsSamples()) {
+    result.samples.push_back({given, cornersOf(a, b, c)});
   }
   if (output_ != nullptr) {
     constexpr std::size_t kLongest = 80;
@@ -272,31 +287,26 @@ bool isFaceKeyword(std::string_view keyword) {
 }
 
 /// Goes to the index mapping of a face and gives the keyword of the record that it stands in; an
-/// empty one if there is none.
-std::string findMapping(BodyCursor& cursor, bool isComplex) {
+/// empty one if there is none. Tells whether the face may have normals.
+std::string findMapping(BodyCursor& cursor, bool isComplex, bool& mayHaveNormals) {
+  mayHaveNormals = isComplex;
   if (isComplex) {
     (void)cursor.take('(');
-    while (true) {
-      std::string keyword = cursor.takeKeyword();
-      if (!cursor.take('(')) {
+    std::string keyword = cursor.takeKeyword();
+    while (!isFaceKeyword(keyword)) {
+      if (!cursor.skipRecord()) {
         return {};
       }
-      if (isFaceKeyword(keyword)) {
-        return keyword;
-      }
-      do {
-        cursor.skipParameter();
-      } while (cursor.take(','));
-      if (!cursor.take(')')) {
-        return {};
-      }
+      keyword = cursor.takeKeyword();
     }
+    return cursor.take('(') ? keyword : std::string();
   }
   std::string keyword = cursor.takeKeyword();
   // name, coordinates, pnmax, normals and, of a face only, its link
   const int before = keyword.ends_with("FACE") ? 5 : 4;
   bool isThere = cursor.take('(');
   for (int i = 0; i < before && isThere; ++i) {
+    mayHaveNormals = mayHaveNormals || (i == 3 && cursor.isAtItems());
     cursor.skipParameter();
     isThere = cursor.take(',');
   }
@@ -316,9 +326,9 @@ ExpandedFace expandFace(StatementReader& reader, const EntityType& type, std::ui
     output->put(pointCount);
     output->put(",(),$,(),(");
   }
-  Expander expander(pointCount, target.isMirrored, output);
+  Expander expander(pointCount, target, output);
   BodyCursor cursor(reader);
-  const std::string keyword = findMapping(cursor, type.isComplex);
+  const std::string keyword = findMapping(cursor, type.isComplex, expander.result.mayHaveNormals);
   bool isRead = !keyword.empty() && expander.readMapping(cursor) && cursor.take(',');
   if (keyword.starts_with("COMPLEX_")) {
     isRead = isRead && expander.readStrips(cursor) && cursor.take(',') && expander.readFans(cursor);

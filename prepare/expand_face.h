@@ -1,7 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "prepare/entity_types.h"
@@ -10,18 +11,29 @@
 
 namespace plenvorith {
 
+/// A triangle of a face by its corners, counted from 1.
+struct SampledTriangle {
+  std::array<std::uint64_t, 3> normals =
+      {};                                    ///< as the face has them: in its index mapping, and in
+                                             ///< its list of normals
+  std::array<std::uint64_t, 3> points = {};  ///< in the coordinates list
+};
+
 /// How a face is written.
 struct FaceTarget {
   std::uint64_t name = 0;         ///< of the new face
   std::uint64_t coordinates = 0;  ///< the name of its new coordinates list
   bool isMirrored = false;        ///< two corners of each triangle change places
+  std::size_t maxSamples = 0;     ///< how many triangles to give if the face has normals
 };
 
 /// What a face gave.
 struct ExpandedFace {
   std::uint64_t triangles = 0;
-  std::uint64_t skipped = 0;  ///< with an index outside the mapping or the list
-  bool hasFailed = false;     ///< something stands where a number has to be
+  std::uint64_t skipped = 0;             ///< with an index outside the mapping or the list
+  bool hasFailed = false;                ///< something stands where a number has to be
+  bool mayHaveNormals = false;           ///< of a complex instance it is not known
+  std::vector<SampledTriangle> samples;  ///< the first triangles
 };
 
 /// Expands a triangulated face or surface set, complex or not, of ISO 10303-42 into triples that

@@ -172,6 +172,9 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   if (written.emptiedStrings > 0) {
     warnings.insert("strings of more than 8,192 bytes are emptied");
   }
+  if (written.hasNormalsAgainst) {
+    warnings.insert("the stored normals of a body are all against its triangles, which stay");
+  }
   printReport(table, part, decisions, written, warnings);
   std::cout << "Saved: " << outputPath << std::endl;
   return part.hasExact || written.triangles > 0 ? kWritten : kNoGeometry;

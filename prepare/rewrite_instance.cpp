@@ -147,11 +147,7 @@ void Filter::copyParameter() {
 void Filter::copyAsShapeRepresentation() {
   bool isComplex = cursor_.take('(');
   std::string keyword = cursor_.takeKeyword();
-  while (isComplex && keyword != "REPRESENTATION" && cursor_.take('(')) {
-    do {
-      cursor_.skipParameter();
-    } while (cursor_.take(','));
-    (void)cursor_.take(')');
+  while (isComplex && keyword != "REPRESENTATION" && cursor_.skipRecord()) {
     keyword = cursor_.takeKeyword();
   }
   output_.put("SHAPE_REPRESENTATION(");

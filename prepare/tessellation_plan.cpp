@@ -73,6 +73,7 @@ TessellationPlan planTessellation(const InstanceTable& table, const PartTessella
     plan.bodyCount += body.instance != previous ? 1 : 0;
     previous = body.instance;
     plan.units.insert(unit);
+    plan.firstSolids.push_back(plan.solidCount);
     Placement own;
     for (const InstanceIndex location : body.repositioning) {
       own = own * occurrences.placementOf(location, body.representation);

@@ -44,9 +44,10 @@ struct TessellationPlan {
   std::vector<PlannedList> lists;
   std::vector<PlannedFace> faces;
   std::uint32_t solidCount = 0;
-  std::uint64_t bodyCount = 0;  ///< of the file, however often each stands
-  std::set<double> units;       ///< the millimetres in one unit, of the bodies
-  bool hasTooMany = false;      ///< there are more placements than can be kept
+  std::vector<std::uint32_t> firstSolids;  ///< of each body the first solid, ascending
+  std::uint64_t bodyCount = 0;             ///< of the file, however often each stands
+  std::set<double> units;                  ///< the millimetres in one unit, of the bodies
+  bool hasTooMany = false;                 ///< there are more placements than can be kept
 };
 
 [[nodiscard]] TessellationPlan planTessellation(const InstanceTable& table,

@@ -7,6 +7,7 @@
 #include "prepare/coordinates.h"
 #include "prepare/expand_face.h"
 #include "prepare/rewrite_instance.h"
+#include "prepare/stored_normals.h"
 
 namespace plenvorith {
 namespace {
@@ -55,8 +56,12 @@ class Writer {
         decisions_(decisions),
         plan_(decisions.plan),
         output_(output),
-        names_(table.largestNumber(), plan_,
-               kMaxOthers + decisions.orphans.representations.size()) {}
+        names_(table.largestNumber(), plan_, kMaxOthers + decisions.orphans.representations.size()),
+        normals_(plan_.firstSolids.size(), NormalsVerdict::NoNormals) {
+    for (const PlannedList& list : plan_.lists) {
+      normalsBudget_ += table.pointCount(list.list);
+    }
+  }
 
   Written write();
 
@@ -68,6 +73,8 @@ class Writer {
   void writeLists(InstanceIndex index);
   void writeFaces(InstanceIndex index);
   void writeFace(StatementReader& reader, std::size_t place);
+  NormalsVerdict* normalsToLookAt(std::uint32_t solid);
+  NormalsVerdict verdictOn(const PlannedFace& face, const ExpandedFace& expanded);
   void writeSolids();
   void writeRepresentation();
   void writeMark();
@@ -89,6 +96,9 @@ class Writer {
   const TessellationPlan& plan_;
   OutputFile& output_;
   NewNames names_;
+  std::vector<NormalsVerdict> normals_;  // of the bodies, so far
+  // How much may be read for them: many bodies may lie far behind in one list of coordinates.
+  std::uint64_t normalsBudget_ = 1'000'000;
   Written written_;
   std::size_t nextList_ = 0;
   std::size_t nextFace_ = 0;
@@ -128,6 +138,34 @@ void Writer::writeFaces(InstanceIndex index) {
   }
 }
 
+/// What is known of the normals of the body that a solid shows; null where no more is wanted: once
+/// one agrees, and in all places of the body but the first.
+NormalsVerdict* Writer::normalsToLookAt(std::uint32_t solid) {
+  const auto first = std::lower_bound(plan_.firstSolids.begin(), plan_.firstSolids.end(), solid);
+  if (first == plan_.firstSolids.end() || *first != solid) {
+    return nullptr;
+  }
+  NormalsVerdict& verdict = normals_[static_cast<std::size_t>(first - plan_.firstSolids.begin())];
+  return verdict == NormalsVerdict::NotAgainst ? nullptr : &verdict;
+}
+
+/// Looks at the first triangle, as of nearly all faces that agrees; then at more.
+NormalsVerdict Writer::verdictOn(const PlannedFace& face, const ExpandedFace& expanded) {
+  const InstanceIndex list = plan_.lists[face.list].list;
+  const NormalsVerdict first =
+      compareNormals(again_, table_, face.face, list, expanded.samples, normalsBudget_);
+  if (first == NormalsVerdict::NoNormals || first == NormalsVerdict::NotAgainst) {
+    return first;
+  }
+  constexpr std::size_t kMaxSamples = 65'536;  // less than twenty megabytes
+  FaceTarget target;
+  target.maxSamples = kMaxSamples;
+  again_.seekBody(table_.offset(face.face));
+  const ExpandedFace more =
+      expandFace(again_, table_.type(face.face), table_.pointCount(list), target, nullptr);
+  return compareNormals(again_, table_, face.face, list, more.samples, normalsBudget_);
+}
+
 void Writer::writeFace(StatementReader& reader, std::size_t place) {
   const PlannedFace& face = plan_.faces[place];
   const EntityType& type = table_.type(face.face);
@@ -141,14 +179,17 @@ void Writer::writeFace(StatementReader& reader, std::size_t place) {
     return;  // whatever is wrong with it, it is left out
   }
   const PlannedList& list = plan_.lists[face.list];
-  expanded = expandFace(
-      reader, type, table_.pointCount(list.list),
-      {names_.face(place), names_.list(face.list), plan_.placements[list.placement].isMirrored},
-      &output_);
+  NormalsVerdict* const normals = normalsToLookAt(face.solid);
+  expanded = expandFace(reader, type, table_.pointCount(list.list),
+                        {names_.face(place), names_.list(face.list),
+                         plan_.placements[list.placement].isMirrored, normals == nullptr ? 0U : 1U},
+                        &output_);
   written_.triangles += expanded.triangles;
   written_.skippedTriangles += expanded.skipped;
   if (expanded.hasFailed) {
     fail(face.face, "no number where one has to be");
+  } else if (!expanded.samples.empty()) {
+    *normals = std::max(*normals, verdictOn(face, expanded));
   }
 }
 
@@ -313,6 +354,8 @@ Written Writer::write() {
   if (written_.error.empty() && output_.isGood() && index != table_.size()) {
     written_.error = "changed while it was read";
   }
+  written_.hasNormalsAgainst =
+      std::find(normals_.begin(), normals_.end(), NormalsVerdict::Against) != normals_.end();
   writeOrphans();
   if (plan_.solidCount > 0) {
     writeSolids();

@@ -25,7 +25,8 @@ struct Written {
   std::uint64_t copiedTriangles = 0;  ///< of bodies that exact geometry duplicates
   std::uint64_t skippedTriangles = 0;
   std::uint64_t emptiedStrings = 0;
-  std::string error;  ///< empty if nothing is wrong with the file
+  bool hasNormalsAgainst = false;  ///< a body's stored normals are all against its triangles
+  std::string error;               ///< empty if nothing is wrong with the file
 };
 
 /// Writes the file anew, in the order of the file: one instance a line without blanks, what is

@@ -139,6 +139,18 @@ TEST(BlockReader, GoesToAnyPlace) {
   EXPECT_TRUE(restOf(file) == content);
 }
 
+TEST(BlockReader, HandsOutLittleAtANewPlaceAndMoreBehindIt) {
+  MemoryFile memory;
+  const std::string content = bytes(2 * kBlock);
+  BlockReader file(memory.write(content));
+  ASSERT_TRUE(file.seek(5));
+  std::string_view block;
+  ASSERT_TRUE(file.next(block));
+  EXPECT_TRUE(block == content.substr(5, 4096));
+  ASSERT_TRUE(file.next(block));
+  EXPECT_TRUE(block == content.substr(5 + 4096, kBlock));
+}
+
 TEST(BlockReader, RejectsAPlaceThatNoFileHas) {
   MemoryFile memory;
   BlockReader file(memory.write("abc"));
