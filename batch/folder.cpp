@@ -46,8 +46,14 @@ bool makeFolders(const std::string& path) {
   }
   if (errno == ENOENT) {
     const std::string above = folderOf(path);
-    return !above.empty() && makeFolders(above) && mkdir(path.c_str(), kRights) == 0;
+    if (above.empty() || !makeFolders(above)) {
+      return false;
+    }
+    if (mkdir(path.c_str(), kRights) == 0) {
+      return true;
+    }
   }
+  // There already, or made by another process between the one call and the other.
   struct stat status {};
   return errno == EEXIST && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }

@@ -1,6 +1,10 @@
 #include "batch/folder.h"
 
+#include <atomic>
 #include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -32,6 +36,31 @@ TEST(Folder, MakesAllThatIsMissing) {
   EXPECT_FALSE(makeFolders(dir / "file/below"));
   fs::create_symlink("nowhere", dir / "dead");
   EXPECT_FALSE(makeFolders(dir / "dead/below"));
+}
+
+TEST(Folder, MakesWhatOthersMakeAtTheSameTime) {
+  const test::TempDir dir;
+  constexpr int kRounds = 100;
+  constexpr int kThreads = 4;
+  std::atomic<int> waiting = 0;
+  std::atomic<int> failures = 0;
+  const auto make = [&] {
+    for (int round = 1; round <= kRounds; ++round) {
+      ++waiting;
+      while (waiting < round * kThreads) {
+        std::this_thread::yield();
+      }
+      failures += makeFolders(dir / std::to_string(round) + "/a/b") ? 0 : 1;
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back(make);
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(failures, 0);
 }
 
 TEST(Folder, EmptiesAndRemovesWithoutFollowingLinks) {
