@@ -20,6 +20,7 @@ constexpr std::array<const char*, 3> kStatusNames = {"converted", "delivering", 
 struct StateHandle {
   sqlite3* database = nullptr;
   std::array<sqlite3_stmt*, kQueryCount> statements{};
+  std::string dropped;  ///< why changes were, the last time
 };
 
 namespace {
@@ -269,7 +270,8 @@ State openState(const std::string& path, std::string& problem, StateUse use) {
 }
 
 std::string stateProblem(StateHandle& state) {
-  return sqlite3_errmsg(state.database);
+  const bool isForgotten = sqlite3_errcode(state.database) == SQLITE_OK && !state.dropped.empty();
+  return isForgotten ? state.dropped : sqlite3_errmsg(state.database);
 }
 
 bool beginChanges(StateHandle& state) {
@@ -286,8 +288,9 @@ bool commitChanges(StateHandle& state) {
 
 void dropChanges(StateHandle& state) {
   if (sqlite3_get_autocommit(state.database) == 0) {
-    (void)executeStatements(state.database,
-                            "ROLLBACK");  // nothing is left to do if that fails as well
+    state.dropped = sqlite3_errmsg(state.database);
+    // Nothing is left to do if that fails as well.
+    (void)executeStatements(state.database, "ROLLBACK");
   }
 }
 

@@ -241,5 +241,17 @@ TEST(State, RejectsAFolderThatIsNotThere) {
   EXPECT_EQ(problem, dir / "missing/state.db: unable to open database file");
 }
 
+TEST(State, TellsWhyChangesWereDropped) {
+  const test::TempDir dir;
+  openedAt(dir / "state.db").reset();
+  std::string problem;
+  const State state = openState(dir / "state.db", problem, StateUse::Read);
+  ASSERT_NE(state, nullptr) << problem;
+  ASSERT_TRUE(beginChanges(*state));
+  EXPECT_FALSE(putFile(*state, fileWithAllValues()));
+  dropChanges(*state);
+  EXPECT_EQ(stateProblem(*state), "attempt to write a readonly database");
+}
+
 }  // namespace
 }  // namespace plenvorith
