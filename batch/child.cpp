@@ -57,12 +57,13 @@ bool setUpChild(const ChildSettings& child, pid_t worker) {
   sigemptyset(&none);
   const int empty = open("/dev/null", O_RDONLY);
   // A worker that is killed takes its child with it; it may be gone already.
-  const bool isUp = setpgid(0, 0) == 0 && prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 &&
-                    getppid() == worker && chdir(child.workFolder.c_str()) == 0 &&
+  // The streams come first: what is said of the others belongs in the transcript.
+  const bool isUp = dup2(empty, STDIN_FILENO) >= 0 && dup2(child.transcript, STDOUT_FILENO) >= 0 &&
+                    dup2(child.transcript, STDERR_FILENO) >= 0 && setpgid(0, 0) == 0 &&
+                    prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && getppid() == worker &&
+                    chdir(child.workFolder.c_str()) == 0 &&
                     setenv("TMPDIR", child.temporaryFolder.c_str(), 1) == 0 &&
-                    dup2(empty, STDIN_FILENO) >= 0 && dup2(child.transcript, STDOUT_FILENO) >= 0 &&
-                    dup2(child.transcript, STDERR_FILENO) >= 0 && setLimit(RLIMIT_CORE, 0) &&
-                    sigprocmask(SIG_SETMASK, &none, nullptr) == 0;
+                    setLimit(RLIMIT_CORE, 0) && sigprocmask(SIG_SETMASK, &none, nullptr) == 0;
   closefrom(STDERR_FILENO + 1);
   return isUp &&
          (child.settings.memoryLimit == 0 || setLimit(RLIMIT_AS, child.settings.memoryLimit));
