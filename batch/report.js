@@ -3,6 +3,7 @@
 'use strict';
 (() => {
   const kPageRows = 100;
+  const kMostReasons = 10; // of one kind, in a list
   const byId = (id) => document.getElementById(id);
   const data = JSON.parse(byId('data').textContent);
 
@@ -86,6 +87,7 @@
       reason: shown(record.reason || ''),
       openEdges: sumOf(outputs, 'openEdges'),
       volume: sumOf(outputs, 'volume'),
+      kind: '', // of the reason
       open: false, // whether its details are shown
       key: '',
     };
@@ -97,15 +99,31 @@
   const hasChecks = files.some((file) => file.openEdges !== null);
   const kNames = { converted: 'converted', failed: 'failed', delivering: 'interrupted' };
 
-  // The reasons with the number of their files, the most frequent first.
-  const reasons = new Map();
+  // Reasons of a kind have the same beginning; what stands behind it differs from file to file: a
+  // limit, a signal, a name, an advice.
+  const kindOf = (reason) => reason.replace(/(: |; | \(| (of )?\d)[^]*$/, '');
+
+  // The kinds of reasons, the most frequent first, each with its reasons in the same order.
+  const byCount = (a, b) => b.count - a.count || (a.text < b.text ? -1 : 1);
+  const kinds = new Map();
   for (const file of files) {
     if (file.reason) {
-      reasons.set(file.reason, (reasons.get(file.reason) || 0) + 1);
+      const text = kindOf(file.reason);
+      const kind = kinds.get(text) || { text, count: 0, reasons: new Map() };
+      kinds.set(text, kind);
+      kind.count += 1;
+      kind.reasons.set(file.reason, (kind.reasons.get(file.reason) || 0) + 1);
+      file.kind = text;
     }
   }
-  const reasonList = [...reasons].sort((a, b) => b[1] - a[1] || (a[0] < b[0] ? -1 : 1));
-  const reasonRank = new Map(reasonList.map(([reason], rank) => [reason, rank]));
+  const kindList = [...kinds.values()].sort(byCount);
+  const reasonRank = new Map();
+  for (const kind of kindList) {
+    kind.reasons = [...kind.reasons].map(([text, count]) => ({ text, count })).sort(byCount);
+    kind.reasons.forEach(({ text }) => reasonRank.set(text, reasonRank.size));
+    // What all files of a kind have in common is said whole.
+    kind.title = kind.reasons.length === 1 ? kind.reasons[0].text : kind.text;
+  }
 
   function extent(file) {
     const b = file.record.bounds;
@@ -144,7 +162,7 @@
       .filter(([, min, max]) => min !== null || max !== null);
     found = files.filter((file) =>
       (!status || file.record.status === status) &&
-      (!reason || file.reason === reason) &&
+      (!reason || file.reason === reason || file.kind === reason) &&
       ranges.every(([field, min, max]) => {
         const value = file.record[field];
         return value !== undefined && (min === null || value >= min) && (max === null || value <= max);
@@ -382,12 +400,25 @@
     byId('about').append(data.about);
     byId('status').append(element('option', { value: '' }, 'Any status'),
       ...Object.keys(number).map((status) => element('option', { value: status }, `${kNames[status]} (${count(number[status])})`)));
-    byId('reason').append(element('option', { value: '' }, 'Any reason'),
-      ...reasonList.map(([reason, files]) => element('option', { value: reason }, `${reason} (${count(files)})`)));
-    for (const [reason, files] of reasonList.slice(0, 8)) {
-      const button = element('button', { type: 'button' }, element('b', {}, count(files)), ' ' + reason);
+  }
+
+  function fillReasons() {
+    const option = (text, number) => element('option', { value: text }, `${text} (${count(number)})`);
+    byId('reason').append(element('option', { value: '' }, 'Any reason'));
+    for (const kind of kindList) {
+      // A kind whose reasons name files has as many of them as files: only the first are listed.
+      const several = kind.reasons.length > 1 ? kind.reasons.slice(0, kMostReasons) : [];
+      const made = several.map((reason) => option(reason.text, reason.count));
+      made.forEach((one) => one.prepend('\u2003'));
+      byId('reason').append(option(kind.title, kind.count), ...made);
+    }
+    for (const kind of kindList.slice(0, 8)) {
+      const button = element('button', { type: 'button' }, element('b', {}, count(kind.count)), ' ' + kind.title);
+      if (kind.reasons.length > 1) {
+        button.title = kind.reasons.slice(0, kMostReasons).map((reason) => `${count(reason.count)} ${reason.text}`).join('\n');
+      }
       button.addEventListener('click', () => {
-        byId('reason').value = byId('reason').value === reason ? '' : reason;
+        byId('reason').value = byId('reason').value === kind.title ? '' : kind.title;
         show({ page: 0 });
       });
       byId('reasons').append(button);
@@ -396,6 +427,7 @@
 
   fillHead();
   fillSummary();
+  fillReasons();
   byId('filters').addEventListener('submit', (event) => event.preventDefault());
   byId('filters').addEventListener('input', () => show({ page: 0 }));
   byId('filters').addEventListener('reset', (event) => {

@@ -2,12 +2,14 @@
 //
 //   report_pages odd FILE           names of any bytes
 //   report_pages many FILE COUNT    COUNT files of all kinds
+//   report_pages reasons FILE       files that failed for all kinds of reasons
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "batch/report.h"
 
@@ -34,6 +36,30 @@ ReportFile oddFile(std::size_t i) {
   file.record.status = plenvorith::FileStatus::Converted;
   file.record.outputs = {{kOddNames[i] + ".stl", 134}};
   file.record.transcript = "transcripts/" + kOddNames[i] + ".txt";
+  return file;
+}
+
+const std::vector<std::string> kReasons = {
+    "cannot be read: Permission denied",
+    "ends in the middle (no END-ISO-10303-21)",
+    "ends in the middle (no END-ISO-10303-21)",
+    "ends in the middle (no END-ISO-10303-21); kernel crashed (signal 11, SIGSEGV)",
+    "exit status 3",
+    "exit status 4",
+    "incomplete: a: (1).stl",
+    "incomplete: b\n.stl",
+    "incomplete: c.stl",
+    "incomplete: c.stl",
+    "incomplete: d.stl",
+    "tessellation of a form that the converter does not decode: try --prepare",
+    "time limit of 6 s",
+    "time limit of 6 s",
+};
+
+ReportFile failedFile(std::size_t i) {
+  ReportFile file;
+  file.record.name = std::to_string(100 + i) + ".stp";
+  file.record.reason = kReasons[i];
   return file;
 }
 
@@ -64,14 +90,17 @@ ReportFile plainFile(std::size_t i, std::size_t count) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::cerr << "usage: report_pages odd|many FILE [COUNT]" << std::endl;
+    std::cerr << "usage: report_pages odd|many|reasons FILE [COUNT]" << std::endl;
     return 2;
   }
-  const bool odd = std::string(argv[1]) == "odd";
-  const std::size_t count = odd ? kNames : std::strtoul(argc > 3 ? argv[3] : "30", nullptr, 10);
+  const std::string kind = argv[1];
+  const std::size_t count = kind == "odd" ? kNames
+                            : kind == "reasons"
+                                ? kReasons.size()
+                                : std::strtoul(argc > 3 ? argv[3] : "30", nullptr, 10);
   const auto files = [&](const std::function<void(const ReportFile&)>& visit) {
     for (std::size_t i = 0; i < count; ++i) {
-      visit(odd ? oddFile(i) : plainFile(i, count));
+      visit(kind == "odd" ? oddFile(i) : kind == "reasons" ? failedFile(i) : plainFile(i, count));
     }
     return true;
   };

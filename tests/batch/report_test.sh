@@ -165,6 +165,58 @@ cleared: 1–100 of 10 000 files group 0/part-00000.step true
 END
 }
 
+GroupsReasonsByKind() {
+  "$pages" reasons index.html
+  look '' <<'END'
+for (const button of all('#reasons button')) {
+  say(button.textContent, '[' + button.title.replaceAll('\n', '|') + ']');
+}
+for (const option of all('#reason option')) {
+  say(option.textContent.replace('\u2003', '- '));
+}
+const names = () => column('name').map((name) => name.slice(0, 3)).join(' ');
+all('#reasons button')[0].click();
+say(names(), location.hash);
+all('#reasons button')[1].click();
+say(names());
+enter('reason', 'ends in the middle (no END-ISO-10303-21)');
+say(names());
+enter('reason', 'time limit of 6 s');
+say(names());
+enter('reason', '');
+head('Reason').click();
+say(names());
+END
+  expect <<'END'
+5 incomplete [2 incomplete: c.stl|1 incomplete: a: (1).stl|1 incomplete: b\n.stl|1 incomplete: d.stl]
+3 ends in the middle [2 ends in the middle (no END-ISO-10303-21)|1 ends in the middle (no END-ISO-10303-21); kernel crashed (signal 11, SIGSEGV)]
+2 exit status [1 exit status 3|1 exit status 4]
+2 time limit of 6 s []
+1 cannot be read: Permission denied []
+1 tessellation of a form that the converter does not decode: try --prepare []
+Any reason
+incomplete (5)
+- incomplete: c.stl (2)
+- incomplete: a: (1).stl (1)
+- incomplete: b\n.stl (1)
+- incomplete: d.stl (1)
+ends in the middle (3)
+- ends in the middle (no END-ISO-10303-21) (2)
+- ends in the middle (no END-ISO-10303-21); kernel crashed (signal 11, SIGSEGV) (1)
+exit status (2)
+- exit status 3 (1)
+- exit status 4 (1)
+time limit of 6 s (2)
+cannot be read: Permission denied (1)
+tessellation of a form that the converter does not decode: try --prepare (1)
+106 107 108 109 110 #reason=incomplete
+101 102 103
+101 102
+112 113
+108 109 106 107 110 101 102 103 104 105 112 113 100 111
+END
+}
+
 TurnsPages() {
   "$pages" many index.html 1050
   look 'page=2' <<'END'
