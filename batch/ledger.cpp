@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <set>
 #include <utility>
 
 #include <sys/stat.h>
@@ -22,16 +23,20 @@ std::string inOutputFolder(const Places& places, const std::string& path) {
   return places.output + '/' + path;
 }
 
-bool hasOutput(const std::vector<OutputRecord>& outputs, const std::string& path) {
-  return std::any_of(outputs.begin(), outputs.end(),
-                     [&](const OutputRecord& output) { return output.path == path; });
+std::set<std::string> pathsOf(const std::vector<OutputRecord>& outputs) {
+  std::set<std::string> paths;
+  for (const OutputRecord& output : outputs) {
+    paths.insert(output.path);
+  }
+  return paths;
 }
 
 /// The outputs of `more` behind those of `outputs`, each path once.
 std::vector<OutputRecord> joined(std::vector<OutputRecord> outputs,
                                  const std::vector<OutputRecord>& more) {
+  std::set<std::string> paths = pathsOf(outputs);
   for (const OutputRecord& output : more) {
-    if (!hasOutput(outputs, output.path)) {
+    if (paths.insert(output.path).second) {
       outputs.push_back(output);
     }
   }
@@ -133,10 +138,10 @@ std::string moveOutputs(const Places& places, const Finished& finished, const Se
 
 /// Removes files that may be there, other than those that stay, this input's or another's.
 void removeOutputs(const Places& places, const std::vector<OutputRecord>& outputs,
-                   const std::vector<OutputRecord>& staying) {
+                   const std::set<std::string>& staying) {
   for (const OutputRecord& output : outputs) {
     const std::string path = inOutputFolder(places, output.path);
-    if (!hasOutput(staying, output.path) && unlink(path.c_str()) == 0) {
+    if (!staying.contains(output.path) && unlink(path.c_str()) == 0) {
       removeEmptyFolders(places.output, path);
     }
   }
@@ -161,10 +166,10 @@ void deliver(const Places& places, const Finished& finished, Settling& settling)
 /// Does to the files what the state has been told.
 void carryOut(const Places& places, const std::vector<Finished>& finished,
               std::vector<Settling>& all) {
-  std::vector<OutputRecord> staying;
+  std::set<std::string> staying;
   for (std::size_t i = 0; i < all.size(); ++i) {
     deliver(places, finished[i], all[i]);
-    staying.insert(staying.end(), all[i].outputs.begin(), all[i].outputs.end());
+    staying.merge(pathsOf(all[i].outputs));
   }
   for (Settling& settling : all) {
     removeOutputs(places, settling.record.outputs, staying);
