@@ -13,12 +13,12 @@
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/signalfd.h>
 #include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "app/command_line.h"
+#include "batch/signals.h"
 #include "prepare/preparation.h"
 
 namespace plenvorith {
@@ -110,9 +110,8 @@ struct Watch {
 /// Takes all signals that have come: whether one of them asks the worker to end.
 bool takeSignals(int signals) {
   bool isStop = false;
-  signalfd_siginfo info{};
-  while (read(signals, &info, sizeof info) == sizeof info) {
-    isStop = isStop || info.ssi_signo != SIGCHLD;
+  for (int signal = 0; (signal = nextSignal(signals)) != 0;) {
+    isStop = isStop || signal != SIGCHLD;
   }
   return isStop;
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "batch/conversions.h"
 #include "batch/find_files.h"
 #include "batch/ledger.h"
 #include "batch/options.h"
@@ -10,12 +11,6 @@
 #include "batch/summary.h"
 
 namespace plenvorith {
-
-/// How a run of conversions ended.
-struct LoopEnd {
-  int signal = 0;       ///< that interrupted it, 0 if none did
-  std::string problem;  ///< why it could not go on; empty if it could
-};
 
 /// Converts files with workers on this machine, and settles their results in the state.
 ///

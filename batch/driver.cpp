@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <ctime>
@@ -19,6 +18,7 @@
 #include "batch/find_files.h"
 #include "batch/folder.h"
 #include "batch/host_loop.h"
+#include "batch/hosts.h"
 #include "batch/ledger.h"
 #include "batch/merge.h"
 #include "batch/names.h"
@@ -50,11 +50,6 @@ std::string timeText() {
   std::array<char, 32> text{};
   (void)std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
   return text.data();
-}
-
-std::string hostName() {
-  std::array<char, HOST_NAME_MAX + 1> name{};
-  return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
 }
 
 bool isSameFolder(const std::string& a, const std::string& b) {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "batch/conversion_loop.h"
+#include "batch/conversions.h"
 #include "batch/find_files.h"
 #include "batch/ledger.h"
 #include "batch/options.h"

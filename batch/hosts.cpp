@@ -1,8 +1,10 @@
 #include "batch/hosts.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
+#include <climits>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -96,6 +98,11 @@ std::string contentOf(const std::string& path) {
 }
 
 }  // namespace
+
+std::string hostName() {
+  std::array<char, HOST_NAME_MAX + 1> name{};
+  return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
 
 const char* const kFindProgram = "p=$PLENVORITH_BATCH; [ -x \"$p\" ] || p=plenvorith-batch\n";
 

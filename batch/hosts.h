@@ -6,6 +6,9 @@
 
 namespace plenvorith {
 
+/// The name of this host; empty if it has none.
+std::string hostName();
+
 /// A host that GNU parallel reaches.
 struct Host {
   std::string login;  ///< as GNU parallel takes it, without a number of jobs; ":" is this host

@@ -28,7 +28,7 @@ std::optional<std::size_t> findIdle(WorkerPool& pool, int most) {
     unused->process = std::move(*process);
     return static_cast<std::size_t>(unused - pool.workers.begin());
   }
-  pool.workers.push_back({std::move(*process), std::nullopt});
+  pool.workers.push_back({.process = std::move(*process), .file = std::nullopt});
   return pool.workers.size() - 1;
 }
 
@@ -53,6 +53,7 @@ bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int mos
   }
   PoolWorker& worker = pool.workers[*index];
   worker.file = file;
+  worker.hasResult = false;
   // If the worker has ended, the end of its results tells.
   (void)writeAll(worker.process.jobs.get(),
                  lineFrom(jobFor(pool, worker.process.folder, input, file)) + '\n');
@@ -71,24 +72,30 @@ int countBusy(const WorkerPool& pool) {
                     [](const PoolWorker& worker) { return worker.file.has_value(); }));
 }
 
+int countConverting(const WorkerPool& pool) {
+  return static_cast<int>(
+      std::count_if(pool.workers.begin(), pool.workers.end(),
+                    [](const PoolWorker& worker) { return worker.file && !worker.hasResult; }));
+}
+
 PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& ready,
                           const std::vector<InputFile>& files) {
   PoolEvents events;
   for (const std::size_t index : ready) {
     PoolWorker& worker = pool.workers[index];
     bool isAlive = true;
-    bool hasResult = false;
     for (const std::string& line : receiveLines(worker.process, isAlive)) {
       std::optional<JobResult> result = resultFrom(line);
-      if (result && worker.file && result->id == static_cast<std::int64_t>(*worker.file)) {
+      if (result && worker.file && !worker.hasResult &&
+          result->id == static_cast<std::int64_t>(*worker.file)) {
         events.finished.push_back(
-            {index, {files[*worker.file].path, worker.process.folder, std::move(*result)}});
-        hasResult = true;
+            {files[*worker.file].path, worker.process.folder, std::move(*result)});
+        worker.hasResult = true;
       }
     }
     if (!isAlive) {
       const int signal = buryWorker(worker.process);
-      if (worker.file && !hasResult) {
+      if (worker.file && !worker.hasResult) {
         events.lost.push_back({*worker.file, signal});
         worker.file.reset();
       }
@@ -97,8 +104,12 @@ PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& read
   return events;
 }
 
-void release(WorkerPool& pool, std::size_t worker) {
-  pool.workers[worker].file.reset();
+void release(WorkerPool& pool, std::size_t file) {
+  for (PoolWorker& worker : pool.workers) {
+    if (worker.file == file) {
+      worker.file.reset();
+    }
+  }
 }
 
 void stopPool(WorkerPool& pool) {

@@ -18,7 +18,8 @@ namespace plenvorith {
 /// A worker and the file that it has under way.
 struct PoolWorker {
   WorkerProcess process;
-  std::optional<std::size_t> file;  ///< index of the input; its result may still be to be settled
+  std::optional<std::size_t> file;  ///< index of the input; none if it is idle
+  bool hasResult = false;           ///< of that file, which is still to be settled
 };
 
 /// The workers of this machine.
@@ -38,7 +39,7 @@ struct LostFile {
 
 /// What has come from the workers.
 struct PoolEvents {
-  std::vector<std::pair<std::size_t, Finished>> finished;  ///< the workers' indexes and the results
+  std::vector<Finished> finished;
   std::vector<LostFile> lost;
 };
 
@@ -49,15 +50,18 @@ bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int mos
 /// Whether a worker is idle or can be started.
 bool hasIdle(const WorkerPool& pool, int most);
 
-/// The number of files under way.
+/// The number of workers that are not idle.
 int countBusy(const WorkerPool& pool);
+
+/// The number of these that have no result yet.
+int countConverting(const WorkerPool& pool);
 
 /// Takes what has come from the workers with these indexes. A worker stays busy until `release`.
 PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& ready,
                           const std::vector<InputFile>& files);
 
-/// Makes a worker idle: its outputs have been taken.
-void release(WorkerPool& pool, std::size_t worker);
+/// Makes the worker of a file idle, if it has one: the outputs have been taken.
+void release(WorkerPool& pool, std::size_t file);
 
 /// Ends all workers, and what they have under way.
 void stopPool(WorkerPool& pool);

@@ -12,15 +12,16 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include "batch/descriptor.h"
 #include "batch/find_files.h"
 #include "batch/folder.h"
+#include "batch/hosts.h"
 #include "batch/input_identity.h"
 #include "batch/outputs.h"
 #include "batch/reason.h"
+#include "batch/signals.h"
 #include "batch/text.h"
 #include "batch/warm_up.h"
 
@@ -39,11 +40,6 @@ std::string temporaryFolder(const Job& job) {
 
 std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
-}
-
-std::string hostName() {
-  std::array<char, HOST_NAME_MAX + 1> name{};
-  return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
 }
 
 /// Why a file cannot be converted at all; empty if it can be tried.
@@ -132,17 +128,6 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
   result.reason = reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});
 }
 
-/// The signals that a worker hears of by reading.
-Descriptor listenToSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (const int signal : {SIGCHLD, SIGHUP, SIGINT, SIGTERM}) {
-    sigaddset(&signals, signal);
-  }
-  sigprocmask(SIG_BLOCK, &signals, nullptr);
-  return Descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-}
-
 /// Paths of a job that are relative are those below the folder where the worker runs.
 void makeAbsolute(const std::string& folder, Job& job) {
   for (std::string* const path : {&job.input, &job.folder, &job.transcript}) {
@@ -169,9 +154,8 @@ bool receive(int jobs, const WorkerSignals& signals, std::string& text) {
   if (poll(events, 3, -1) < 0) {
     return errno == EINTR;
   }
-  signalfd_siginfo info{};
-  while (read(signals.signals, &info, sizeof info) == sizeof info) {
-    if (info.ssi_signo != SIGCHLD) {
+  for (int signal = 0; (signal = nextSignal(signals.signals)) != 0;) {
+    if (signal != SIGCHLD) {
       return false;
     }
   }
@@ -225,7 +209,7 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
 }
 
 int runWorker(int jobs, int results) {
-  const Descriptor listener = listenToSignals();
+  const Descriptor listener = listenToSignals({SIGCHLD, SIGHUP, SIGINT, SIGTERM});
   const WorkerSignals signals{listener.get(), results};
   const std::string host = hostName();
   const std::string folder = absolutePath(".");
