@@ -12,21 +12,13 @@
 
 #include "batch/descriptor.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/triangle_step.h"
 
 namespace plenvorith {
 namespace {
 
+using test::kTriangleStep;
 using testing::HasSubstr;
-
-constexpr const char* kTriangle = R"(ISO-10303-21;
-DATA;
-#1=TESSELLATED_SHAPE_REPRESENTATION('',(#2),$);
-#2=TESSELLATED_SOLID('',(#3),$);
-#3=COMPLEX_TRIANGULATED_FACE('',#4,3,(),$,(),((1,2,3)),());
-#4=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));
-ENDSEC;
-END-ISO-10303-21;
-)";
 
 /// A worker in a process of its own, as a driver has it.
 class WorkerTest : public testing::Test {
@@ -100,7 +92,7 @@ class WorkerTest : public testing::Test {
 };
 
 TEST_F(WorkerTest, ConvertsFileAfterFile) {
-  test::writeFile(dir_ / "a.stp", kTriangle);
+  test::writeFile(dir_ / "a.stp", kTriangleStep);
   for (int round = 0; round < 3; ++round) {
     const JobResult result = convert(jobFor("a.stp"));
     EXPECT_TRUE(result.isConverted) << result.reason;
@@ -118,10 +110,10 @@ TEST_F(WorkerTest, ConvertsFileAfterFile) {
 }
 
 TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
-  std::string broken = kTriangle;
+  std::string broken = kTriangleStep;
   broken.replace(broken.find("(1.,0.,0.)"), 10, "(x.,0.,0.)");
   test::writeFile(dir_ / "broken.stp", broken);
-  test::writeFile(dir_ / "a.stp", kTriangle);
+  test::writeFile(dir_ / "a.stp", kTriangleStep);
   const JobResult result = convert(jobFor("broken.stp"));
   EXPECT_FALSE(result.isConverted);
   EXPECT_EQ(result.signal, SIGABRT);
@@ -142,7 +134,7 @@ TEST_F(WorkerTest, RefusesWhatCannotBeConverted) {
   test::writeFile(dir_ / "empty.stp", "");
   EXPECT_EQ(convert(jobFor("empty.stp")).reason, "empty");
   EXPECT_EQ(convert(jobFor("missing.stp")).reason, "cannot be read: No such file or directory");
-  test::writeFile(dir_ / "a.stp", kTriangle);
+  test::writeFile(dir_ / "a.stp", kTriangleStep);
   Job job = jobFor("a.stp");
   job.outputName = std::string(256, 'a');
   EXPECT_EQ(convert(job).reason, "name too long");
@@ -152,7 +144,7 @@ TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
   const std::string program =
       test::writeFile(dir_ / "change", "#!/bin/sh\ncp \"$1\" \"$2\"; echo more >>\"$1\"\n");
   ASSERT_EQ(chmod(program.c_str(), 0755), 0);
-  test::writeFile(dir_ / "a.stp", kTriangle);
+  test::writeFile(dir_ / "a.stp", kTriangleStep);
   Job job = jobFor("a.stp");
   job.settings.program = program;
   job.outputName = "a.stp";
