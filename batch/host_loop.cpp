@@ -165,7 +165,7 @@ LoopEnd convertOnHosts(const Options& options, StateHandle& state, const RunCont
                 .open = files.size(),
                 .said = {}};
   if (loop.parallel.empty()) {
-    loop.run.end.problem = "--sshlogin needs GNU parallel (Debian package parallel)";
+    loop.run.end.problem = "--sshlogin needs GNU parallel (Debian packages parallel, bzip2)";
     return loop.run.end;
   }
   int fruitless = 0;
