@@ -25,6 +25,7 @@ END-ISO-10303-21;
 int run(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "plenvorith");
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) {
     pointers.push_back(argument.data());
   }
