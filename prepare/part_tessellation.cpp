@@ -62,6 +62,8 @@ class BodyFinder {
   }
 
   std::set<Item> bodies;
+  bool isTooDeep = false;  // something was left out because of either
+  bool hasTooMany = false;
   bool holdsTessellation = false;
   bool holdsAnnotation = false;
 
@@ -90,8 +92,11 @@ class BodyFinder {
       // themselves, or are held in more ways than there can be.
       constexpr std::size_t kMaxDepth = 16;
       constexpr std::size_t kMaxSets = 100'000;
-      if (item.repositioning.size() <= kMaxDepth && sets_.size() < kMaxSets &&
-          sets_.insert(item).second) {
+      if (item.repositioning.size() > kMaxDepth) {
+        isTooDeep = true;
+      } else if (sets_.size() == kMaxSets && !sets_.contains(item)) {
+        hasTooMany = true;
+      } else if (sets_.insert(item).second) {
         open_.push_back(std::move(item));
       }
     } else if (table_.has(index, kFace | kCurvedFace | kBody)) {
@@ -228,7 +233,7 @@ std::vector<InstanceIndex> facesOf(const InstanceTable& table, InstanceIndex bod
 }
 
 PartTessellation findPartTessellation(const InstanceTable& table, const ProductStructure& structure,
-                                      Occurrences& occurrences) {
+                                      Occurrences& occurrences, Warnings& warnings) {
   PartTessellation part;
   const std::set<InstanceIndex> annotated = findAnnotated(table);
   const Exact exact = findExact(structure);
@@ -260,6 +265,12 @@ PartTessellation findPartTessellation(const InstanceTable& table, const ProductS
         table.has(representation.instance, kShapeRepresentation) && representation.isOfProduct;
     if (!isTessellatedShape && !isPlainShape) {
       continue;
+    }
+    if (finder.isTooDeep) {
+      warnings.insert("sets of tessellation in more than 16 placements of sets are left out");
+    }
+    if (finder.hasTooMany) {
+      warnings.insert("of the sets of tessellation in a shape, those after 100,000 are left out");
     }
     std::set<InstanceIndex> linked;
     for (const Item& item : finder.bodies) {

@@ -49,8 +49,9 @@ struct FaceLinks {
 [[nodiscard]] std::vector<InstanceIndex> facesOf(const InstanceTable& table, InstanceIndex body,
                                                  Warnings& warnings);
 
+/// Adds warnings where sets are nested too deep, or are too many.
 [[nodiscard]] PartTessellation findPartTessellation(const InstanceTable& table,
                                                     const ProductStructure& structure,
-                                                    Occurrences& occurrences);
+                                                    Occurrences& occurrences, Warnings& warnings);
 
 }  // namespace plenvorith

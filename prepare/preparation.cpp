@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <string_view>
@@ -119,6 +120,42 @@ void printReport(const InstanceTable& table, const PartTessellation& part,
             << std::endl;
 }
 
+/// What is read to be written anew.
+struct Source {
+  const std::string& path;
+  StatementReader& again;
+  const InstanceTable& table;
+  Progress& progress;
+};
+
+/// Writes the file under this name; false if that cannot be done.
+bool writeTo(const std::string& path, const Source& source, const Decisions& decisions,
+             Written& written) {
+  OutputFile output(path);
+  if (!output.isOpen()) {
+    return false;
+  }
+  StatementReader reader(source.path);
+  reader.onBlock([&source](std::uint64_t place) { source.progress.show("Writing", place); });
+  written = writePrepared(reader, source.again, source.table, decisions, output);
+  return output.close();
+}
+
+/// Writes the file once more, without tessellation, if that has not one triangle: the converter
+/// would take the file for one of another kind because of faces that hold nothing.
+bool writeWithoutEmptyFaces(const std::string& path, const Source& source,
+                            const Decisions& decisions, Written& written) {
+  if (!written.error.empty() || written.triangles > 0 || decisions.plan.solidCount == 0) {
+    return true;
+  }
+  Decisions rest = decisions;
+  rest.plan = {};
+  Written again;
+  const bool isWritten = std::remove(path.c_str()) == 0 && writeTo(path, source, rest, again);
+  written.error = again.error;
+  return isWritten;
+}
+
 }  // namespace
 
 int prepareFile(const std::string& inputPath, const std::string& outputPath) {
@@ -145,7 +182,7 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   InstanceReader instances(table, again);
   const ProductStructure structure = readProductStructure(table);
   Occurrences occurrences(structure, instances, warnings);
-  const PartTessellation part = findPartTessellation(table, structure, occurrences);
+  const PartTessellation part = findPartTessellation(table, structure, occurrences, warnings);
   Decisions decisions;
   decisions.hasExact = part.hasExact;
   decisions.plan = planTessellation(table, part, occurrences, warnings);
@@ -156,17 +193,14 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   }
 
   TemporaryFile temporary(outputPath);
-  OutputFile output(temporary.path());
-  if (!output.isOpen()) {
-    return fail("Cannot write " + outputPath);
-  }
-  StatementReader second(inputPath);
-  second.onBlock([&progress](std::uint64_t place) { progress.show("Writing", place); });
-  const Written written = writePrepared(second, again, table, decisions, output);
+  const Source source = {inputPath, again, table, progress};
+  Written written;
+  const bool isWritten = writeTo(temporary.path(), source, decisions, written) &&
+                         writeWithoutEmptyFaces(temporary.path(), source, decisions, written);
   if (!written.error.empty()) {
     return fail(inputPath + ": " + written.error);
   }
-  if (!output.close() || !temporary.takePlace()) {
+  if (!isWritten || !temporary.takePlace()) {
     return fail("Cannot write " + outputPath);
   }
   if (written.emptiedStrings > 0) {

@@ -78,6 +78,38 @@ TEST(EdgeCases, ATessellatedRepresentationOfOtherItemsTooKeepsThose) {
                                      "#14=SHAPE_REPRESENTATION('b',(#50),#2);\n"));
 }
 
+constexpr std::string_view kOutsideItsList =
+    "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
+    "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,4)));\n"
+    "#12=TESSELLATED_SOLID('',(#11),$);\n";
+constexpr std::string_view kExact =
+    "#30=OPEN_SHELL('',(#31));\n"
+    "#32=SHELL_BASED_SURFACE_MODEL('',(#30));\n"
+    "#33=SHAPE_REPRESENTATION('',(#32),#2);\n"
+    "#34=PRODUCT_DEFINITION_SHAPE('','',#35);\n"
+    "#35=PRODUCT_DEFINITION('','',$,$);\n"
+    "#36=SHAPE_DEFINITION_REPRESENTATION(#34,#33);\n";
+
+TEST(EdgeCases, NoTessellatedInstanceIsLeftIfNoTriangleIs) {
+  const Prepared result = prepared({kUnit, kExact, kOutsideItsList, kRepresentation});
+  EXPECT_THAT(result.out,
+              HasSubstr("  Part tessellation: 1 bodies -> 1 faces, 0 triangles, 1 placements, "
+                        "1 mm a unit\n"
+                        "  Skipped triangles: 1\n"
+                        "  Dropped entities: 4, changed: 0\n"
+                        "  Holds now: exact geometry\n"));
+  EXPECT_EQ(result.exitStatus, 0);
+  EXPECT_EQ(dataOf(result.file), std::string(kUnit) + std::string(kExact));
+  EXPECT_EQ(result.files, 2U);
+}
+
+TEST(EdgeCases, NothingIsLeftOfTessellationWithoutATriangleAlone) {
+  const Prepared result = prepared({kUnit, kOutsideItsList, kRepresentation});
+  EXPECT_THAT(result.out, HasSubstr("  Holds now: no geometry\n"));
+  EXPECT_EQ(result.exitStatus, 3);
+  EXPECT_EQ(dataOf(result.file), kUnit);
+}
+
 TEST(EdgeCases, ALaterInstanceOfTheSameNumberWins) {
   const Prepared result =
       prepared({kUnit, kBody, kRepresentation, "#007=A();\n#7=B();\n#011=A();\n"});
@@ -116,6 +148,52 @@ TEST(Warnings, PlacementOfAnUnknownKind) {
                 "#32=SHAPE_REPRESENTATION('',(#31),#2);\n#50=PLACEMENT('',#51);\n"})
           .out,
       HasSubstr("  Warning: a placement is missing or of an unknown kind, none is taken\n"));
+}
+
+/// Sets in one another, each placed in the one around it, in the representation #13.
+std::string nestedSets(int count) {
+  std::string sets;
+  for (int i = 0; i < count; ++i) {
+    sets += '#' + std::to_string(100 + i) +
+            "=(GEOMETRIC_REPRESENTATION_ITEM()REPOSITIONED_TESSELLATED_ITEM(#50)"
+            "REPRESENTATION_ITEM('')TESSELLATED_GEOMETRIC_SET((#" +
+            (i + 1 < count ? std::to_string(101 + i) : "12") + "))TESSELLATED_ITEM());\n";
+  }
+  return sets +
+         "#13=TESSELLATED_SHAPE_REPRESENTATION('',(#100),#2);\n"
+         "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"
+         "#51=CARTESIAN_POINT('',(0.,0.,1.));\n";
+}
+
+TEST(Warnings, SetsNestedTooDeep) {
+  constexpr std::string_view kWarning =
+      "  Warning: sets of tessellation in more than 16 placements of sets are left out\n";
+  const Prepared deepest = prepared({kUnit, kBody, nestedSets(16)});
+  EXPECT_THAT(deepest.out, Not(HasSubstr("Warning")));
+  EXPECT_THAT(deepest.file, HasSubstr("((0.,0.,16.),(1.,0.,16.),(0.,1.,16.))"));
+  const Prepared deeper = prepared({kUnit, kBody, nestedSets(17)});
+  EXPECT_THAT(deeper.out, HasSubstr(kWarning));
+  EXPECT_EQ(deeper.exitStatus, 3);
+}
+
+TEST(Warnings, TooManySets) {
+  constexpr std::string_view kWarning =
+      "  Warning: of the sets of tessellation in a shape, those after 100,000 are left out\n";
+  // The last set that is looked into holds #12, the one behind it #15.
+  std::string sets;
+  std::string names;
+  for (int i = 1; i <= 100'001; ++i) {
+    const std::string name = '#' + std::to_string(1000 + i);
+    sets += name + "=TESSELLATED_GEOMETRIC_SET('',(";
+    sets += i < 100'000 ? "#11" : i == 100'000 ? "#12" : "#15";
+    sets += "));\n";
+    names += (i == 1 ? "" : ",") + name;
+  }
+  const Prepared result =
+      prepared({kUnit, kBody, "#15=TESSELLATED_SHELL('',(#11),$);\n", sets,
+                "#13=TESSELLATED_SHAPE_REPRESENTATION('',(", names, "),#2);\n"});
+  EXPECT_THAT(result.out, HasSubstr(kWarning));
+  EXPECT_THAT(result.out, HasSubstr("  Part tessellation: 2 bodies -> 2 faces, 2 triangles"));
 }
 
 TEST(Warnings, CurvedTriangles) {
