@@ -23,24 +23,24 @@ using testing::IsEmpty;
 class LedgerTest : public testing::Test {
  protected:
   LedgerTest() {
-    context_.places = placesIn(dir_ / "out");
-    context_.base = dir_ / "in/";
-    context_.settings = "to=stl";
-    context_.program = "1";
-    context_.run = 1;
-    EXPECT_TRUE(makeFolders(context_.places.run) && makeFolders(dir_ / "in"));
+    context.places = placesIn(dir / "out");
+    context.base = dir / "in/";
+    context.settings = "to=stl";
+    context.program = "1";
+    context.run = 1;
+    EXPECT_TRUE(makeFolders(context.places.run) && makeFolders(dir / "in"));
     std::string problem;
-    state_ = openState(context_.places.database, problem);
-    EXPECT_NE(state_, nullptr) << problem;
+    state = openState(context.places.database, problem);
+    EXPECT_NE(state, nullptr) << problem;
   }
 
   /// A conversion that made files with these names and four bytes each.
   Finished converted(const std::string& name, const std::vector<std::string>& outputs) {
     Finished finished;
-    finished.input = test::writeFile(dir_ / "in/" + name, "input");
+    finished.input = test::writeFile(dir / "in/" + name, "input");
     const timespec times[] = {{1577836800, 0}, {1577836800, 0}};
     utimensat(AT_FDCWD, finished.input.c_str(), times, 0);
-    finished.folder = context_.places.run + "/1";
+    finished.folder = context.places.run + "/1";
     EXPECT_TRUE(makeEmptyFolder(finished.folder + "/out"));
     for (const std::string& output : outputs) {
       test::writeFile(finished.folder + "/out/" + output, "1234");
@@ -62,27 +62,27 @@ class LedgerTest : public testing::Test {
   }
 
   FileRecord settleOne(const Finished& finished) {
-    const auto records = settle(*state_, context_, {finished});
+    const auto records = settle(*state, context, {finished});
     EXPECT_EQ(records.size(), 1U);
     return records.at(0);
   }
 
   /// The names in the output folder, but for the state's.
   std::vector<std::string> outputs() const {
-    std::vector<std::string> names = namesInFolder(dir_ / "out");
+    std::vector<std::string> names = namesInFolder(dir / "out");
     std::erase(names, ".plenvorith-batch");
     return names;
   }
 
   bool isUpToDateNow(const std::string& name) {
-    auto record = findFile(*state_, dir_ / "in/" + name);
+    auto record = findFile(*state, dir / "in/" + name);
     bool isTouched = false;
-    return record && isUpToDate(context_, dir_ / "in/" + name, *record, isTouched);
+    return record && isUpToDate(context, dir / "in/" + name, *record, isTouched);
   }
 
-  test::TempDir dir_;
-  RunContext context_;
-  State state_;
+  test::TempDir dir;
+  RunContext context;
+  State state;
 };
 
 TEST_F(LedgerTest, MovesOutputsAndKnowsThem) {
@@ -99,12 +99,12 @@ TEST_F(LedgerTest, RemovesOutputsThatAreNotMadeAgain) {
   const FileRecord record = settleOne(failed(converted("a.stp", {})));
   EXPECT_EQ(record.status, FileStatus::Failed);
   EXPECT_THAT(outputs(), IsEmpty());
-  EXPECT_THAT(findFile(*state_, record.path)->outputs, IsEmpty());
+  EXPECT_THAT(findFile(*state, record.path)->outputs, IsEmpty());
   EXPECT_FALSE(isUpToDateNow("a.stp"));
 }
 
 TEST_F(LedgerTest, FailsWhereAnOutputCannotBeMoved) {
-  ASSERT_TRUE(makeFolders(dir_ / "out/a_2.stl/x"));
+  ASSERT_TRUE(makeFolders(dir / "out/a_2.stl/x"));
   const FileRecord record = settleOne(converted("a.stp", {"a_1.stl", "a_2.stl"}));
   EXPECT_EQ(record.status, FileStatus::Failed);
   EXPECT_THAT(record.reason, testing::StartsWith("cannot be moved into place: "));
@@ -115,8 +115,8 @@ TEST_F(LedgerTest, TakesNothingForConvertedThatWasBeingDelivered) {
   FileRecord record = settleOne(converted("a.stp", {"a.stp.stl"}));
   record.status = FileStatus::Delivering;
   record.outputs.push_back({"a.stp.stl_9.stl", 4});
-  ASSERT_TRUE(putFile(*state_, record));
-  test::writeFile(dir_ / "out/a.stp.stl_9.stl", "1234");
+  ASSERT_TRUE(putFile(*state, record));
+  test::writeFile(dir / "out/a.stp.stl_9.stl", "1234");
   EXPECT_FALSE(isUpToDateNow("a.stp"));
   settleOne(converted("a.stp", {"a.stp.stl"}));
   EXPECT_THAT(outputs(), ElementsAre("a.stp.stl"));
@@ -127,7 +127,7 @@ TEST_F(LedgerTest, NeverRemovesWhatAnotherInputMade) {
   const Finished again = converted("a.stp", {"y.stl"});
   Finished other = converted("b.stp", {"x.stl"});
   test::writeFile(other.folder + "/out/y.stl", "1234");
-  const auto records = settle(*state_, context_, {other, again});
+  const auto records = settle(*state, context, {other, again});
   ASSERT_EQ(records.size(), 2U);
   EXPECT_THAT(outputs(), ElementsAre("x.stl", "y.stl"));
   EXPECT_TRUE(isUpToDateNow("a.stp") && isUpToDateNow("b.stp"));
@@ -135,32 +135,32 @@ TEST_F(LedgerTest, NeverRemovesWhatAnotherInputMade) {
 
 TEST_F(LedgerTest, KnowsWhatDiffers) {
   settleOne(converted("a.stp", {"a.stl"}));
-  const RunContext before = context_;
-  context_.settings = "to=stp";
+  const RunContext before = context;
+  context.settings = "to=stp";
   EXPECT_FALSE(isUpToDateNow("a.stp"));
-  context_ = before;
-  context_.program = "2";
+  context = before;
+  context.program = "2";
   EXPECT_FALSE(isUpToDateNow("a.stp"));
-  context_ = before;
-  context_.base = dir_.path().string() + '/';
+  context = before;
+  context.base = dir.path().string() + '/';
   EXPECT_FALSE(isUpToDateNow("a.stp"));
-  context_ = before;
+  context = before;
   EXPECT_TRUE(isUpToDateNow("a.stp"));
-  fs::resize_file(dir_ / "out/a.stl", 3);
+  fs::resize_file(dir / "out/a.stl", 3);
   EXPECT_FALSE(isUpToDateNow("a.stp"));
 }
 
 TEST_F(LedgerTest, KnowsAnInputByItsContentWhereTheTimeDiffers) {
   settleOne(converted("a.stp", {"a.stl"}));
   const timespec older[] = {{946684800, 0}, {946684800, 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, (dir_ / "in/a.stp").c_str(), older, 0), 0);
-  auto record = findFile(*state_, dir_ / "in/a.stp");
+  ASSERT_EQ(utimensat(AT_FDCWD, (dir / "in/a.stp").c_str(), older, 0), 0);
+  auto record = findFile(*state, dir / "in/a.stp");
   bool isTouched = false;
-  EXPECT_TRUE(isUpToDate(context_, record->path, *record, isTouched));
+  EXPECT_TRUE(isUpToDate(context, record->path, *record, isTouched));
   EXPECT_TRUE(isTouched);
   EXPECT_EQ(record->mtime, 946684800000000000);
-  test::writeFile(dir_ / "in/a.stp", "other");
-  ASSERT_EQ(utimensat(AT_FDCWD, (dir_ / "in/a.stp").c_str(), older, 0), 0);
+  test::writeFile(dir / "in/a.stp", "other");
+  ASSERT_EQ(utimensat(AT_FDCWD, (dir / "in/a.stp").c_str(), older, 0), 0);
   EXPECT_FALSE(isUpToDateNow("a.stp"));
 }
 
@@ -184,11 +184,11 @@ TEST_F(LedgerTest, TrustsNoTimeThatIsYoungOrInTheFuture) {
 TEST_F(LedgerTest, PrunesWhatVanishedInputsMade) {
   settleOne(converted("a.stp", {"a.stl"}));
   settleOne(converted("b.stp", {"b.stl"}));
-  fs::remove(dir_ / "in/a.stp");
-  EXPECT_EQ(prune(*state_, context_.places), 1);
+  fs::remove(dir / "in/a.stp");
+  EXPECT_EQ(prune(*state, context.places), 1);
   EXPECT_THAT(outputs(), ElementsAre("b.stl"));
-  EXPECT_FALSE(findFile(*state_, dir_ / "in/a.stp").has_value());
-  EXPECT_EQ(prune(*state_, context_.places), 0);
+  EXPECT_FALSE(findFile(*state, dir / "in/a.stp").has_value());
+  EXPECT_EQ(prune(*state, context.places), 0);
 }
 
 TEST(NameBelow, IsThePathBelowTheBase) {
