@@ -173,7 +173,9 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   Progress progress(std::filesystem::file_size(inputPath, ignored));
   reader.onBlock([&progress](std::uint64_t place) { progress.show("Reading", place); });
   InstanceTable table;
-  if (!table.read(reader)) {
+  const bool isRead = table.read(reader);
+  progress.wipe();
+  if (!isRead) {
     return fail(inputPath + ": " + table.error());
   }
   std::cout << "  Read " << table.distinctCount() << " entities" << std::endl;
@@ -197,6 +199,7 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   Written written;
   const bool isWritten = writeTo(temporary.path(), source, decisions, written) &&
                          writeWithoutEmptyFaces(temporary.path(), source, decisions, written);
+  progress.wipe();
   if (!written.error.empty()) {
     return fail(inputPath + ": " + written.error);
   }

@@ -25,7 +25,10 @@ void Progress::show(const char* step, std::uint64_t place) {
     return;
   }
   const std::uint64_t percent = std::min(place, fileSize_) * 100 / fileSize_;
-  std::string line = step + (" " + std::to_string(percent)) + " %";
+  std::string line = step;
+  line += ' ';
+  line += std::to_string(percent);
+  line += " %";
   if (line != shown_) {
     wipe();
     shown_ = std::move(line);

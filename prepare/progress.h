@@ -5,7 +5,8 @@
 
 namespace plenvorith {
 
-/// A line in per cent on standard error, for large files and terminals only; wiped at the end.
+/// A line in per cent on standard error, for large files and terminals only; wiped at the end of the
+/// scope if not before.
 class Progress {
  public:
   explicit Progress(std::uint64_t fileSize);
@@ -16,9 +17,10 @@ class Progress {
   /// Says how far a step, "Reading" for example, has come in the file.
   void show(const char* step, std::uint64_t place);
 
- private:
+  /// Takes the line away, which has to be done before anything else is printed.
   void wipe();
 
+ private:
   std::uint64_t fileSize_;
   bool isShown_;
   std::string shown_;
