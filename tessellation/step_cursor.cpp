@@ -54,13 +54,12 @@ template <typename Item, typename ReadShort, typename MakeItem>
 void parseTriples(StepCursor& cursor, std::vector<Item>& items, ReadShort readShort,
                   MakeItem makeItem) {
   const std::string_view text = cursor.text;
-  const char* const end = text.data() + text.size();
   reserveLarge(items, maxTripleCount(text.substr(std::min(cursor.pos, text.size()))));
   // A cursor that nothing else knows of stays in registers.
   StepCursor fast = cursor;
   while (nextIs(fast, '(')) {
     Item item;
-    if (const char* const behind = readShort(text.data() + fast.pos, end, cursor.readable, item)) {
+    if (const char* const behind = readShort(text.data() + fast.pos, text, cursor.readable, item)) {
       fast.pos = static_cast<std::size_t>(behind - text.data());
     } else {
       cursor.pos = fast.pos;
@@ -158,9 +157,9 @@ void skipParenthesisedGroup(StepCursor& cursor) {
 std::vector<Point3> parsePointList(StepCursor& cursor) {
   std::vector<Point3> points;
   consumeIf(cursor, '(');
-  const auto readShort = [](const char* first, const char* last, std::size_t readable,
+  const auto readShort = [](const char* first, std::string_view text, std::size_t readable,
                             Point3& point) {
-    return shorttriple::readPoint(first, last, readable, point);
+    return shorttriple::readPoint(first, text, readable, point);
   };
   parseTriples(cursor, points, readShort, [](const Point3& numbers) { return numbers; });
   return points;
@@ -173,9 +172,9 @@ std::vector<IndexTriple> parseIndexTriples(StepCursor& cursor) {
   }
   ++cursor.pos;
   // An empty list ends at its ")" like any other.
-  const auto readShort = [](const char* first, const char* last, std::size_t readable,
+  const auto readShort = [](const char* first, std::string_view text, std::size_t readable,
                             IndexTriple& triple) {
-    return shorttriple::readIndices(first, last, readable, triple);
+    return shorttriple::readIndices(first, text, readable, triple);
   };
   parseTriples(cursor, triples, readShort, [](const Point3& numbers) {
     return IndexTriple{truncateToInt32(numbers.x), truncateToInt32(numbers.y),

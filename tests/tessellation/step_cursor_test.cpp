@@ -475,9 +475,15 @@ std::string list(std::mt19937& random, std::size_t count, bool isIndex) {
   return text + ")";
 }
 
-void expectSameLists(std::string_view text) {
-  expectSame(text, 0, parsePointList, test::referenceParsePointList);
-  expectSame(text, 0, parseIndexTriples, test::referenceParseIndexTriples);
+/// Expects the same of a list, both at the start of a text and behind so much that is none that its
+/// first item can be looked at from in front, too.
+void expectSameLists(const std::string& text) {
+  const std::string front = "12345678,";
+  for (const std::string& list : {text, front + text}) {
+    const std::size_t start = list.size() - text.size();
+    expectSame(list, start, parsePointList, test::referenceParsePointList);
+    expectSame(list, start, parseIndexTriples, test::referenceParseIndexTriples);
+  }
 }
 
 TEST(ListsAgainstReference, AgreeOnRandomLists) {
