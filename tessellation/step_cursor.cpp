@@ -7,18 +7,10 @@
 #include "common/ascii.h"
 #include "common/number.h"
 #include "common/reserve.h"
-#include "tessellation/short_triple.h"
+#include "tessellation/triple_list.h"
 
 namespace plenvorith {
 namespace {
-
-std::int32_t truncateToInt32(double value) {
-  // Written so that a NaN takes the second way.
-  if (value > -2147483649.0 && value < 2147483648.0) {
-    return static_cast<std::int32_t>(value);
-  }
-  return std::numeric_limits<std::int32_t>::min();
-}
 
 /// Reads a number behind blanks; the cursor stands behind its token whether or not it is one.
 [[gnu::always_inline]] inline NumberError readNumberAt(StepCursor& cursor, double& value) {
@@ -30,8 +22,9 @@ std::int32_t truncateToInt32(double value) {
   return result.error;
 }
 
-/// Reads "(a,b,c)", whose "(" comes next.
-[[gnu::noinline]] NumberError readTriple(StepCursor& cursor, Point3& numbers) {
+}  // namespace
+
+[[gnu::noinline]] NumberError scanTriple(StepCursor& cursor, Point3& numbers) {
   consumeIf(cursor, '(');
   NumberError error = readNumberAt(cursor, numbers.x);
   if (error == NumberError::None) {
@@ -48,36 +41,13 @@ std::int32_t truncateToInt32(double value) {
   return error;
 }
 
-/// Reads "(a,b,c)" items into `items` until something else comes, then the outer ")" if it is
-/// there. `readShort` reads an item of the common form, `makeItem` makes one of any three numbers.
-template <typename Item, typename ReadShort, typename MakeItem>
-void parseTriples(StepCursor& cursor, std::vector<Item>& items, ReadShort readShort,
-                  MakeItem makeItem) {
-  const std::string_view text = cursor.text;
-  reserveLarge(items, maxTripleCount(text.substr(std::min(cursor.pos, text.size()))));
-  // A cursor that nothing else knows of stays in registers.
-  StepCursor fast = cursor;
-  while (nextIs(fast, '(')) {
-    Item item;
-    if (const char* const behind = readShort(text.data() + fast.pos, text, cursor.readable, item)) {
-      fast.pos = static_cast<std::size_t>(behind - text.data());
-    } else {
-      cursor.pos = fast.pos;
-      Point3 numbers;
-      if (const NumberError error = readTriple(cursor, numbers); error != NumberError::None) {
-        throwNumberError(error);
-      }
-      fast.pos = cursor.pos;
-      item = makeItem(numbers);
-    }
-    items.push_back(item);
-    consumeIf(fast, ',');
+std::int32_t truncateToInt32(double value) {
+  // Written so that a NaN takes the second way.
+  if (value > -2147483649.0 && value < 2147483648.0) {
+    return static_cast<std::int32_t>(value);
   }
-  consumeIf(fast, ')');
-  cursor.pos = fast.pos;
+  return std::numeric_limits<std::int32_t>::min();
 }
-
-}  // namespace
 
 std::size_t maxTripleCount(std::string_view list) {
   // Counts in blocks whose counts fit a byte, which the compiler turns into wide instructions; with
@@ -154,32 +124,34 @@ void skipParenthesisedGroup(StepCursor& cursor) {
   }
 }
 
-std::vector<Point3> parsePointList(StepCursor& cursor) {
-  std::vector<Point3> points;
+NumberError scanPointList(StepCursor& cursor, std::vector<Point3>& points) {
   consumeIf(cursor, '(');
   const auto readShort = [](const char* first, std::string_view text, std::size_t readable,
                             Point3& point) {
     return shorttriple::readPoint(first, text, readable, point);
   };
-  parseTriples(cursor, points, readShort, [](const Point3& numbers) { return numbers; });
+  return scanTriples<Point3>(
+      cursor, readShort, [](const Point3& numbers) { return numbers; },
+      [&points](const Point3& point) { points.push_back(point); });
+}
+
+std::vector<Point3> parsePointList(StepCursor& cursor) {
+  std::vector<Point3> points;
+  reserveLarge(points, maxTripleCount(restOf(cursor)));
+  if (const NumberError error = scanPointList(cursor, points); error != NumberError::None) {
+    throwNumberError(error);
+  }
   return points;
 }
 
 std::vector<IndexTriple> parseIndexTriples(StepCursor& cursor) {
   std::vector<IndexTriple> triples;
-  if (!nextIs(cursor, '(')) {
-    return triples;
+  reserveLarge(triples, maxTripleCount(restOf(cursor)));
+  const NumberError error = scanIndexTriples(
+      cursor, [&triples](const IndexTriple& triple) { triples.push_back(triple); });
+  if (error != NumberError::None) {
+    throwNumberError(error);
   }
-  ++cursor.pos;
-  // An empty list ends at its ")" like any other.
-  const auto readShort = [](const char* first, std::string_view text, std::size_t readable,
-                            IndexTriple& triple) {
-    return shorttriple::readIndices(first, text, readable, triple);
-  };
-  parseTriples(cursor, triples, readShort, [](const Point3& numbers) {
-    return IndexTriple{truncateToInt32(numbers.x), truncateToInt32(numbers.y),
-                       truncateToInt32(numbers.z)};
-  });
   return triples;
 }
 

@@ -1,5 +1,6 @@
 #include "tessellation/face_decoder.h"
 
+#include <map>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -195,6 +196,22 @@ TEST(FaceDecoder, MakesRoomForTrianglesNotForNormals) {
   EXPECT_LE(triangles.capacity(), 2U);
 }
 
+TEST(FaceDecoder, RaisesTheErrorOfTheIndicesBeforeThatOfThePoints) {
+  const std::string tooLarge = "COORDINATES_LIST('',1,((1E400,0.,0.)));";
+  EXPECT_THAT(([&] {
+                decodeAll({{"#1", face("((1,2))")}, {"#2", tooLarge}});
+              }),
+              ThrowsMessage<std::invalid_argument>("invalid stod argument"));
+  EXPECT_THAT(([&] {
+                decodeAll({{"#1", face("((1,2))")}, {"#2", "A"}});
+              }),
+              ThrowsMessage<std::invalid_argument>("invalid stod argument"));
+  EXPECT_THAT(([&] {
+                decodeAll({{"#1", face("((1,2,3))")}, {"#2", tooLarge}});
+              }),
+              ThrowsMessage<std::out_of_range>("stod argument out of range"));
+}
+
 TEST(FaceDecoder, RaisesTheErrorOfTheFirstFaceThatHasOne) {
   const std::string tooLarge = "COMPLEX_TRIANGULATED_FACE('',#2,3,(),$,(),((1,2,1E400)),());";
   const std::string noCount = "COMPLEX_TRIANGULATED_FACE('',#2,,(),$,(),((1,2,3)),());";
@@ -213,6 +230,31 @@ TEST(FaceDecoder, SharesCoordinatesBetweenFaces) {
       {"#1", face("((1,2,3))")}, {"#2", kThreePoints}, {"#3", face("((1,3,2))")}};
   EXPECT_THAT(decodeNamed(entities, {"#1", "#3"}),
               ElementsAre(kFirst, Triangle{{0, 0, -1}, kP1, kP3, kP2}));
+}
+
+TEST(FaceDecoder, GivesEachOfManyFacesThePointsOfItsList) {
+  constexpr int kLists = 1000;
+  EntityTexts entities;
+  std::map<std::string, Point3> firstPoints;  // of faces, in the order in which they are decoded
+  for (int i = 1; i <= kLists; ++i) {
+    const std::string list = "#" + std::to_string(i);
+    entities[list] =
+        "COORDINATES_LIST('',3,((" + std::to_string(i) + ".,0.,0.),(0.,0.,0.),(0.,1.,0.)));";
+    // The lists of some faces are those of others, too, near by or far away.
+    const bool isShared = i % 3 == 0;
+    for (const int number : {10'000 + i, isShared ? 10'000 * (2 + i % 2) - i : 10'000 + i}) {
+      const std::string name = "#" + std::to_string(number);
+      entities[name] = "COMPLEX_TRIANGULATED_FACE('',";
+      entities[name] += list + ",3,(),$,(),((1,2,3)),());";
+      firstPoints[name] = {static_cast<double>(i), 0, 0};
+    }
+  }
+  const std::vector<Triangle> triangles = decodeAll(entities);
+  ASSERT_EQ(triangles.size(), firstPoints.size());
+  std::size_t place = 0;
+  for (const auto& [name, point] : firstPoints) {
+    EXPECT_EQ(triangles[place++].v1, point) << name;
+  }
 }
 
 TEST(FaceDecoder, DecodesOnlyTheNamedFaces) {
