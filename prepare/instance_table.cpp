@@ -205,14 +205,4 @@ InstanceIndex InstanceTable::attribute(InstanceIndex index, std::size_t n) const
   return result;
 }
 
-std::uint32_t InstanceTable::recordOf(InstanceIndex index, std::uint32_t role) const {
-  const std::vector<std::string>& keywords = type(index).keywords;
-  for (std::size_t i = 0; i < keywords.size(); ++i) {
-    if ((rolesOf(keywords[i]) & role) != 0) {
-      return static_cast<std::uint32_t>(i);
-    }
-  }
-  return 0;
-}
-
 }  // namespace plenvorith

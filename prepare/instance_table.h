@@ -79,9 +79,6 @@ class InstanceTable {
   /// if there is none or it names none.
   [[nodiscard]] InstanceIndex attribute(InstanceIndex index, std::size_t n) const;
 
-  /// The position of a record of a complex instance; of a simple one always 0.
-  [[nodiscard]] std::uint32_t recordOf(InstanceIndex index, std::uint32_t role) const;
-
  private:
   static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
   struct Instance {

@@ -275,7 +275,6 @@ void markExact(const InstanceTable& table, ProductStructure& structure) {
 /// Marks the shapes of products and, from there, what they map.
 void markOfProduct(ProductStructure& structure) {
   std::multimap<RepresentationIndex, RepresentationIndex> mappedIn;  // by the holder's group
-  std::multimap<RepresentationIndex, RepresentationIndex> members;   // by group
   for (const Mapping& mapping : structure.mappings) {
     mappedIn.emplace(structure.representations[mapping.holder].group,
                      structure.representations[mapping.mapped].group);

@@ -14,12 +14,9 @@ namespace {
 /// The signals by which a user, a terminal or a system ends a program.
 constexpr std::array kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT, SIGXCPU};
 
-using Handler = void (*)(int);
-
-/// What a handler may use: nothing but memory that is there already.
+/// The one thing in this program that no scope owns: a handler is told nothing but the number of the
+/// signal, and may use nothing but memory that is there already.
 std::array<char, 4096> removedPath = {};
-std::array<Handler, kEndingSignals.size()> handlersBefore = {};
-Handler tooLargeBefore = SIG_DFL;
 
 extern "C" void removeAndEnd(int signal) {
   (void)std::remove(removedPath.data());
@@ -44,14 +41,14 @@ TemporaryFile::TemporaryFile(const std::string& finalPath) : finalPath_(finalPat
     path_.copy(removedPath.data(), path_.size());
     removedPath[path_.size()] = '\0';
   }
-  for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
-    handlersBefore[i] = std::signal(kEndingSignals[i], removeAndEnd);
-    if (handlersBefore[i] == SIG_IGN) {
-      (void)std::signal(kEndingSignals[i], SIG_IGN);
+  for (const int ending : kEndingSignals) {
+    handlersBefore_.push_back(std::signal(ending, removeAndEnd));
+    if (handlersBefore_.back() == SIG_IGN) {
+      (void)std::signal(ending, SIG_IGN);
     }
   }
   // A file that grows over its limit is an error like a full disk.
-  tooLargeBefore = std::signal(SIGXFSZ, SIG_IGN);
+  tooLargeBefore_ = std::signal(SIGXFSZ, SIG_IGN);
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -60,9 +57,9 @@ TemporaryFile::~TemporaryFile() {
     (void)std::remove(path_.c_str());
   }
   for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
-    (void)std::signal(kEndingSignals[i], handlersBefore[i]);
+    (void)std::signal(kEndingSignals[i], handlersBefore_[i]);
   }
-  (void)std::signal(SIGXFSZ, tooLargeBefore);
+  (void)std::signal(SIGXFSZ, tooLargeBefore_);
   removedPath[0] = '\0';
 }
 

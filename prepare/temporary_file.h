@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace plenvorith {
 
@@ -23,8 +24,12 @@ class TemporaryFile {
   [[nodiscard]] bool takePlace();
 
  private:
+  using Handler = void (*)(int);
+
   std::string finalPath_;
   std::string path_;
+  std::vector<Handler> handlersBefore_;  // of the signals that end the program
+  Handler tooLargeBefore_ = nullptr;
 };
 
 }  // namespace plenvorith

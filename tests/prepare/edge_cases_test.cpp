@@ -110,6 +110,28 @@ TEST(EdgeCases, NothingIsLeftOfTessellationWithoutATriangleAlone) {
   EXPECT_EQ(dataOf(result.file), kUnit);
 }
 
+TEST(EdgeCases, MorePlacementsThanCanBeKeptAreAnError) {
+  // Each level maps the one below 256 times, so three of them are 16.8 million.
+  std::string levels = "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n#51=CARTESIAN_POINT('',(0.,0.,1.));\n";
+  std::string below = "#13";
+  for (int level = 1; level <= 3; ++level) {
+    const std::string map = '#' + std::to_string(1000 * level);
+    levels += map + "=REPRESENTATION_MAP(#50," + below + ");\n";
+    std::string items;
+    for (int i = 1; i <= 256; ++i) {
+      const std::string item = '#' + std::to_string(1000 * level + i);
+      levels += item + "=MAPPED_ITEM(''," + map + ",#50);\n";
+      items += (i == 1 ? "" : ",") + item;
+    }
+    below = '#' + std::to_string(1000 * level + 900);
+    levels += below + "=SHAPE_REPRESENTATION('',(" + items + "),#2);\n";
+  }
+  const Prepared result = prepared({kUnit, kBody, kRepresentation, levels});
+  EXPECT_EQ(result.err, "Error: in.stp: too many placements\n");
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_EQ(result.files, 1U);
+}
+
 TEST(EdgeCases, ALaterInstanceOfTheSameNumberWins) {
   const Prepared result =
       prepared({kUnit, kBody, kRepresentation, "#007=A();\n#7=B();\n#011=A();\n"});

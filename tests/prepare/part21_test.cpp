@@ -2,11 +2,14 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gmock/gmock.h>
 
 #include "tests/prepare/step_file.h"
-#include "tests/support/temp_dir.h"
+#include "tests/reference/reference_statements.h"
+#include "tests/support/memory_file.h"
+#include "tests/support/step_text.h"
 
 namespace plenvorith {
 namespace {
@@ -15,20 +18,8 @@ using test::stepFile;
 
 /// All that a reader hands out, a line a statement; at last what is wrong, if anything is.
 std::string statementsOf(std::string_view content) {
-  const test::TempDir directory;
-  StatementReader reader(test::writeFile(directory / "in.stp", content));
-  std::string all;
-  for (Statement statement = reader.next(); statement != Statement::End;
-       statement = reader.next()) {
-    all += statement == Statement::Instance ? '#' + std::to_string(reader.number()) + '='
-                                            : reader.headerKeyword();
-    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
-      all += text;
-      reader.consume(text.size());
-    }
-    all += '\n';
-  }
-  return all + reader.error();
+  test::MemoryFile file;
+  return test::readStatements(file.write(content));
 }
 
 /// What is handed out of the DATA section.
@@ -94,6 +85,17 @@ TEST(Part21, ReadsInstancesAtAnyBoundaryOfBlocks) {
                                          std::string(size - 1100, ' ') + "#2=B(/* */'it''s',#07);");
     EXPECT_THAT(statementsOf(content), testing::EndsWith("\n#2=B('it''s',#7)\n")) << size;
   }
+}
+
+TEST(Part21, HandsOutWhatTheReferenceDoesOfEveryShortText) {
+  test::MemoryFile file;
+  const std::vector<std::string> pieces = {"#1=", "#07", "A(",      "'",        "\"", "/",
+                                           "*",   ";",   "&SCOPE ", "ENDSCOPE", "\n", "ENDSEC;"};
+  test::forEveryString(pieces, 4, [&file](const std::string& text) {
+    const std::string content = "ISO-10303-21;DATA;" + text;
+    ASSERT_EQ(test::readStatements(file.write(content)), test::referenceStatements(content))
+        << text;
+  });
 }
 
 }  // namespace
