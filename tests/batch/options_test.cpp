@@ -22,6 +22,7 @@ struct Parsed {
 Parsed parse(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "plenvorith-batch");
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) {
     pointers.push_back(argument.data());
   }

@@ -13,9 +13,10 @@
 namespace plenvorith {
 namespace {
 
-std::vector<Triangle> triangles(int count) {
+std::vector<Triangle> triangles(std::size_t count) {
   std::vector<Triangle> list;
-  for (int i = 0; i < count; ++i) {
+  list.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
     list.push_back(makeTriangle({double(i), 0, -1}, {0, -2, 0}, {0, 0, 3}));
   }
   return list;

@@ -25,8 +25,7 @@ const std::string kOddNames[kNames] = {
     "percent%20 and ? and #.stp",
     "quote\"'&lt;.stp",
     "sub folder/größe 部品.stp",
-    "turned \xe2\x80\xae"
-    "pts.gpj.stp",
+    "turned \u202epts.gpj.stp",  // from here on to be read from right to left
     "javascript:alert(1)/a\\b.stp",
 };
 

@@ -48,6 +48,7 @@ FileRecord fileWithAllValues() {
 
 std::vector<std::string> pathsOf(const std::vector<OutputRecord>& outputs) {
   std::vector<std::string> paths;
+  paths.reserve(outputs.size());
   for (const OutputRecord& output : outputs) {
     paths.push_back(output.path);
   }

@@ -58,7 +58,7 @@ TEST(DurationText, HasTheTwoLargestUnits) {
   EXPECT_EQ(durationText(59), "59 s");
   EXPECT_EQ(durationText(200), "3 min 20 s");
   EXPECT_EQ(durationText(7500), "2 h 5 min");
-  EXPECT_EQ(durationText(100 * 3600), "4 d 4 h");
+  EXPECT_EQ(durationText(360000), "4 d 4 h");
 }
 
 TEST(FixedText, Rounds) {

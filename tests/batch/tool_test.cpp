@@ -19,7 +19,6 @@ using std::chrono::milliseconds;
 using std::chrono::minutes;
 using test::TempDir;
 using testing::ElementsAre;
-using testing::Pair;
 
 ToolStart shellScript(const std::string& script) {
   return {.arguments = {"/bin/sh", "-c", script}};

@@ -24,33 +24,33 @@ using testing::HasSubstr;
 class WorkerTest : public testing::Test {
  protected:
   WorkerTest() {
-    std::array<int, 2> jobs{};
-    std::array<int, 2> results{};
-    EXPECT_EQ(pipe2(jobs.data(), O_CLOEXEC), 0);
-    EXPECT_EQ(pipe2(results.data(), O_CLOEXEC), 0);
-    worker_ = fork();
-    if (worker_ == 0) {
-      close(jobs[1]);
-      close(results[0]);
+    std::array<int, 2> jobPipe{};
+    std::array<int, 2> resultPipe{};
+    EXPECT_EQ(pipe2(jobPipe.data(), O_CLOEXEC), 0);
+    EXPECT_EQ(pipe2(resultPipe.data(), O_CLOEXEC), 0);
+    worker = fork();
+    if (worker == 0) {
+      close(jobPipe[1]);
+      close(resultPipe[0]);
       // Without it the exceptions of conversions would end up in the test framework.
-      [&]() noexcept { _exit(runWorker(jobs[0], results[1])); }();
+      [&]() noexcept { _exit(runWorker(jobPipe[0], resultPipe[1])); }();
     }
-    close(jobs[0]);
-    close(results[1]);
-    jobs_ = Descriptor(jobs[1]);
-    results_ = Descriptor(results[0]);
+    close(jobPipe[0]);
+    close(resultPipe[1]);
+    jobs = Descriptor(jobPipe[1]);
+    results = Descriptor(resultPipe[0]);
   }
   ~WorkerTest() override {
-    jobs_.close();
-    results_.close();
+    jobs.close();
+    results.close();
     end();
   }
 
   int end() {
     int status = 0;
-    if (worker_ != 0) {
-      waitpid(worker_, &status, 0);
-      worker_ = 0;
+    if (worker != 0) {
+      waitpid(worker, &status, 0);
+      worker = 0;
     }
     return status;
   }
@@ -58,21 +58,21 @@ class WorkerTest : public testing::Test {
   Job jobFor(const std::string& name) const {
     Job job;
     job.id = 5;
-    job.input = dir_ / name;
-    job.folder = dir_ / "work";
+    job.input = dir / name;
+    job.folder = dir / "work";
     job.outputName = name + ".stl";
-    job.transcript = dir_ / "transcripts/" + name + ".txt";
+    job.transcript = dir / "transcripts/" + name + ".txt";
     return job;
   }
 
   void send(const Job& job) const {
-    ASSERT_TRUE(writeAll(jobs_.get(), lineFrom(job) + '\n'));
+    ASSERT_TRUE(writeAll(jobs.get(), lineFrom(job) + '\n'));
   }
 
   JobResult receive() const {
     std::string line;
     char c = 0;
-    while (read(results_.get(), &c, 1) == 1 && c != '\n') {
+    while (read(results.get(), &c, 1) == 1 && c != '\n') {
       line += c;
     }
     const auto result = resultFrom(line);
@@ -85,14 +85,14 @@ class WorkerTest : public testing::Test {
     return receive();
   }
 
-  test::TempDir dir_;
-  pid_t worker_ = 0;
-  Descriptor jobs_;
-  Descriptor results_;
+  test::TempDir dir;
+  pid_t worker = 0;
+  Descriptor jobs;
+  Descriptor results;
 };
 
 TEST_F(WorkerTest, ConvertsFileAfterFile) {
-  test::writeFile(dir_ / "a.stp", kTriangleStep);
+  test::writeFile(dir / "a.stp", kTriangleStep);
   for (int round = 0; round < 3; ++round) {
     const JobResult result = convert(jobFor("a.stp"));
     EXPECT_TRUE(result.isConverted) << result.reason;
@@ -102,18 +102,18 @@ TEST_F(WorkerTest, ConvertsFileAfterFile) {
     ASSERT_EQ(result.outputs.size(), 1U);
     EXPECT_EQ(result.outputs[0].path, "a.stp.stl");
     EXPECT_EQ(result.outputs[0].size, 134);
-    EXPECT_EQ(test::readFile(dir_ / "work/out/a.stp.stl").size(), 134U);
-    EXPECT_THAT(test::readFile(dir_ / "transcripts/a.stp.txt"), testing::EndsWith("Done\n"));
+    EXPECT_EQ(test::readFile(dir / "work/out/a.stp.stl").size(), 134U);
+    EXPECT_THAT(test::readFile(dir / "transcripts/a.stp.txt"), testing::EndsWith("Done\n"));
   }
-  jobs_.close();
+  jobs.close();
   EXPECT_EQ(end(), 0);
 }
 
 TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
   std::string broken = kTriangleStep;
   broken.replace(broken.find("(1.,0.,0.)"), 10, "(x.,0.,0.)");
-  test::writeFile(dir_ / "broken.stp", broken);
-  test::writeFile(dir_ / "a.stp", kTriangleStep);
+  test::writeFile(dir / "broken.stp", broken);
+  test::writeFile(dir / "a.stp", kTriangleStep);
   const JobResult result = convert(jobFor("broken.stp"));
   EXPECT_FALSE(result.isConverted);
   EXPECT_EQ(result.signal, SIGABRT);
@@ -122,7 +122,7 @@ TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
 }
 
 TEST_F(WorkerTest, EndsAConversionAtItsTimeLimit) {
-  ASSERT_EQ(mkfifo((dir_ / "pipe.stp").c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
   Job job = jobFor("pipe.stp");
   job.settings.timeLimit = std::chrono::seconds(1);
   const JobResult result = convert(job);
@@ -131,10 +131,10 @@ TEST_F(WorkerTest, EndsAConversionAtItsTimeLimit) {
 }
 
 TEST_F(WorkerTest, RefusesWhatCannotBeConverted) {
-  test::writeFile(dir_ / "empty.stp", "");
+  test::writeFile(dir / "empty.stp", "");
   EXPECT_EQ(convert(jobFor("empty.stp")).reason, "empty");
   EXPECT_EQ(convert(jobFor("missing.stp")).reason, "cannot be read: No such file or directory");
-  test::writeFile(dir_ / "a.stp", kTriangleStep);
+  test::writeFile(dir / "a.stp", kTriangleStep);
   Job job = jobFor("a.stp");
   job.outputName = std::string(256, 'a');
   EXPECT_EQ(convert(job).reason, "name too long");
@@ -142,9 +142,9 @@ TEST_F(WorkerTest, RefusesWhatCannotBeConverted) {
 
 TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
   const std::string program =
-      test::writeFile(dir_ / "change", "#!/bin/sh\ncp \"$1\" \"$2\"; echo more >>\"$1\"\n");
+      test::writeFile(dir / "change", "#!/bin/sh\ncp \"$1\" \"$2\"; echo more >>\"$1\"\n");
   ASSERT_EQ(chmod(program.c_str(), 0755), 0);
-  test::writeFile(dir_ / "a.stp", kTriangleStep);
+  test::writeFile(dir / "a.stp", kTriangleStep);
   Job job = jobFor("a.stp");
   job.settings.program = program;
   job.outputName = "a.stp";
@@ -154,19 +154,19 @@ TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
 }
 
 TEST_F(WorkerTest, EndsWithItsConversionWhenNobodyReadsItsResults) {
-  ASSERT_EQ(mkfifo((dir_ / "pipe.stp").c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
   send(jobFor("pipe.stp"));
-  results_.close();
+  results.close();
   EXPECT_EQ(end(), 0);
 }
 
 TEST_F(WorkerTest, EndsOnASignal) {
-  ASSERT_EQ(mkfifo((dir_ / "pipe.stp").c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
   send(jobFor("pipe.stp"));
-  kill(worker_, SIGTERM);
+  kill(worker, SIGTERM);
   int status = 0;
-  ASSERT_EQ(waitpid(worker_, &status, 0), worker_);
-  worker_ = 0;
+  ASSERT_EQ(waitpid(worker, &status, 0), worker);
+  worker = 0;
   // Either it was listening already, or the signal came before.
   EXPECT_TRUE((WIFEXITED(status) && WEXITSTATUS(status) == 0) || WIFSIGNALED(status));
 }
