@@ -138,6 +138,83 @@ RefusesShardsThatDoNotFit() {
     fail 'a shard that was refused has left something'
 }
 
+# Ends the daemons, and waits for them: they write when they end.
+stop_slurm() {
+  local file process
+  for file in "$scratch"/slurm/{slurmd,slurmctld,munged}.pid; do
+    process=$(cat "$file" 2>/dev/null) || continue
+    kill "$process" 2>/dev/null || continue
+    for _ in {1..100}; do
+      kill -0 "$process" 2>/dev/null || break
+      sleep 0.1
+    done
+  done
+}
+
+# Starts a cluster of this host alone, with two processors; sets SLURM_CONF. Munge vouches for the
+# users of Slurm.
+start_slurm() {
+  local port host
+  need munged slurmctld slurmd sbatch
+  ((EUID == 0)) || skip 'slurmd is started by root'
+  host=$(hostname -s)
+  mkdir slurm slurm/state slurm/spool
+  head -c 1024 /dev/urandom >slurm/key
+  chmod 600 slurm/key
+  munged --force --socket="$PWD/slurm/socket" --key-file="$PWD/slurm/key" \
+    --pid-file="$PWD/slurm/munged.pid" --seed-file="$PWD/slurm/seed" \
+    --log-file="$PWD/slurm/munged.log" 2>slurm/error || skip "no munge: $(cat slurm/error)"
+  trap 'stop_slurm; rm -rf "$scratch"' EXIT
+  port=$(shuf -n 1 -i 20000-60000)
+  export SLURM_CONF=$PWD/slurm/slurm.conf
+  cat >"$SLURM_CONF" <<END
+ClusterName=test
+SlurmctldHost=$host(127.0.0.1)
+SlurmUser=root
+AuthType=auth/munge
+AuthInfo=socket=$PWD/slurm/socket
+StateSaveLocation=$PWD/slurm/state
+SlurmdSpoolDir=$PWD/slurm/spool
+SlurmctldPidFile=$PWD/slurm/slurmctld.pid
+SlurmdPidFile=$PWD/slurm/slurmd.pid
+SlurmctldLogFile=$PWD/slurm/slurmctld.log
+SlurmdLogFile=$PWD/slurm/slurmd.log
+SlurmctldPort=$port
+SlurmdPort=$((port + 1))
+ProctrackType=proctrack/linuxproc
+TaskPlugin=task/none
+SwitchType=switch/none
+MpiDefault=none
+NodeName=$host NodeAddr=127.0.0.1 CPUs=2 State=UNKNOWN
+PartitionName=all Nodes=$host Default=YES State=UP
+END
+  if ! slurmctld 2>slurm/error || ! slurmd 2>slurm/error; then
+    skip "no Slurm: $(cat slurm/error)"
+  fi
+  for _ in {1..100}; do
+    [[ $(sinfo -h -o %t 2>>slurm/error) != idle ]] || return 0
+    sleep 0.2
+  done
+  skip "no Slurm: $(cat slurm/error)"
+}
+
+ShardsRunAsAnArrayOfSlurm() {
+  start_slurm
+  make_files 40
+  echo noise >in/bad.stp
+  export PATH="${batch%/*}:$PATH"
+  local status=0
+  sbatch --wait --array=1-4 --wrap \
+    'plenvorith-batch in -o out --shard $SLURM_ARRAY_TASK_ID/4 --jobs 1 --resume' \
+    >sbatch.out 2>&1 || status=$?
+  ((status == 1)) || fail "sbatch ended with $status, not with that of the task that failed: $(cat sbatch.out slurm-*.out)"
+  [[ $(cat slurm-*.out | grep -c '^failed: ') == 1 ]] || fail "more has failed: $(cat slurm-*.out)"
+  run 1 --merge -o out
+  expect_line stdout 'Merged: 4 shards, 41 files'
+  expect_line stdout 'Not converted: 1'
+  expect_files 40 out
+}
+
 # ------------------------------------------------------------------------------------------- hosts
 
 servers=()
