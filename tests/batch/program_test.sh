@@ -219,6 +219,46 @@ GoesOnAfterAnInterruption() {
   [[ $(stat -c '%i %y' out/[1-5].stp.stl) == "$before" ]] || fail 'converted again'
 }
 
+ConvertsTenThousandFiles() {
+  local pid status=0 first second number
+  mkdir -p in/{00..99}
+  step_file pattern 12345
+  awk '{ text = text $0 "\n" }
+    END {
+      for (i = 0; i < 10000; ++i) {
+        path = sprintf("in/%02d/%04d.stp", i / 100, i)
+        copy = text
+        sub("12345", i, copy)
+        printf "%s", copy >path
+        close(path)
+      }
+    }' pattern
+  "$batch" in -o out --jobs 2 >stdout 2>stderr &
+  pid=$!
+  until [[ -e out/40/4000.stp.stl ]]; do
+    kill -0 "$pid" 2>/dev/null || fail 'ended early'
+    sleep 0.05
+  done
+  kill "$pid"
+  wait "$pid" || status=$?
+  ((status == 143)) || fail "exit status $status, not 143"
+  first=$(sed -n 's/^Converted: \([0-9]*\) .*/\1/p' stdout)
+  ((first > 4000 && first < 10000)) || fail "converted $first files before the signal"
+  expect_count out "$first"
+  run 0 in -o out --jobs 2 --resume
+  second=$(sed -n 's/^Converted: \([0-9]*\) .*/\1/p' stdout)
+  ((first + second == 10000)) || fail "converted $first and $second files"
+  expect_line stdout "Converted before: $first"
+  expect_count out 10000
+  for number in 0000 0007 3999 4000 4001 9999; do
+    expect_stl "out/${number:0:2}/$number.stp.stl" "$((10#$number))"
+  done
+  (($(grep -c '^{"name"' out/index.html) == 10000)) || fail 'not all are in the report'
+  run 0 in -o out --resume
+  expect_line stdout 'Converted before: 10000'
+  expect_nothing_left out
+}
+
 ResumeRedoesWhatIsMissingOrFailedOrChanged() {
   local number
   for number in 1 2 3 4; do
