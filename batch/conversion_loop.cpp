@@ -135,14 +135,14 @@ LoopEnd convertFiles(const Options& options, StateHandle& state, const RunContex
   while (!isOver(loop.run) &&
          (hasFilesLeft(loop) || countBusy(loop.pool) > 0 || !loop.run.unsettled.empty())) {
     beginFiles(loop);
+    noteLargest(loop);
+    showConversions(loop.run);
     PoolEvents events = collectResults(loop.pool, waitForWorkers(loop), files);
     std::ranges::move(events.finished, std::back_inserter(loop.run.unsettled));
     for (const LostFile& lost : events.lost) {
       noteLost(loop, lost);
     }
     settleAndRelease(loop);
-    noteLargest(loop);
-    showConversions(loop.run);
   }
   stopPool(loop.pool);
   noteLargest(loop);

@@ -1,8 +1,10 @@
 #include "batch/progress.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <iostream>
+#include <string_view>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -38,17 +40,34 @@ std::string timeLeft(const ProgressState& state) {
   return durationText(std::llround(rest)) + " left";
 }
 
-/// Cuts a line to a width in bytes, but never in the middle of a character of UTF-8.
-std::string cut(std::string line, int width) {
-  auto end = static_cast<std::size_t>(width);
-  if (width <= 0 || line.size() <= end) {
-    return line;
+/// The end of a text in so many bytes, but never from the middle of a character of UTF-8; "..."
+/// stands for what is left out.
+std::string endOf(const std::string& text, std::size_t bytes) {
+  constexpr std::string_view kLeftOut = "...";
+  if (text.size() <= bytes) {
+    return text;
   }
-  while (end > 0 && (static_cast<unsigned char>(line[end]) & 0xC0U) == 0x80U) {
-    --end;
+  std::size_t start = text.size() - (bytes - std::min(bytes, kLeftOut.size()));
+  while (start < text.size() && (static_cast<unsigned char>(text[start]) & 0xC0U) == 0x80U) {
+    ++start;
   }
-  line.resize(end);
-  return line;
+  return std::string(kLeftOut) + text.substr(start);
+}
+
+/// The largest input under way in at most so many bytes; empty if they are too few to know it by.
+std::string largestText(const ProgressState& state, std::size_t room) {
+  constexpr std::size_t kLeast = 12;
+  if (state.largest.empty()) {
+    return {};
+  }
+  const std::string front = ", now ";
+  const std::string back = " (" + sizeText(state.largestBytes) + ')';
+  const std::string name = printable(state.largest);
+  const std::size_t around = front.size() + back.size();
+  if (around + std::min(name.size(), kLeast) > room) {
+    return {};
+  }
+  return front + endOf(name, room - around) + back;
 }
 
 void draw(ProgressDisplay& display, const ProgressState& state) {
@@ -60,18 +79,27 @@ void draw(ProgressDisplay& display, const ProgressState& state) {
 }  // namespace
 
 std::string progressLine(const ProgressState& state, int width) {
-  std::string line = std::to_string(state.done) + '/' + std::to_string(state.files) + " files, " +
-                     std::to_string(state.failed) + " failed";
-  if (state.done > 0 && state.seconds > 0) {
-    line += ", " + rateText(state);
+  const std::string count = std::to_string(state.done) + '/' + std::to_string(state.files) +
+                            " files, " + std::to_string(state.failed) + " failed";
+  // UTF-8 takes no more columns than bytes.
+  std::size_t room = width > 0 ? static_cast<std::size_t>(width) : std::string::npos;
+  if (count.size() >= room) {
+    return count.substr(0, room);
   }
-  if (state.doneBytes > 0 && state.done < state.files) {
-    line += ", " + timeLeft(state);
-  }
-  if (!state.largest.empty()) {
-    line += ", now " + printable(state.largest) + " (" + sizeText(state.largestBytes) + ')';
-  }
-  return cut(line, width);
+  room -= count.size();
+  // What is most wanted comes first here: a narrow terminal has no room for the rest.
+  const auto fitting = [&room](const std::string& text) {
+    if (text.size() > room) {
+      return std::string();
+    }
+    room -= text.size();
+    return text;
+  };
+  const bool isGoing = state.doneBytes > 0 && state.done < state.files;
+  const std::string left = fitting(isGoing ? ", " + timeLeft(state) : "");
+  const std::string rate =
+      fitting(state.done > 0 && state.seconds > 0 ? ", " + rateText(state) : "");
+  return count + rate + left + largestText(state, room);
 }
 
 void showProgress(ProgressDisplay& display, const ProgressState& state) {

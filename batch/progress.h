@@ -20,7 +20,9 @@ struct ProgressState {
 /// The state in one line: "120/400 files, 2 failed, 3.1 files/s, 12 MB/s, 1 min 30 s left, now
 /// x.stp (15 MB)". The time left is that which the bytes left take at the rate so far.
 ///
-/// Takes   how many characters the line may have; 0 for as many as it needs.
+/// Takes   how many columns the line may have; 0 for as many as it needs. Where they are few, the
+///         front of the name goes first, then the largest input, the rate and the time left; what
+///         stands there is whole.
 std::string progressLine(const ProgressState& state, int width);
 
 /// Where and how often progress is shown.

@@ -1,5 +1,8 @@
 #include "batch/progress.h"
 
+#include <cstddef>
+#include <string>
+
 #include <gtest/gtest.h>
 
 namespace plenvorith {
@@ -40,13 +43,40 @@ TEST(ProgressLine, LeavesOutWhatItCannotKnow) {
   EXPECT_EQ(progressLine(state, 0), "3/3 files, 0 failed, 1.5 files/s, 1.5 kB/s");
 }
 
-TEST(ProgressLine, IsCutBetweenCharacters) {
+TEST(ProgressLine, LeavesOutWhatIsLeastWantedWhereItIsNarrow) {
+  ProgressState state = middle();
+  state.largest = "folder/name.stp";
+  const std::string rate = "100/400 files, 2 failed, 2.0 files/s, 200 kB/s, 2 min 30 s left";
+  EXPECT_EQ(progressLine(state, 92), rate + ", now folder/name.stp (15 MB)");
+  EXPECT_EQ(progressLine(state, 91), rate + ", now ...er/name.stp (15 MB)");
+  EXPECT_EQ(progressLine(state, 89), rate + ", now .../name.stp (15 MB)");
+  EXPECT_EQ(progressLine(state, 88), rate);
+  EXPECT_EQ(progressLine(state, 63), rate);
+  EXPECT_EQ(progressLine(state, 62), "100/400 files, 2 failed, 2 min 30 s left");
+  EXPECT_EQ(progressLine(state, 40), "100/400 files, 2 failed, 2 min 30 s left");
+  EXPECT_EQ(progressLine(state, 39), "100/400 files, 2 failed");
+  EXPECT_EQ(progressLine(state, 22), "100/400 files, 2 faile");
+}
+
+TEST(ProgressLine, IsNeverWiderThanTheTerminal) {
+  ProgressState state = middle();
+  state.largest = "größe 部品/größe.stp";
+  for (int width = 1; width < 200; ++width) {
+    EXPECT_LE(progressLine(state, width).size(), static_cast<std::size_t>(width));
+  }
+}
+
+TEST(ProgressLine, CutsNamesBetweenCharacters) {
   ProgressState state;
-  state.largest = "größe";
-  const std::string whole = progressLine(state, 0);
-  const auto place = static_cast<int>(whole.find("ö"));
-  EXPECT_EQ(progressLine(state, place + 1), whole.substr(0, whole.find("ö")));
-  EXPECT_EQ(progressLine(state, place + 2), whole.substr(0, whole.find("ö") + 2));
+  state.largest = "ößgrößegröße";
+  const std::string front = "0/0 files, 0 failed, now ";
+  const auto lineWithName = [&](std::size_t bytes) {
+    return progressLine(state, static_cast<int>(front.size() + bytes + 6));
+  };
+  EXPECT_EQ(lineWithName(18), front + "ößgrößegröße (0 B)");
+  EXPECT_EQ(lineWithName(15), front + "...ößegröße (0 B)");
+  EXPECT_EQ(lineWithName(14), front + "...ßegröße (0 B)");
+  EXPECT_EQ(lineWithName(13), front + "...ßegröße (0 B)");
 }
 
 TEST(ShowProgress, PrintsALineOnlyOnceAMinuteWithoutATerminal) {
