@@ -41,8 +41,8 @@ std::string chunkFolder(const HostEngine& engine, const std::string& chunk) {
   return engine.folder + '/' + chunk;
 }
 
-/// The folder of a job, and its transcript where that travels.
-std::string jobFolder(const HostEngine& engine, const std::string& chunk, std::size_t file) {
+/// Where the outputs of a job are when they have come.
+std::string outFolder(const HostEngine& engine, const std::string& chunk, std::size_t file) {
   const std::string number = std::to_string(file);
   return engine.transfer ? chunkFolder(engine, chunk) + "/made/" + number
                          : engine.folder + "/file" + number;
@@ -64,7 +64,9 @@ Job jobFor(const HostEngine& engine, const std::string& chunk, std::size_t file)
   Job job;
   job.id = static_cast<std::int64_t>(file);
   job.input = engine.transfer ? "in/" + number + '/' + nameOf(input) : input;
-  job.folder = engine.transfer ? "made/" + number : jobFolder(engine, chunk, file);
+  // A folder that is removed again costs time on some disks: one for each file is enough.
+  job.outFolder = engine.transfer ? "made/" + number : outFolder(engine, chunk, file);
+  job.temporaryFolder = engine.transfer ? "tmp" : chunkFolder(engine, chunk) + ".tmp";
   job.outputName = outputNameFor(input, engine.settings);
   job.transcript = engine.transfer ? "transcripts/" + number : transcriptPath(engine, file);
   job.settings = engine.settings;
@@ -109,7 +111,7 @@ std::optional<Finished> finishedFrom(const HostEngine& engine, const std::string
     return std::nullopt;
   }
   const auto file = static_cast<std::size_t>(result->id);
-  return Finished{engine.files[file].path, jobFolder(engine, chunk, file), std::move(*result)};
+  return Finished{engine.files[file].path, outFolder(engine, chunk, file), std::move(*result)};
 }
 
 /// Unpacks what has come back of a chunk and gives its results.
@@ -214,23 +216,33 @@ std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {
   return all;
 }
 
-void stopEngine(HostEngine& engine) {
+std::vector<Finished> stopEngine(HostEngine& engine) {
+  std::vector<Finished> all;
   if (engine.parallel.process <= 0) {
-    return;
+    return all;
   }
   (void)kill(engine.parallel.process, SIGINT);
   // It ends the jobs, on the hosts as well, and insists after five seconds.
-  constexpr int kLooks = 100;
-  for (int i = 0; i < kLooks && waitpid(engine.parallel.process, nullptr, WNOHANG) == 0; ++i) {
+  constexpr int kPatience = 10000;  // milliseconds
+  constexpr int kLook = 100;
+  bool isAlive = true;
+  for (int waited = 0; isAlive && waited < kPatience;) {
     pollfd event{engine.parallel.output, POLLIN, 0};
-    std::array<char, 4096> block{};
-    constexpr int kLook = 100;  // milliseconds
-    if (poll(&event, 1, kLook) > 0 &&
-        read(engine.parallel.output, block.data(), block.size()) == 0) {
-      (void)poll(nullptr, 0, kLook);
+    if (poll(&event, 1, kLook) <= 0) {
+      waited += kLook;
+      continue;
     }
+    std::vector<Finished> some = collectFromHosts(engine, isAlive);
+    std::move(some.begin(), some.end(), std::back_inserter(all));
+  }
+  // Nothing more comes, but it may still be busy with its own end.
+  for (int waited = 0;
+       waited < kPatience && waitpid(engine.parallel.process, nullptr, WNOHANG) == 0;
+       waited += kLook) {
+    (void)poll(nullptr, 0, kLook);
   }
   endTool(engine.parallel);
+  return all;
 }
 
 }  // namespace plenvorith

@@ -34,8 +34,8 @@ std::string startEngine(HostEngine& engine, const std::string& parallel, const H
 /// Takes the results that have come; `isAlive` is set to whether more may come.
 std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive);
 
-/// Ends the engine and what it has under way on all hosts.
-void stopEngine(HostEngine& engine);
+/// Ends the engine and what it has under way on all hosts. Gives the results that still came.
+std::vector<Finished> stopEngine(HostEngine& engine);
 
 /// The options of GNU parallel, behind its name, for a run on these hosts.
 std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer);

@@ -1,5 +1,6 @@
 #include "batch/host_loop.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -24,10 +25,11 @@ namespace {
 /// All that changes while files are converted.
 struct HostLoop {
   Conversions run;
-  std::string parallel;        ///< path of GNU parallel
-  std::vector<bool> isOpen;    ///< for each file, whether it has no result yet
-  std::size_t open = 0;        ///< the number of these
-  std::set<std::string> said;  ///< about hosts that are left out
+  std::string parallel;              ///< path of GNU parallel
+  std::vector<bool> isOpen;          ///< for each file, whether it has no result yet
+  std::size_t open = 0;              ///< the number of these
+  std::set<std::string> said;        ///< about hosts that are left out
+  std::vector<std::string> emptied;  ///< folders whose outputs have been taken
 };
 
 std::string ownPath() {
@@ -82,14 +84,25 @@ std::vector<std::vector<std::size_t>> chunksOf(const HostLoop& loop,
   return chunks;
 }
 
-/// Settles what has come, and removes its folders.
-void settleAndRemove(HostLoop& loop) {
-  for (const Finished& finished : settleResults(loop.run)) {
-    removeTree(finished.folder);
+/// Settles what has come.
+void settleSome(HostLoop& loop) {
+  for (Finished& finished : settleResults(loop.run)) {
+    loop.emptied.push_back(std::move(finished.outFolder));
   }
   constexpr int kPatience = 50;
   if (loop.run.refusals > kPatience) {
     giveUpOnState(loop.run);
+  }
+}
+
+/// Removes folders that are no longer needed, for a moment: it takes long on some disks, and results
+/// that are not settled are lost if this process is killed.
+void removeSome(HostLoop& loop) {
+  constexpr std::chrono::milliseconds kMoment(20);
+  const auto end = std::chrono::steady_clock::now() + kMoment;
+  while (!loop.emptied.empty() && std::chrono::steady_clock::now() < end) {
+    removeTree(loop.emptied.back());
+    loop.emptied.pop_back();
   }
 }
 
@@ -108,9 +121,10 @@ void addResults(HostLoop& loop, std::vector<Finished> all) {
 /// Waits until the hosts have sent something, a signal comes or the progress is to be shown. Gives
 /// whether more may come from the hosts.
 bool waitForHosts(HostLoop& loop, HostEngine& engine) {
-  constexpr int kLook = 200;  // milliseconds
+  const int patience = loop.emptied.empty() ? 200 : 0;  // milliseconds
   pollfd events[] = {{loop.run.signals.get(), POLLIN, 0}, {engine.parallel.output, POLLIN, 0}};
-  if (poll(events, 2, kLook) <= 0) {
+  if (poll(events, 2, patience) <= 0) {
+    removeSome(loop);
     return true;
   }
   takeSignal(loop.run);
@@ -147,10 +161,12 @@ void runRound(HostLoop& loop, const std::string& folder) {
     } else {
       (void)poll(nullptr, 0, 100);  // only the state is waited for
     }
-    settleAndRemove(loop);
+    settleSome(loop);
     showConversions(loop.run);
   }
-  stopEngine(engine);
+  addResults(loop, stopEngine(engine));
+  settleSome(loop);
+  loop.emptied.clear();
   removeTree(folder);
 }
 
@@ -163,7 +179,8 @@ LoopEnd convertOnHosts(const Options& options, StateHandle& state, const RunCont
                 .parallel = findTool("parallel"),
                 .isOpen = std::vector<bool>(files.size(), true),
                 .open = files.size(),
-                .said = {}};
+                .said = {},
+                .emptied = {}};
   if (loop.parallel.empty()) {
     loop.run.end.problem = "--sshlogin needs GNU parallel (Debian packages parallel, bzip2)";
     return loop.run.end;

@@ -116,7 +116,8 @@ std::string lineFrom(const Job& job) {
   const ConversionSettings& settings = job.settings;
   return lineOf({{"id", job.id},
                  {"input", textFrom(job.input)},
-                 {"folder", textFrom(job.folder)},
+                 {"outFolder", textFrom(job.outFolder)},
+                 {"temporaryFolder", textFrom(job.temporaryFolder)},
                  {"output", textFrom(job.outputName)},
                  {"transcript", textFrom(job.transcript)},
                  {"to", textFrom(settings.to)},
@@ -137,7 +138,8 @@ std::optional<Job> jobFrom(const std::string& line) {
   std::int64_t timeLimit = 0;
   get(*object, "id", job.id);
   get(*object, "input", job.input);
-  get(*object, "folder", job.folder);
+  get(*object, "outFolder", job.outFolder);
+  get(*object, "temporaryFolder", job.temporaryFolder);
   get(*object, "output", job.outputName);
   get(*object, "transcript", job.transcript);
   get(*object, "to", job.settings.to);

@@ -14,9 +14,10 @@ namespace plenvorith {
 struct Job {
   std::int64_t id = 0;  ///< the driver's, given back with the result
   std::string input;
-  std::string folder;      ///< for this job alone, until its outputs are taken from `folder`/out
-  std::string outputName;  ///< of the file that the converter is asked for
-  std::string transcript;  ///< where standard output and error go; its folder is made
+  std::string outFolder;        ///< for the outputs of this job alone, until they are taken
+  std::string temporaryFolder;  ///< emptied for each job: those of one worker may share it
+  std::string outputName;       ///< of the file that the converter is asked for
+  std::string transcript;       ///< where standard output and error go; its folder is made
   ConversionSettings settings;
 };
 
@@ -37,7 +38,8 @@ struct JobResult {
   double cpuSeconds = 0.0;
   std::int64_t peakMemory = 0;
   std::string host;
-  std::vector<OutputRecord> outputs;  ///< names in `folder`/out; none if it is not converted
+  std::vector<OutputRecord>
+      outputs;  ///< names in the job's folder of outputs; none if it is not converted
 };
 
 /// A job, and its result, as one line of ASCII without its end. Bytes of no known encoding go

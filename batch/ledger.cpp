@@ -127,7 +127,7 @@ std::string moveProblem(int error, const std::string& path) {
 /// Moves the outputs from the job's folder to their places; says what is in the way.
 std::string moveOutputs(const Places& places, const Finished& finished, const Settling& settling) {
   for (std::size_t i = 0; i < settling.outputs.size(); ++i) {
-    const std::string from = finished.folder + "/out/" + finished.result.outputs[i].path;
+    const std::string from = finished.outFolder + '/' + finished.result.outputs[i].path;
     const std::string to = inOutputFolder(places, settling.outputs[i].path);
     if (!makeFolders(folderOf(to)) || rename(from.c_str(), to.c_str()) != 0) {
       return moveProblem(errno, to);

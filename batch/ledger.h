@@ -23,7 +23,7 @@ struct RunContext {
 /// A conversion that has ended.
 struct Finished {
   std::string input;
-  std::string folder;  ///< the job's
+  std::string outFolder;  ///< the job's
   JobResult result;
 };
 

@@ -32,12 +32,17 @@ std::optional<std::size_t> findIdle(WorkerPool& pool, int most) {
   return pool.workers.size() - 1;
 }
 
-Job jobFor(const WorkerPool& pool, const std::string& folder, const InputFile& input,
+std::string outFolderOf(const WorkerProcess& worker) {
+  return worker.folder + "/out";
+}
+
+Job jobFor(const WorkerPool& pool, const WorkerProcess& worker, const InputFile& input,
            std::size_t file) {
   Job job;
   job.id = static_cast<std::int64_t>(file);
   job.input = input.path;
-  job.folder = folder;
+  job.outFolder = outFolderOf(worker);
+  job.temporaryFolder = worker.folder + "/tmp";
   job.outputName = outputNameFor(input.path, pool.settings);
   job.transcript = pool.places.state + '/' + transcriptFor(nameBelow(pool.base, input.path));
   job.settings = pool.settings;
@@ -56,7 +61,7 @@ bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int mos
   worker.hasResult = false;
   // If the worker has ended, the end of its results tells.
   (void)writeAll(worker.process.jobs.get(),
-                 lineFrom(jobFor(pool, worker.process.folder, input, file)) + '\n');
+                 lineFrom(jobFor(pool, worker.process, input, file)) + '\n');
   return true;
 }
 
@@ -89,7 +94,7 @@ PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& read
       if (result && worker.file && !worker.hasResult &&
           result->id == static_cast<std::int64_t>(*worker.file)) {
         events.finished.push_back(
-            {files[*worker.file].path, worker.process.folder, std::move(*result)});
+            {files[*worker.file].path, outFolderOf(worker.process), std::move(*result)});
         worker.hasResult = true;
       }
     }

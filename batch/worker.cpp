@@ -30,14 +30,6 @@ namespace {
 
 constexpr std::size_t kTranscriptEnds = std::size_t{1} << 17;
 
-std::string outFolder(const Job& job) {
-  return job.folder + "/out";
-}
-
-std::string temporaryFolder(const Job& job) {
-  return job.folder + "/tmp";
-}
-
 std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
@@ -73,19 +65,19 @@ std::string inputPathFor(const Job& job) {
   if (nameOf(job.input).size() + kAddition <= NAME_MAX) {
     return job.input;
   }
-  const std::string link = temporaryFolder(job) + "/input.stp";
+  const std::string link = job.temporaryFolder + "/input.stp";
   return symlink(job.input.c_str(), link.c_str()) == 0 ? link : job.input;
 }
 
 ChildSettings childFor(const Job& job, int transcript) {
   ChildSettings child;
-  child.workFolder = outFolder(job);
-  child.temporaryFolder = temporaryFolder(job);
+  child.workFolder = job.outFolder;
+  child.temporaryFolder = job.temporaryFolder;
   child.transcript = transcript;
   child.settings = job.settings;
   child.arguments = {inputPathFor(job), job.outputName, job.settings.deflection};
   if (job.settings.prepare) {
-    child.preparedPath = temporaryFolder(job) + "/prepared.stp";
+    child.preparedPath = job.temporaryFolder + "/prepared.stp";
   }
   if (job.settings.split) {
     child.arguments.emplace_back("yes");
@@ -113,7 +105,7 @@ bool isSame(const InputIdentity& a, const std::optional<InputIdentity>& b) {
 
 /// Decides what became of the file once its conversion has ended.
 void judge(const Job& job, const ChildEnd& end, const std::string& transcript, JobResult& result) {
-  MadeFiles made = lookAtOutputs(outFolder(job));
+  MadeFiles made = lookAtOutputs(job.outFolder);
   const bool isWhole = end.exitStatus == 0 && !end.timedOut && made.incomplete.empty() &&
                        !made.outputs.empty() && !mayLackPartsOfCopy(end, transcript);
   if (isWhole) {
@@ -130,7 +122,8 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
 
 /// Paths of a job that are relative are those below the folder where the worker runs.
 void makeAbsolute(const std::string& folder, Job& job) {
-  for (std::string* const path : {&job.input, &job.folder, &job.transcript}) {
+  for (std::string* const path :
+       {&job.input, &job.outFolder, &job.temporaryFolder, &job.transcript}) {
     if (!path->starts_with('/')) {
       *path = folder + '/' + *path;
     }
@@ -187,7 +180,7 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
     unlink(job.transcript.c_str());  // an earlier one tells nothing of this
     return result;
   }
-  if (!makeEmptyFolder(outFolder(job)) || !makeEmptyFolder(temporaryFolder(job))) {
+  if (!makeEmptyFolder(job.outFolder) || !makeEmptyFolder(job.temporaryFolder)) {
     result.reason =
         errno == ENOSPC ? "disk full" : std::string("no work folder: ") + strerror(errno);
     return result;
@@ -229,8 +222,8 @@ int runWorker(int jobs, int results) {
       return 2;
     }
     makeAbsolute(folder, *job);
-    if (!isWarm && job->settings.program.empty() && makeEmptyFolder(temporaryFolder(*job))) {
-      warmUp(temporaryFolder(*job));
+    if (!isWarm && job->settings.program.empty() && makeEmptyFolder(job->temporaryFolder)) {
+      warmUp(job->temporaryFolder);
       isWarm = true;
     }
     JobResult result = convertFile(*job, signals, isStopped);

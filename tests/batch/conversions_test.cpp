@@ -47,14 +47,14 @@ class ConversionsTest : public testing::Test {
   Finished resultOf(std::size_t file, bool isConverted) {
     Finished finished;
     finished.input = files_[file].path;
-    finished.folder = dir_ / "work" + std::to_string(file);
+    finished.outFolder = dir_ / "work" + std::to_string(file);
     finished.result.id = static_cast<std::int64_t>(file);
     finished.result.isConverted = isConverted;
     if (isConverted) {
       finished.result.triangles = 3;
       finished.result.outputs = {{"out.stl", 4}};
-      EXPECT_TRUE(makeFolders(finished.folder + "/out"));
-      test::writeFile(finished.folder + "/out/out.stl", "1234");
+      EXPECT_TRUE(makeFolders(finished.outFolder));
+      test::writeFile(finished.outFolder + "/out.stl", "1234");
     } else {
       finished.result.reason = "why";
     }
@@ -88,7 +88,7 @@ TEST_F(ConversionsTest, SettlesResultsAndTellsOfFailures) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "failed: " + files_[0].path + ": why\n");
   ASSERT_THAT(settled, SizeIs(2));
   EXPECT_EQ(settled[0].input, files_[1].path);
-  EXPECT_EQ(settled[0].folder, dir_ / "work1");
+  EXPECT_EQ(settled[0].outFolder, dir_ / "work1");
   EXPECT_THAT(conversions.unsettled, IsEmpty());
   EXPECT_EQ(conversions.progress.done, 2);
   EXPECT_EQ(conversions.progress.failed, 1);

@@ -19,7 +19,8 @@ Job oddJob() {
   Job job;
   job.id = 7;
   job.input = "/in/" + allBytes();
-  job.folder = "/run/1";
+  job.outFolder = "/run/1/out";
+  job.temporaryFolder = "/run/1/tmp";
   job.outputName = "a.stp.stl";
   job.transcript = "/t/\xff.txt";
   job.settings.to = "stp";
@@ -43,7 +44,8 @@ TEST(JobLine, IsAsciiAndGivesAllBack) {
   ASSERT_TRUE(back.has_value());
   EXPECT_EQ(back->id, 7);
   EXPECT_EQ(back->input, job.input);
-  EXPECT_EQ(back->folder, job.folder);
+  EXPECT_EQ(back->outFolder, job.outFolder);
+  EXPECT_EQ(back->temporaryFolder, job.temporaryFolder);
   EXPECT_EQ(back->outputName, job.outputName);
   EXPECT_EQ(back->transcript, job.transcript);
   EXPECT_EQ(back->settings.to, "stp");

@@ -40,10 +40,10 @@ class LedgerTest : public testing::Test {
     finished.input = test::writeFile(dir / "in/" + name, "input");
     const timespec times[] = {{1577836800, 0}, {1577836800, 0}};
     utimensat(AT_FDCWD, finished.input.c_str(), times, 0);
-    finished.folder = context.places.run + "/1";
-    EXPECT_TRUE(makeEmptyFolder(finished.folder + "/out"));
+    finished.outFolder = context.places.run + "/1";
+    EXPECT_TRUE(makeEmptyFolder(finished.outFolder));
     for (const std::string& output : outputs) {
-      test::writeFile(finished.folder + "/out/" + output, "1234");
+      test::writeFile(finished.outFolder + "/" + output, "1234");
       finished.result.outputs.push_back({output, 4});
     }
     int error = 0;
@@ -126,7 +126,7 @@ TEST_F(LedgerTest, NeverRemovesWhatAnotherInputMade) {
   settleOne(converted("a.stp", {"x.stl"}));
   const Finished again = converted("a.stp", {"y.stl"});
   Finished other = converted("b.stp", {"x.stl"});
-  test::writeFile(other.folder + "/out/y.stl", "1234");
+  test::writeFile(other.outFolder + "/y.stl", "1234");
   const auto records = settle(*state, context, {other, again});
   ASSERT_EQ(records.size(), 2U);
   EXPECT_THAT(outputs(), ElementsAre("x.stl", "y.stl"));
@@ -171,7 +171,7 @@ TEST_F(LedgerTest, TrustsNoTimeThatIsYoungOrInTheFuture) {
     ASSERT_EQ(utimensat(AT_FDCWD, finished.input.c_str(), times, 0), 0);
     int error = 0;
     finished.result.mtime = identityOf(finished.input, error)->mtime;
-    test::writeFile(finished.folder + "/out/a.stl", "1234");
+    test::writeFile(finished.outFolder + "/a.stl", "1234");
     settleOne(finished);
     EXPECT_TRUE(isUpToDateNow("a.stp"));
     test::writeFile(finished.input, "INPUT");

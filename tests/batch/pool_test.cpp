@@ -81,7 +81,7 @@ TEST_F(PoolTest, GivesResultsWithTheirFolders) {
   EXPECT_EQ(finished.input, files_[1].path);
   EXPECT_EQ(finished.result.id, 1);
   EXPECT_TRUE(finished.result.isConverted) << finished.result.reason;
-  EXPECT_EQ(test::readFile(finished.folder + "/out/b.stp.stl").size(), 134U);
+  EXPECT_EQ(test::readFile(finished.outFolder + "/b.stp.stl").size(), 134U);
   EXPECT_THAT(test::readFile(pool_.places.state + "/transcripts/b.stp.txt"),
               testing::EndsWith("Done\n"));
 }

@@ -70,7 +70,8 @@ TEST(StartWorker, GivesAWorkerThatConverts) {
   Job job;
   job.id = 3;
   job.input = test::writeFile(dir / "a.stp", test::kTriangleStep);
-  job.folder = worker->folder;
+  job.outFolder = worker->folder + "/out";
+  job.temporaryFolder = worker->folder + "/tmp";
   job.outputName = "a.stl";
   job.transcript = dir / "a.txt";
   ASSERT_TRUE(writeAll(worker->jobs.get(), lineFrom(job) + '\n'));
@@ -126,7 +127,8 @@ TEST(StopWorkers, EndsThemWithWhatIsUnderWay) {
   ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
   Job job;
   job.input = dir / "pipe.stp";
-  job.folder = dir / "work";
+  job.outFolder = dir / "work/out";
+  job.temporaryFolder = dir / "work/tmp";
   job.outputName = "a.stl";
   job.transcript = dir / "a.txt";
   ASSERT_TRUE(writeAll(workers[1].jobs.get(), lineFrom(job) + '\n'));

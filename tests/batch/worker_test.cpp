@@ -59,7 +59,8 @@ class WorkerTest : public testing::Test {
     Job job;
     job.id = 5;
     job.input = dir / name;
-    job.folder = dir / "work";
+    job.outFolder = dir / "work/out";
+    job.temporaryFolder = dir / "work/tmp";
     job.outputName = name + ".stl";
     job.transcript = dir / "transcripts/" + name + ".txt";
     return job;
