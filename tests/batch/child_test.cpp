@@ -30,64 +30,64 @@ using testing::StartsWith;
 class ChildTest : public testing::Test {
  protected:
   ChildTest() {
-    std::filesystem::create_directories(dir_ / "work");
-    std::filesystem::create_directories(dir_ / "tmp");
+    std::filesystem::create_directories(dir / "work");
+    std::filesystem::create_directories(dir / "tmp");
     std::array<int, 2> ends{};
     EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    reader_ = Descriptor(ends[0]);
-    results_ = Descriptor(ends[1]);
-    transcript_ =
-        Descriptor(open((dir_ / "transcript").c_str(), O_RDWR | O_CREAT | O_APPEND, 0600));
-    child_.workFolder = dir_ / "work";
-    child_.temporaryFolder = dir_ / "tmp";
-    child_.transcript = transcript_.get();
-    child_.arguments = {"first", "second"};
+    reader = Descriptor(ends[0]);
+    results = Descriptor(ends[1]);
+    transcriptFile =
+        Descriptor(open((dir / "transcript").c_str(), O_RDWR | O_CREAT | O_APPEND, 0600));
+    child.workFolder = dir / "work";
+    child.temporaryFolder = dir / "tmp";
+    child.transcript = transcriptFile.get();
+    child.arguments = {"first", "second"};
   }
 
   /// Has a script run in the place of the converter.
   void takeScript(const std::string& body) {
-    child_.settings.program = test::writeFile(dir_ / "script", "#!/bin/sh\n" + body + "\n");
-    ASSERT_EQ(chmod(child_.settings.program.c_str(), 0755), 0);
+    child.settings.program = test::writeFile(dir / "script", "#!/bin/sh\n" + body + "\n");
+    ASSERT_EQ(chmod(child.settings.program.c_str(), 0755), 0);
   }
 
   ChildEnd run() {
-    return runChild(child_, {listener_.get(), results_.get()});
+    return runChild(child, {listener.get(), results.get()});
   }
 
   std::string transcript() const {
-    return test::readFile(dir_ / "transcript");
+    return test::readFile(dir / "transcript");
   }
 
-  const test::ScopedSignals before_;
-  const Descriptor listener_ = listenToSignals({SIGCHLD, SIGHUP, SIGINT, SIGTERM});
-  test::TempDir dir_;
-  Descriptor reader_;
-  Descriptor results_;
-  Descriptor transcript_;
-  ChildSettings child_;
+  const test::ScopedSignals before;
+  const Descriptor listener = listenToSignals({SIGCHLD, SIGHUP, SIGINT, SIGTERM});
+  test::TempDir dir;
+  Descriptor reader;
+  Descriptor results;
+  Descriptor transcriptFile;
+  ChildSettings child;
 };
 
 TEST_F(ChildTest, ConvertsWithTheConverterThatIsBuiltIn) {
-  child_.arguments = {test::writeFile(dir_ / "a.stp", test::kTriangleStep), "a.stl", "0.1"};
+  child.arguments = {test::writeFile(dir / "a.stp", test::kTriangleStep), "a.stl", "0.1"};
   const ChildEnd end = run();
   EXPECT_EQ(end.exitStatus, 0);
   EXPECT_FALSE(end.signal.has_value());
-  EXPECT_EQ(test::readFile(dir_ / "work/a.stl").size(), 134U);
-  EXPECT_THAT(transcript(), StartsWith("Reading: " + (dir_ / "a.stp") + "\n"));
+  EXPECT_EQ(test::readFile(dir / "work/a.stl").size(), 134U);
+  EXPECT_THAT(transcript(), StartsWith("Reading: " + (dir / "a.stp") + "\n"));
   EXPECT_THAT(transcript(), EndsWith("Saved: a.stl\nDone\n"));
 }
 
 TEST_F(ChildTest, PreparesTheInputFirst) {
-  child_.arguments = {test::writeFile(dir_ / "a.stp", test::kTriangleStep), "a.stl", "0.1"};
-  child_.preparedPath = dir_ / "tmp/prepared.stp";
+  child.arguments = {test::writeFile(dir / "a.stp", test::kTriangleStep), "a.stl", "0.1"};
+  child.preparedPath = dir / "tmp/prepared.stp";
   EXPECT_EQ(run().exitStatus, 0);
-  EXPECT_THAT(transcript(), HasSubstr("Reading: " + child_.preparedPath + "\n"));
-  EXPECT_EQ(test::readFile(dir_ / "work/a.stl").size(), 134U);
+  EXPECT_THAT(transcript(), HasSubstr("Reading: " + child.preparedPath + "\n"));
+  EXPECT_EQ(test::readFile(dir / "work/a.stl").size(), 134U);
 }
 
 TEST_F(ChildTest, EndsWhereThereIsNothingToPrepare) {
-  child_.arguments = {test::writeFile(dir_ / "a.stp", "no STEP"), "a.stl", "0.1"};
-  child_.preparedPath = dir_ / "tmp/prepared.stp";
+  child.arguments = {test::writeFile(dir / "a.stp", "no STEP"), "a.stl", "0.1"};
+  child.preparedPath = dir / "tmp/prepared.stp";
   EXPECT_NE(run().exitStatus, 0);
   EXPECT_THAT(transcript(), testing::Not(HasSubstr("Reading: ")));
 }
@@ -99,8 +99,8 @@ grep '^SigBlk' /proc/self/status
 ulimit -c; echo error >&2)sh");
   EXPECT_EQ(run().exitStatus, 0);
   // The three streams, and the folder that is listed.
-  EXPECT_EQ(transcript(), child_.settings.program + "|first|second|" + (dir_ / "work") + "|" +
-                              (dir_ / "tmp") + "|0|4\nSigBlk:\t0000000000000000\n0\nerror\n");
+  EXPECT_EQ(transcript(), child.settings.program + "|first|second|" + (dir / "work") + "|" +
+                              (dir / "tmp") + "|0|4\nSigBlk:\t0000000000000000\n0\nerror\n");
 }
 
 TEST_F(ChildTest, TellsTheExitStatus) {
@@ -122,27 +122,27 @@ TEST_F(ChildTest, TellsTheSignal) {
 }
 
 TEST_F(ChildTest, TellsThatAProgramCannotBeStarted) {
-  child_.settings.program = dir_ / "missing";
+  child.settings.program = dir / "missing";
   EXPECT_EQ(run().exitStatus, 127);
-  EXPECT_EQ(transcript(), "plenvorith-batch: cannot start " + (dir_ / "missing") + "\n");
+  EXPECT_EQ(transcript(), "plenvorith-batch: cannot start " + (dir / "missing") + "\n");
 }
 
 TEST_F(ChildTest, TellsThatTheWorkFolderIsMissing) {
-  child_.workFolder = dir_ / "missing";
+  child.workFolder = dir / "missing";
   EXPECT_EQ(run().exitStatus, 127);
   EXPECT_EQ(transcript(), "plenvorith-batch: cannot set up the conversion\n");
 }
 
 TEST_F(ChildTest, LimitsTheMemory) {
   takeScript("ulimit -v");
-  child_.settings.memoryLimit = std::int64_t{512} << 20;
+  child.settings.memoryLimit = std::int64_t{512} << 20;
   EXPECT_EQ(run().exitStatus, 0);
   EXPECT_EQ(transcript(), "524288\n");
 }
 
 TEST_F(ChildTest, EndsItAtTheTimeLimit) {
   takeScript("echo begun; sleep 1000");
-  child_.settings.timeLimit = std::chrono::seconds(1);
+  child.settings.timeLimit = std::chrono::seconds(1);
   const ChildEnd end = run();
   EXPECT_TRUE(end.timedOut);
   EXPECT_FALSE(end.isStopped);
@@ -152,7 +152,7 @@ TEST_F(ChildTest, EndsItAtTheTimeLimit) {
 
 TEST_F(ChildTest, KillsWhatMindsNoRequest) {
   takeScript("trap '' TERM; while :; do sleep 1; done");
-  child_.settings.timeLimit = std::chrono::seconds(1);
+  child.settings.timeLimit = std::chrono::seconds(1);
   const ChildEnd end = run();
   EXPECT_TRUE(end.timedOut);
   EXPECT_EQ(end.signal, SIGKILL);
@@ -168,7 +168,7 @@ TEST_F(ChildTest, EndsItWhenASignalAsksTheWorkerToEnd) {
 
 TEST_F(ChildTest, EndsItWhenNobodyReadsResultsAnyMore) {
   takeScript("sleep 1000");
-  reader_.close();
+  reader.close();
   const ChildEnd end = run();
   EXPECT_TRUE(end.isStopped);
   EXPECT_EQ(end.signal, SIGTERM);

@@ -23,31 +23,31 @@ using testing::SizeIs;
 class ConversionsTest : public testing::Test {
  protected:
   ConversionsTest() {
-    context_.places = placesIn(dir_ / "out");
-    context_.base = dir_.path().string() + '/';
-    EXPECT_TRUE(makeFolders(context_.places.state));
+    context.places = placesIn(dir / "out");
+    context.base = dir.path().string() + '/';
+    EXPECT_TRUE(makeFolders(context.places.state));
     for (const char* const name : {"a.stp", "b.stp"}) {
-      files_.push_back({test::writeFile(dir_ / name, "input"), 5});
+      files.push_back({test::writeFile(dir / name, "input"), 5});
     }
     open(StateUse::Write);
   }
 
   void open(StateUse use) {
-    state_.reset();
+    state.reset();
     std::string problem;
-    state_ = openState(context_.places.database, problem, use);
-    ASSERT_NE(state_, nullptr) << problem;
+    state = openState(context.places.database, problem, use);
+    ASSERT_NE(state, nullptr) << problem;
   }
 
   Conversions begin() {
-    return beginConversions(options_, *state_, context_, files_, summary_);
+    return beginConversions(options, *state, context, files, summary);
   }
 
   /// The result of one of the files, which made an output of four bytes if it is converted.
   Finished resultOf(std::size_t file, bool isConverted) {
     Finished finished;
-    finished.input = files_[file].path;
-    finished.outFolder = dir_ / "work" + std::to_string(file);
+    finished.input = files[file].path;
+    finished.outFolder = dir / "work" + std::to_string(file);
     finished.result.id = static_cast<std::int64_t>(file);
     finished.result.isConverted = isConverted;
     if (isConverted) {
@@ -61,17 +61,17 @@ class ConversionsTest : public testing::Test {
     return finished;
   }
 
-  const test::ScopedSignals before_;
-  test::TempDir dir_;
-  Options options_;
-  RunContext context_;
-  std::vector<InputFile> files_;
-  Summary summary_;
-  State state_;
+  const test::ScopedSignals before;
+  test::TempDir dir;
+  Options options;
+  RunContext context;
+  std::vector<InputFile> files;
+  Summary summary;
+  State state;
 };
 
 TEST_F(ConversionsTest, BeginsWithNothingDone) {
-  options_.bar = true;
+  options.bar = true;
   const Conversions conversions = begin();
   EXPECT_EQ(conversions.progress.files, 2);
   EXPECT_EQ(conversions.progress.bytes, 10);
@@ -85,19 +85,19 @@ TEST_F(ConversionsTest, SettlesResultsAndTellsOfFailures) {
   conversions.unsettled = {resultOf(1, true), resultOf(0, false)};
   testing::internal::CaptureStderr();
   const std::vector<Finished> settled = settleResults(conversions);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "failed: " + files_[0].path + ": why\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "failed: " + files[0].path + ": why\n");
   ASSERT_THAT(settled, SizeIs(2));
-  EXPECT_EQ(settled[0].input, files_[1].path);
-  EXPECT_EQ(settled[0].outFolder, dir_ / "work1");
+  EXPECT_EQ(settled[0].input, files[1].path);
+  EXPECT_EQ(settled[0].outFolder, dir / "work1");
   EXPECT_THAT(conversions.unsettled, IsEmpty());
   EXPECT_EQ(conversions.progress.done, 2);
   EXPECT_EQ(conversions.progress.failed, 1);
   EXPECT_EQ(conversions.progress.doneBytes, 10);
-  EXPECT_EQ(summary_.converted, 1);
-  EXPECT_EQ(summary_.triangles, 3);
-  EXPECT_THAT(summary_.failures, ElementsAre(files_[0].path + ": why"));
-  EXPECT_EQ(findFile(*state_, files_[1].path)->status, FileStatus::Converted);
-  EXPECT_EQ(test::readFile(dir_ / "out/out.stl"), "1234");
+  EXPECT_EQ(summary.converted, 1);
+  EXPECT_EQ(summary.triangles, 3);
+  EXPECT_THAT(summary.failures, ElementsAre(files[0].path + ": why"));
+  EXPECT_EQ(findFile(*state, files[1].path)->status, FileStatus::Converted);
+  EXPECT_EQ(test::readFile(dir / "out/out.stl"), "1234");
 }
 
 TEST_F(ConversionsTest, SettlesNothingWhereNothingHasCome) {
@@ -142,7 +142,7 @@ TEST_F(ConversionsTest, IsOverAfterASignal) {
 }
 
 TEST_F(ConversionsTest, ShowsTheLastStateOnALine) {
-  options_.bar = true;
+  options.bar = true;
   Conversions conversions = begin();
   testing::internal::CaptureStderr();
   showConversions(conversions);

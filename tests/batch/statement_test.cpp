@@ -12,22 +12,22 @@ namespace {
 class StatementTest : public testing::Test {
  protected:
   StatementTest() {
-    EXPECT_EQ(sqlite3_open(":memory:", &database_), SQLITE_OK);
-    EXPECT_TRUE(executeStatements(database_, "CREATE TABLE t (a, b, c, d, e)"));
+    EXPECT_EQ(sqlite3_open(":memory:", &database), SQLITE_OK);
+    EXPECT_TRUE(executeStatements(database, "CREATE TABLE t (a, b, c, d, e)"));
   }
   ~StatementTest() override {
-    sqlite3_finalize(statement_);
-    sqlite3_close(database_);
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
   }
 
   sqlite3_stmt* prepare(const char* text) {
-    sqlite3_finalize(statement_);
-    EXPECT_EQ(sqlite3_prepare_v2(database_, text, -1, &statement_, nullptr), SQLITE_OK);
-    return statement_;
+    sqlite3_finalize(statement);
+    EXPECT_EQ(sqlite3_prepare_v2(database, text, -1, &statement, nullptr), SQLITE_OK);
+    return statement;
   }
 
-  sqlite3* database_ = nullptr;
-  sqlite3_stmt* statement_ = nullptr;
+  sqlite3* database = nullptr;
+  sqlite3_stmt* statement = nullptr;
 };
 
 TEST_F(StatementTest, GivesBackWhatWentIn) {
@@ -60,8 +60,8 @@ TEST_F(StatementTest, TakesEmptyTextsAndBytesForValues) {
     use.bindBytes({});
     EXPECT_TRUE(use.finish());
   }
-  EXPECT_EQ(numberFrom(database_, "SELECT a IS NOT NULL AND b IS NOT NULL FROM t", -1), 1);
-  EXPECT_EQ(numberFrom(database_, "SELECT length(a) + length(b) FROM t", -1), 0);
+  EXPECT_EQ(numberFrom(database, "SELECT a IS NOT NULL AND b IS NOT NULL FROM t", -1), 1);
+  EXPECT_EQ(numberFrom(database, "SELECT length(a) + length(b) FROM t", -1), 0);
 }
 
 TEST_F(StatementTest, ForgetsTheValuesOfTheLastUse) {
@@ -77,12 +77,12 @@ TEST_F(StatementTest, ForgetsTheValuesOfTheLastUse) {
     use.bind(std::int64_t{3});
     EXPECT_TRUE(use.finish());
   }
-  EXPECT_EQ(numberFrom(database_, "SELECT count(*) FROM t", -1), 2);
-  EXPECT_EQ(numberFrom(database_, "SELECT a FROM t WHERE b IS NULL", -1), 3);
+  EXPECT_EQ(numberFrom(database, "SELECT count(*) FROM t", -1), 2);
+  EXPECT_EQ(numberFrom(database, "SELECT a FROM t WHERE b IS NULL", -1), 3);
 }
 
 TEST_F(StatementTest, StartsEachRowFromTheLeft) {
-  ASSERT_TRUE(executeStatements(database_, "INSERT INTO t (a, b) VALUES (1, 2), (3, 4)"));
+  ASSERT_TRUE(executeStatements(database, "INSERT INTO t (a, b) VALUES (1, 2), (3, 4)"));
   StatementUse use(prepare("SELECT a, b FROM t ORDER BY a"));
   ASSERT_TRUE(use.step());
   EXPECT_EQ(use.integer(), 1);
@@ -92,8 +92,8 @@ TEST_F(StatementTest, StartsEachRowFromTheLeft) {
 }
 
 TEST_F(StatementTest, TellsFailuresFromTheEnd) {
-  ASSERT_TRUE(executeStatements(database_, "CREATE UNIQUE INDEX i ON t (a)"));
-  ASSERT_TRUE(executeStatements(database_, "INSERT INTO t (a) VALUES (1)"));
+  ASSERT_TRUE(executeStatements(database, "CREATE UNIQUE INDEX i ON t (a)"));
+  ASSERT_TRUE(executeStatements(database, "INSERT INTO t (a) VALUES (1)"));
   StatementUse use(prepare("INSERT INTO t (a) VALUES (?)"));
   use.bind(std::int64_t{1});
   EXPECT_FALSE(use.step());
@@ -101,15 +101,15 @@ TEST_F(StatementTest, TellsFailuresFromTheEnd) {
 }
 
 TEST_F(StatementTest, RunsSeveralStatementsUpToTheFirstThatFails) {
-  EXPECT_FALSE(executeStatements(database_,
+  EXPECT_FALSE(executeStatements(database,
                                  "INSERT INTO t (a) VALUES (1); INSERT INTO u VALUES "
                                  "(1); INSERT INTO t (a) VALUES (2)"));
-  EXPECT_EQ(numberFrom(database_, "SELECT count(*) FROM t", -1), 1);
+  EXPECT_EQ(numberFrom(database, "SELECT count(*) FROM t", -1), 1);
 }
 
 TEST_F(StatementTest, GivesTheOtherNumberWhereAQueryGivesNone) {
-  EXPECT_EQ(numberFrom(database_, "SELECT a FROM t", 7), 7);
-  EXPECT_EQ(numberFrom(database_, "SELECT a FROM u", 8), 8);
+  EXPECT_EQ(numberFrom(database, "SELECT a FROM t", 7), 7);
+  EXPECT_EQ(numberFrom(database, "SELECT a FROM u", 8), 8);
 }
 
 }  // namespace
