@@ -397,9 +397,9 @@ LimitsTheMemoryOfAFile() {
   step_file in/large.stp 1
   truncate -s 200M in/large.stp # its last line is longer than the limit
   step_file in/small.stp 1
-  run 1 in -o out --memory-limit 120M
+  run 1 in -o out --memory-limit 160M
   expect_line stdout 'Converted: 1 (1 triangles)'
-  grep -q 'large.stp: memory limit of 125829120 bytes' stdout || fail 'no reason'
+  grep -q 'large.stp: memory limit of 167772160 bytes' stdout || fail 'no reason'
 }
 
 SaysThatAConvertedFileEndsInTheMiddle() {
