@@ -32,22 +32,33 @@ struct IndexTriple {
 /// reserving memory only.
 [[nodiscard]] std::size_t maxTripleCount(std::string_view list);
 
-/// Skips blanks: exactly space, horizontal tab, carriage return and line feed.
+/// Whether a character is a blank: exactly space, horizontal tab, carriage return and line feed.
+constexpr bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+/// Skips blanks.
 inline void skipWhitespace(StepCursor& cursor) {
-  const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
   while (cursor.pos < cursor.text.size() && isBlank(cursor.text[cursor.pos])) {
     ++cursor.pos;
   }
 }
 
 /// Whether `c` comes next, behind blanks, which are skipped.
-[[nodiscard]] inline bool nextIs(StepCursor& cursor, char c) {
+[[nodiscard]] [[gnu::always_inline]] inline bool nextIs(StepCursor& cursor, char c) {
+  const auto isHere = [&cursor, c] {
+    return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
+  };
+  // Mostly there are no blanks.
+  if (!isBlank(c) && isHere()) {
+    return true;
+  }
   skipWhitespace(cursor);
-  return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
+  return !isBlank(c) && isHere();
 }
 
 /// Skips blanks and then `c`, if it comes next.
-inline void consumeIf(StepCursor& cursor, char c) {
+[[gnu::always_inline]] inline void consumeIf(StepCursor& cursor, char c) {
   if (nextIs(cursor, c)) {
     ++cursor.pos;
   }
