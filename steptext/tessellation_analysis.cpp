@@ -37,14 +37,23 @@ std::string_view typeOf(std::string_view text) {
   return text.substr(0, text.find('('));
 }
 
-NameViews entitiesStartingWith(const EntityTable& table, std::string_view start) {
-  NameViews names;
+/// The shape representations of a file.
+struct Representations {
+  NameViews tessellated;
+  NameViews exact;  // plain ones only
+};
+
+Representations representationsOf(const EntityTable& table) {
+  Representations found;
   for (const auto& [name, text] : table) {
-    if (text.starts_with(start)) {
-      names.insert(names.end(), name);
+    const char first = text.empty() ? '\0' : text.front();
+    if (first == 'T' && text.starts_with("TESSELLATED_SHAPE_REPRESENTATION(")) {
+      found.tessellated.insert(found.tessellated.end(), name);
+    } else if (first == 'S' && text.starts_with("SHAPE_REPRESENTATION(")) {
+      found.exact.insert(found.exact.end(), name);
     }
   }
-  return names;
+  return found;
 }
 
 /// Adds the tessellated representation that one relationship pairs with an exact one, if it does.
@@ -108,11 +117,10 @@ InstanceNames facesToParse(const EntityTable& table, const InstanceNames& repres
 
 TessellationAnalysis analyzeTessellation(const EntityTable& table) {
   TessellationAnalysis analysis;
-  const NameViews tessellated = entitiesStartingWith(table, "TESSELLATED_SHAPE_REPRESENTATION(");
+  const auto [tessellated, exact] = representationsOf(table);
   if (tessellated.empty()) {
     return analysis;
   }
-  const NameViews exact = entitiesStartingWith(table, "SHAPE_REPRESENTATION(");
   analysis.pairedReps = pairedRepresentations(table, exact, tessellated);
   for (const std::string_view name : tessellated) {
     if (!analysis.pairedReps.contains(name)) {

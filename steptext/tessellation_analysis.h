@@ -30,7 +30,7 @@ struct TessellationAnalysis {
 /// representation are looked for in its tessellated solids (ISO 10303-42) and nowhere else.
 ///
 /// Errors  none: texts and references that fit nothing are passed over.
-/// Cost    up to three walks over the table, the third one through every text.
+/// Cost    up to two walks over the table, the second one through every text.
 TessellationAnalysis analyzeTessellation(const EntityTable& table);
 
 }  // namespace plenvorith
