@@ -8,6 +8,31 @@
 #endif
 
 namespace plenvorith {
+namespace {
+
+/// What the standard library asks for: a class.
+class LargePages : public std::pmr::memory_resource {
+  void* do_allocate(std::size_t size, std::size_t alignment) override {
+    void* const memory = std::pmr::new_delete_resource()->allocate(size, alignment);
+    preferLargePages(memory, size);
+    return memory;
+  }
+
+  void do_deallocate(void* memory, std::size_t size, std::size_t alignment) override {
+    std::pmr::new_delete_resource()->deallocate(memory, size, alignment);
+  }
+
+  [[nodiscard]] bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
+    return this == &other;
+  }
+};
+
+}  // namespace
+
+std::pmr::memory_resource* largePagesResource() {
+  static LargePages resource;
+  return &resource;
+}
 
 void preferLargePages(void* start, std::size_t size) {
 #ifdef __linux__

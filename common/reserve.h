@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory_resource>
 #include <vector>
 
 namespace plenvorith {
@@ -19,5 +20,9 @@ void reserveLarge(std::vector<Item>& items, std::size_t count) {
   items.reserve(count);
   preferLargePages(items.data(), items.capacity() * sizeof(Item));
 }
+
+/// Memory from operator new, its large blocks in large pages: what resources that hand out many
+/// small pieces can take theirs from.
+std::pmr::memory_resource* largePagesResource();
 
 }  // namespace plenvorith

@@ -3,18 +3,24 @@
 #include <iterator>
 
 #include "common/block_reader.h"
+#include "common/reserve.h"
 #include "steptext/entity_start.h"
 #include "steptext/line_reader.h"
 
 namespace plenvorith {
+
+EntityTable::EntityTable()
+    : nodes_(std::make_unique<std::pmr::monotonic_buffer_resource>(largePagesResource())),
+      entities_(std::pmr::polymorphic_allocator<>(nodes_.get()).new_object<Map>()),
+      last_(entities_->end()) {}
 
 void EntityTable::addText(std::size_t nameLength) {
   const std::string_view entity = texts_.text();
   const std::string_view name = entity.substr(0, nameLength);
   // The best hint is behind the entity added before: most files number their entities upwards, and
   // the place of a number is then right there.
-  const auto hint = entities_.empty() ? entities_.end() : std::next(last_);
-  last_ = entities_.insert_or_assign(hint, name, entity.substr(nameLength + 1));
+  const auto hint = entities_->empty() ? entities_->end() : std::next(last_);
+  last_ = entities_->insert_or_assign(hint, name, entity.substr(nameLength + 1));
 }
 
 void readEntityTable(EntityTable& table, const std::string& path) {

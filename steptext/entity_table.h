@@ -24,23 +24,23 @@ class EntityTable {
   using Map = std::pmr::map<std::string_view, std::string_view>;
   using Iterator = Map::const_iterator;
 
-  EntityTable() = default;
+  EntityTable();
   EntityTable(EntityTable&&) = default;
 
   [[nodiscard]] Iterator begin() const {
-    return entities_.begin();
+    return entities_->begin();
   }
   [[nodiscard]] Iterator end() const {
-    return entities_.end();
+    return entities_->end();
   }
   [[nodiscard]] Iterator find(std::string_view name) const {
-    return entities_.find(name);
+    return entities_->find(name);
   }
   [[nodiscard]] std::size_t size() const {
-    return entities_.size();
+    return entities_->size();
   }
   [[nodiscard]] bool empty() const {
-    return entities_.empty();
+    return entities_->empty();
   }
 
   /// Where the texts of entities are put together before they are added.
@@ -54,11 +54,11 @@ class EntityTable {
 
  private:
   TextArena texts_;
-  // The nodes of the map, one behind the other; a map of millions goes at once with it.
-  std::unique_ptr<std::pmr::monotonic_buffer_resource> nodes_ =
-      std::make_unique<std::pmr::monotonic_buffer_resource>();
-  Map entities_{nodes_.get()};
-  Map::iterator last_ = entities_.end();  // added
+  // Holds the map, too, which is never destroyed: there is nothing to do for any node, and millions
+  // of them go at once with this.
+  std::unique_ptr<std::pmr::monotonic_buffer_resource> nodes_;  // one behind the other
+  Map* entities_ = nullptr;
+  Map::iterator last_;  // added
 };
 
 /// Reads the entities of a STEP file into a table, by physical lines and without a grammar.

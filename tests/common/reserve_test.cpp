@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <memory_resource>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -93,6 +94,20 @@ TEST(ReserveLarge, MakesRoomAndKeepsTheItems) {
   reserveLarge(items, 10'000'000);
   EXPECT_GE(items.capacity(), 10'000'000U);
   EXPECT_EQ(items, (std::vector<int>{1, 2, 3}));
+}
+
+TEST(LargePagesResource, AdvisesLargeBlocksOnly) {
+  if (!hasLargePages()) {
+    GTEST_SKIP() << "the system has no large pages";
+  }
+  std::pmr::memory_resource* const resource = largePagesResource();
+  EXPECT_EQ(resource, largePagesResource());
+  void* const small = resource->allocate(1000, 8);
+  void* const large = resource->allocate(16 * kMebibyte, 64);
+  EXPECT_TRUE(isAdvised(static_cast<char*>(large) + 8 * kMebibyte));
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(large) % 64, 0U);
+  resource->deallocate(small, 1000, 8);
+  resource->deallocate(large, 16 * kMebibyte, 64);
 }
 
 }  // namespace
