@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <deque>
 #include <string_view>
 
 #include "common/ascii.h"
@@ -129,7 +130,9 @@ class Expander {
     return result.mayHaveNormals && result.samples.size() < maxSamples_;
   }
 
-  std::vector<std::uint32_t> mapping_;  // 0: outside the coordinates list
+  // 0: outside the coordinates list. As it grows, nothing of it is copied, which would take two to
+  // three times the memory.
+  std::deque<std::uint32_t> mapping_;
   Index pointCount_;
   bool isMirrored_;
   std::size_t maxSamples_;

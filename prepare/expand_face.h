@@ -44,7 +44,7 @@ struct ExpandedFace {
 /// Order   of a strip (s1,s2,s3), (s2,s4,s3), (s3,s4,s5), ...; of a fan (f1,f2,f3), (f1,f3,f4), ...
 ///         Triangles with two equal indices, mapped or not, are left out: those of strips and fans
 ///         join parts of them, and a triple would be taken for such a joint the next time.
-/// Memory  for the index mapping of the face (pnindex).
+/// Memory  four bytes for an entry of the index mapping of the face (pnindex).
 [[nodiscard]] ExpandedFace expandFace(StatementReader& reader, const EntityType& type,
                                       std::uint64_t pointCount, const FaceTarget& target,
                                       OutputFile* output);

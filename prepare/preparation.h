@@ -14,7 +14,8 @@ namespace plenvorith {
 /// Gives   the exit status: 0, the file is written and holds geometry; 1, an error, no file is
 ///         written; 3, the file is written and holds no geometry.
 /// Prints  a report on standard output; on an error, what is wrong on standard error.
-/// Memory  some 20 bytes for an instance of exact geometry, more for others; never a whole list.
+/// Memory  some 20 bytes for an instance of exact geometry, more for others; of lists only the index
+///         mapping of one face at a time, four bytes an entry.
 [[nodiscard]] int prepareFile(const std::string& inputPath, const std::string& outputPath);
 
 }  // namespace plenvorith
