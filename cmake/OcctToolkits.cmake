@@ -36,5 +36,28 @@ function(plenvorith_occt_target name)
   endforeach()
 endfunction()
 
+# plenvorith_occt_order(<target>)
+#
+# Lets a program start faster. At its start some 40,000 symbols are looked up in one library after the
+# other, in the order in which the program names them; here those that define most of what is looked
+# up come first. The program loads no library that it would not load without this.
+function(plenvorith_occt_order target)
+  set(ordered "")
+  foreach(toolkit IN ITEMS TKSTEPBase TKSTEP TKDESTEP TKXSBase TKMath TKSTEPAttr TKGeomAlgo TKGeomBase
+                           TKernel TKG3d TKTopAlgo TKShHealing)
+    find_library(
+      occt_${toolkit} ${toolkit}
+      PATHS ${OpenCASCADE_LIBRARY_DIR}
+      NO_DEFAULT_PATH)
+    mark_as_advanced(occt_${toolkit})
+    if(occt_${toolkit})
+      list(APPEND ordered ${occt_${toolkit}})
+    endif()
+  endforeach()
+  # As options these stand in front of all libraries.
+  target_link_options(${target} PRIVATE LINKER:--push-state,--no-as-needed ${ordered}
+                                        LINKER:--pop-state)
+endfunction()
+
 plenvorith_occt_target(occt ${occt_data_exchange} TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel)
 message(STATUS "Open CASCADE ${occt_version} in ${OpenCASCADE_LIBRARY_DIR}")
