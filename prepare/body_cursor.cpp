@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/ascii.h"
+
 namespace plenvorith {
 
 void BodyCursor::refill() {
@@ -23,10 +25,12 @@ std::string BodyCursor::takeKeyword() {
   return keyword;
 }
 
-/// Goes over a list of lists of numbers, as normals are, which only "))" can end.
-void BodyCursor::skipNumberLists() {
-  if (peek() != '(' || end_ - p_ < 3 || p_[1] != '(' || p_[2] == '(') {
-    return;
+/// Goes over a list of lists of numbers, as normals are. Gives how many parentheses are still open
+/// where something else follows.
+std::size_t BodyCursor::skipNumberLists() {
+  const auto startsNumber = [](char c) { return isDigit(c) || c == '-' || c == '+' || c == '.'; };
+  if (peek() != '(' || end_ - p_ < 3 || p_[1] != '(' || !startsNumber(p_[2])) {
+    return 0;
   }
   p_ += 2;
   while (end_ - p_ > 1) {
@@ -39,17 +43,20 @@ void BodyCursor::skipNumberLists() {
     p_ = static_cast<const char*>(found) + 1;
     if (*p_ == ')') {
       ++p_;
-      return;
+      return 0;
     }
     if (end_ - p_ < kLookahead) {
       (void)peek();
     }
+    if (end_ - p_ < 3 || p_[0] != ',' || p_[1] != '(' || !startsNumber(p_[2])) {
+      return 1;
+    }
   }
+  return 2;
 }
 
 void BodyCursor::skipParameter() {
-  skipNumberLists();
-  std::size_t depth = 0;
+  std::size_t depth = skipNumberLists();
   for (char c = peek(); p_ != end_; c = peek()) {
     if (c == '\'' || c == '"') {
       // A string is whole in what is handed out; a binary need not be.

@@ -77,7 +77,7 @@ class BodyCursor {
     begin_ = p_;
   }
   void refill();
-  void skipNumberLists();
+  std::size_t skipNumberLists();
 
   StatementReader& reader_;
   bool isWhole_ = false;  // nothing comes behind what can be looked at
