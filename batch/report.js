@@ -222,7 +222,9 @@
     },
     volume: (file, cell) => cell.append(digits(file.volume)),
     memory: (file, cell) => cell.append(bytes(file.record.peakMemory)),
-    reason: (file, cell) => cell.append(file.reason),
+    // An option is not broken between its dashes.
+    reason: (file, cell) => cell.append(...file.reason.split(/(--[a-z-]+)/).map((part) =>
+      (part.startsWith('--') ? element('span', { className: 'option' }, part) : part))),
   };
 
   function details(file) {
