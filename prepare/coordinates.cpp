@@ -52,9 +52,10 @@ bool writePlaced(const std::array<double, 3>& point, const Placement& placement,
   return true;
 }
 
-/// Writes the points that are whole in what the cursor can look at, one at least. False if there is
-/// none or one cannot be placed.
-bool writePoints(BodyCursor& cursor, const Placement* placement, OutputFile& output) {
+/// Writes the points that are whole in what the cursor can look at, one at least, and adds their
+/// number. False if there is none or one cannot be placed.
+bool writePoints(BodyCursor& cursor, const Placement* placement, OutputFile& output,
+                 std::uint64_t& count) {
   (void)cursor.peek();
   const char* const begin = cursor.position();
   const char* const last = cursor.end();
@@ -74,6 +75,7 @@ bool writePoints(BodyCursor& cursor, const Placement* placement, OutputFile& out
         return false;
       }
     }
+    ++count;
     written = next;
     p = next + 1;
   } while (last - p > BodyCursor::kLookahead && written[0] == ',');
@@ -94,10 +96,11 @@ bool writeCoordinates(StatementReader& reader, std::uint64_t name, std::uint64_t
   output.put(pointCount);
   output.put(",(");
   BodyCursor cursor(reader);
+  std::uint64_t count = 0;
   bool isRead = goToPoints(cursor) && cursor.take('(');
   if (isRead && !cursor.take(')')) {
     do {
-      isRead = writePoints(cursor, placement, output);
+      isRead = writePoints(cursor, placement, output, count);
       if (isRead && cursor.peek() == ',') {
         output.put(',');
       }
@@ -105,7 +108,7 @@ bool writeCoordinates(StatementReader& reader, std::uint64_t name, std::uint64_t
     isRead = isRead && cursor.take(')');
   }
   output.put("));\n");
-  return isRead;
+  return isRead && count == pointCount;
 }
 
 }  // namespace plenvorith

@@ -22,8 +22,8 @@ namespace plenvorith {
 ///
 /// Takes   the name of the new list; the number of its points; the placement, or null to write
 ///         every number as it is.
-/// Errors  false if something other than points of three numbers stands in the list, or a number
-///         becomes too large.
+/// Errors  false if something other than points of three numbers stands in the list, there are more
+///         or fewer points, or a number becomes too large.
 /// Memory  none, whatever the length of the list.
 [[nodiscard]] bool writeCoordinates(StatementReader& reader, std::uint64_t name,
                                     std::uint64_t pointCount, const Placement* placement,

@@ -47,6 +47,13 @@ TEST(Coordinates, MalformedOnesAreAnError) {
   }
 }
 
+TEST(Coordinates, ThatEndTooEarlyAreAnError) {
+  const std::string early = "COORDINATES_LIST('',2,((1.,2.,3.)).,(1.,2.,3.)))";
+  EXPECT_EQ(written(early, 2), "error");
+  const Placement twice = scaled(Placement(), 2.0);
+  EXPECT_EQ(written(early, 2, &twice), "error");
+}
+
 TEST(Coordinates, ThatBecomeTooLargeAreAnError) {
   Placement placement;
   placement.m[0][0] = 1e10;

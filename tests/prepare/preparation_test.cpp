@@ -105,6 +105,8 @@ TEST(Preparation, RejectsSomethingElseThanANumberInPartTessellation) {
             "Error: in.stp: no number where one has to be in #10\n");
   EXPECT_EQ(errorOf("COORDINATES_LIST('',1,((1.,2.)))", kFace),
             "Error: in.stp: no number where one has to be in #10\n");
+  EXPECT_EQ(errorOf("COORDINATES_LIST('',3,((1.,2.,3.),(1.,2.,4.)).,(1.,3.,3.)))", kFace),
+            "Error: in.stp: no number where one has to be in #10\n");
   EXPECT_EQ(errorOf(kList, "TRIANGULATED_FACE('',#10,1,(),$,(),((1,$,1)))"),
             "Error: in.stp: no number where one has to be in #11\n");
 }
