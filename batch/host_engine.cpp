@@ -226,20 +226,17 @@ std::vector<Finished> stopEngine(HostEngine& engine) {
   constexpr int kPatience = 10000;  // milliseconds
   constexpr int kLook = 100;
   bool isAlive = true;
-  for (int waited = 0; isAlive && waited < kPatience;) {
-    pollfd event{engine.parallel.output, POLLIN, 0};
-    if (poll(&event, 1, kLook) <= 0) {
+  for (int waited = 0; waited < kPatience;) {
+    const bool hasEnded = waitpid(engine.parallel.process, nullptr, WNOHANG) != 0;
+    pollfd event{isAlive ? engine.parallel.output : -1, POLLIN, 0};
+    if (poll(&event, 1, hasEnded ? 0 : kLook) > 0) {
+      std::vector<Finished> some = collectFromHosts(engine, isAlive);
+      std::move(some.begin(), some.end(), std::back_inserter(all));
+    } else if (hasEnded) {
+      break;
+    } else {
       waited += kLook;
-      continue;
     }
-    std::vector<Finished> some = collectFromHosts(engine, isAlive);
-    std::move(some.begin(), some.end(), std::back_inserter(all));
-  }
-  // Nothing more comes, but it may still be busy with its own end.
-  for (int waited = 0;
-       waited < kPatience && waitpid(engine.parallel.process, nullptr, WNOHANG) == 0;
-       waited += kLook) {
-    (void)poll(nullptr, 0, kLook);
   }
   endTool(engine.parallel);
   return all;
