@@ -47,6 +47,11 @@ bool BlockReader::next(std::string_view& block, std::size_t kept) {
   return size_ > kept;
 }
 
+std::size_t BlockReader::readInto(std::span<char> to) {
+  size_ = 0;
+  return isOpen() ? read(to.data(), to.size()) : 0;
+}
+
 bool BlockReader::seek(std::uint64_t offset) {
   if (!isOpen() || offset > LONG_MAX ||
       std::fseek(file_.get(), static_cast<long>(offset), SEEK_SET) != 0) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,12 @@ class BlockReader {
   /// behind them; valid until the next call. At the end of the file the result is false and the
   /// block what was kept.
   [[nodiscard]] bool next(std::string_view& block, std::size_t kept = 0);
+
+  /// Reads what comes next in the file into `to`, as many bytes as there is room for or as are left.
+  /// Blocks that `next` gave stay what they are; nothing of them can be kept any more.
+  ///
+  /// Gives  how many; none at the end of the file.
+  [[nodiscard]] std::size_t readInto(std::span<char> to);
 
   /// Whether what ended the file was an error.
   [[nodiscard]] bool hasFailed() const {

@@ -14,6 +14,13 @@ constexpr std::size_t kSmallestBlock = std::size_t{1} << 16;
 
 }  // namespace
 
+void TextArena::dropFirst(std::size_t size) {
+  if (size > 0) {
+    end_ = std::copy(start_ + size, end_, start_);
+    room_ += size;
+  }
+}
+
 /// Makes room for `more` bytes behind the text, which moves.
 void TextArena::moveToNewBlock(std::size_t more) {
   const std::string_view moved = text();

@@ -50,7 +50,12 @@ class EntityTable {
 
   /// Adds the entity that the text at hand in `texts` holds: its name, which has `nameLength`
   /// characters, "=" and its text. Of several entities with one name the last one stays.
-  void addText(std::size_t nameLength);
+  void addText(std::size_t nameLength) {
+    add(texts_.text(), nameLength);
+  }
+
+  /// Adds the entity that is the beginning of that text.
+  void add(std::string_view entity, std::size_t nameLength);
 
  private:
   TextArena texts_;

@@ -59,6 +59,29 @@ TEST(BlockReader, HandsOutTheFileInBlocks) {
   }
 }
 
+TEST(BlockReader, ReadsIntoOtherMemory) {
+  MemoryFile memory;
+  const std::string content = bytes(3 * kBlock);
+  BlockReader file(memory.write(content));
+  std::string_view block;
+  ASSERT_TRUE(file.next(block));
+  std::string read(block);
+  // Of memory of just this size, so that a sanitizer sees what is written behind its end.
+  for (const std::size_t size : {std::size_t{0}, std::size_t{1}, 2 * kBlock - 11}) {
+    std::vector<char> room(size);
+    ASSERT_EQ(file.readInto(room), size);
+    read.append(room.begin(), room.end());
+  }
+  std::vector<char> room(100);
+  EXPECT_EQ(file.readInto(room), 10U);
+  read.append(room.begin(), room.begin() + 10);
+  EXPECT_EQ(file.readInto(room), 0U);
+  EXPECT_TRUE(read == content);
+  EXPECT_FALSE(file.hasFailed());
+  BlockReader missing("/nowhere/at/all");
+  EXPECT_EQ(missing.readInto(room), 0U);
+}
+
 TEST(BlockReader, IsAtItsEndForGood) {
   MemoryFile memory;
   BlockReader file(memory.write("abc"));

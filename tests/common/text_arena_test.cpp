@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,8 +25,6 @@ TEST(TextArena, LetsATextGrow) {
   arena.append("");
   arena.append(",B;\r");
   EXPECT_EQ(arena.text(), "#1=A,B;\r");
-  arena.dropLast();
-  EXPECT_EQ(arena.text(), "#1=A,B;");
   arena.begin();
   EXPECT_EQ(arena.text(), "");
 }
@@ -39,6 +38,28 @@ TEST(TextArena, PutsTextsOneBehindTheOther) {
   arena.begin();
   arena.append("de");
   EXPECT_EQ(arena.text().data(), first.data() + first.size());
+}
+
+TEST(TextArena, LetsTextsBeMadeInPlace) {
+  TextArena arena;
+  const std::string bytes = "none#1=A#2=B";
+  const std::span<char> room = arena.room(bytes.size());
+  ASSERT_GE(room.size(), bytes.size());
+  bytes.copy(room.data(), bytes.size());
+  EXPECT_EQ(arena.text(), "");
+  arena.grow(bytes.size());
+  EXPECT_EQ(arena.text(), bytes);
+  arena.dropFirst(4);
+  EXPECT_EQ(arena.text(), "#1=A#2=B");
+  const std::string_view first = arena.text().substr(0, 4);
+  arena.beginAt(4);
+  EXPECT_EQ(arena.text(), "#2=B");
+  arena.data()[3] = 'C';
+  // The text that is not done moves, the one that is stays.
+  const std::size_t more = arena.room(1).size() + 1;
+  arena.grow(arena.room(more).size() > 0 ? 1 : 0);
+  EXPECT_EQ(arena.text().substr(0, 4), "#2=C");
+  EXPECT_EQ(first, "#1=A");
 }
 
 /// Texts of many lengths, in pieces, with what they have to be in the end.

@@ -1,11 +1,16 @@
 #include "steptext/entity_table.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <random>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "tests/reference/reference_entity_table.h"
 #include "tests/support/step_text.h"
@@ -16,6 +21,7 @@ namespace {
 
 using test::EntityTexts;
 using test::forEveryString;
+using test::pick;
 using test::randomText;
 using test::referenceEntityTable;
 using test::tableOf;
@@ -182,6 +188,46 @@ TEST(EntityTable, ReadsLinesOfEveryLengthRoundPowersOfTwo) {
 }
 
 constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
+
+/// Some megabytes of entities of one line or several, with every kind of line end.
+std::string manyEntities() {
+  std::mt19937 random(3);
+  std::string content = "HEADER;\n";
+  for (int number = 1; content.size() < 3'000'000; ++number) {
+    content += "#" + std::to_string(number) + "=";
+    for (std::size_t lines = 1 + pick(random, 4); lines > 0; --lines) {
+      content.append(pick(random, pick(random, 50) == 0 ? 5000 : 100), 'A');
+      content += pick(random, 20) == 0 ? "\rB" : "";
+      content += pick(random, 3) == 0 ? "\r\n" : "\n";
+    }
+  }
+  return content;
+}
+
+TEST(EntityTable, ReadsLinesAcrossTheBordersOfBlocks) {
+  const std::string content = manyEntities();
+  EXPECT_TRUE(tableOf(content) == referenceEntityTable(content));
+}
+
+TEST(EntityTable, ReadsAPipeThatTellsNoSize) {
+  const std::string content = manyEntities();
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  std::thread writer([&] {
+    std::string_view rest = content;
+    while (!rest.empty()) {
+      const ssize_t count =
+          ::write(ends[1], rest.data(), std::min<std::size_t>(rest.size(), 10'007));
+      rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+    close(ends[1]);
+  });
+  EntityTable table;
+  readEntityTable(table, "/proc/self/fd/" + std::to_string(ends[0]));
+  writer.join();
+  close(ends[0]);
+  EXPECT_TRUE(test::textsIn(table) == referenceEntityTable(content));
+}
 
 TEST(EntityTable, KeepsTheLastOfSeveralLongEntitiesWithOneName) {
   const std::string longer(2 * kMebibyte, 'y');
