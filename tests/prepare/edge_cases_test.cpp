@@ -1,5 +1,6 @@
 // Each warning, and cases at the edge of the rules, on whole files.
 
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -112,21 +113,22 @@ TEST(EdgeCases, NothingIsLeftOfTessellationWithoutATriangleAlone) {
 
 TEST(EdgeCases, MorePlacementsThanCanBeKeptAreAnError) {
   // Each level maps the one below 256 times, so three of them are 16.8 million.
-  std::string levels = "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n#51=CARTESIAN_POINT('',(0.,0.,1.));\n";
-  std::string below = "#13";
-  for (int level = 1; level <= 3; ++level) {
-    const std::string map = '#' + std::to_string(1000 * level);
-    levels += map + "=REPRESENTATION_MAP(#50," + below + ");\n";
-    std::string items;
+  std::ostringstream levels;
+  levels << "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n#51=CARTESIAN_POINT('',(0.,0.,1.));\n";
+  int below = 13;
+  for (int map = 1000; map <= 3000; map += 1000) {
+    levels << '#' << map << "=REPRESENTATION_MAP(#50,#" << below << ");\n";
+    below = map + 900;
     for (int i = 1; i <= 256; ++i) {
-      const std::string item = '#' + std::to_string(1000 * level + i);
-      levels += item + "=MAPPED_ITEM(''," + map + ",#50);\n";
-      items += (i == 1 ? "" : ",") + item;
+      levels << '#' << map + i << "=MAPPED_ITEM('',#" << map << ",#50);\n";
     }
-    below = '#' + std::to_string(1000 * level + 900);
-    levels += below + "=SHAPE_REPRESENTATION('',(" + items + "),#2);\n";
+    levels << '#' << below << "=SHAPE_REPRESENTATION('',(#" << map + 1;
+    for (int i = 2; i <= 256; ++i) {
+      levels << ",#" << map + i;
+    }
+    levels << "),#2);\n";
   }
-  const Prepared result = prepared({kUnit, kBody, kRepresentation, levels});
+  const Prepared result = prepared({kUnit, kBody, kRepresentation, levels.str()});
   EXPECT_EQ(result.err, "Error: in.stp: too many placements\n");
   EXPECT_EQ(result.exitStatus, 1);
   EXPECT_EQ(result.files, 1U);
@@ -147,18 +149,18 @@ TEST(Warnings, NoUnit) {
 }
 
 TEST(Warnings, UsageWithoutAPlacement) {
-  EXPECT_THAT(prepared({kUnit, kBody, kRepresentation, kProduct,
-                        "#30=PRODUCT_DEFINITION('','',#98,#99);\n"
-                        "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"})
-                  .out,
-              HasSubstr("  Warning: a usage of a product has no placement, none is taken\n"));
+  EXPECT_THAT(
+      prepared({kUnit, kBody, kRepresentation, kProduct, "#30=PRODUCT_DEFINITION('','',#98,#99);\n",
+                "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"})
+          .out,
+      HasSubstr("  Warning: a usage of a product has no placement, none is taken\n"));
 }
 
 TEST(Warnings, ProductInsideItself) {
-  const Prepared result = prepared({kUnit, kBody, kRepresentation, kProduct,
-                                    "#30=PRODUCT_DEFINITION('','',#98,#99);\n"
-                                    "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"
-                                    "#32=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#20,#30,$);\n"});
+  const Prepared result =
+      prepared({kUnit, kBody, kRepresentation, kProduct, "#30=PRODUCT_DEFINITION('','',#98,#99);\n",
+                "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n",
+                "#32=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#20,#30,$);\n"});
   EXPECT_THAT(result.out, HasSubstr("  Warning: a product is part of itself\n"));
   EXPECT_EQ(result.exitStatus, 0);
 }

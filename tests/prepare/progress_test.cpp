@@ -73,6 +73,13 @@ class Terminal {
   std::string text_;
 };
 
+/// As many as make a file a large one.
+std::string blanks() {
+  std::string text;
+  text.resize(50'000'000, ' ');
+  return text;
+}
+
 TEST(Progress, IsALineThatIsWrittenOverAndWiped) {
   Terminal terminal;
   {
@@ -103,8 +110,8 @@ TEST(Progress, OfSmallFilesIsNotShown) {
 
 TEST(Progress, IsWipedBeforeAnythingElseIsPrinted) {
   const test::TempDir directory;
-  const std::string input = test::writeFile(
-      directory / "in.stp", std::string(50'000'000, ' ') + test::stepFile("#1=A();\n"));
+  const std::string input =
+      test::writeFile(directory / "in.stp", blanks() + test::stepFile("#1=A();\n"));
   Terminal terminal;
   EXPECT_EQ(prepareFile(input, directory / "out.stp"), 3);
   const std::string text = terminal.text();
@@ -115,8 +122,8 @@ TEST(Progress, IsWipedBeforeAnythingElseIsPrinted) {
 
 TEST(Progress, IsWipedBeforeAnError) {
   const test::TempDir directory;
-  const std::string input = test::writeFile(
-      directory / "in.stp", "ISO-10303-21;" + std::string(50'000'000, ' ') + "DATA;#1=A(");
+  const std::string input =
+      test::writeFile(directory / "in.stp", "ISO-10303-21;" + blanks() + "DATA;#1=A(");
   Terminal terminal;
   EXPECT_EQ(prepareFile(input, directory / "out.stp"), 1);
   EXPECT_THAT(terminal.text(), testing::EndsWith("Reading 100 %\r             \rError: " + input +
