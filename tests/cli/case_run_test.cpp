@@ -14,7 +14,6 @@
 namespace plenvorith::test {
 namespace {
 
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
