@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -14,7 +15,7 @@ namespace {
 constexpr off_t kReadable = 200'000;
 
 int descriptorOf(void* cookie) {
-  return static_cast<int>(reinterpret_cast<long>(cookie));
+  return *static_cast<int*>(cookie);
 }
 
 ssize_t readUpToTheLimit(void* cookie, char* buffer, size_t size) {
@@ -33,21 +34,22 @@ int seekTo(void* cookie, off64_t* place, int whence) {
 }
 
 int closeIt(void* cookie) {
-  return close(descriptorOf(cookie));
+  const std::unique_ptr<int> descriptor(static_cast<int*>(cookie));
+  return close(*descriptor);
 }
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): <stdio.h> has reserved names
 extern "C" FILE* fopen(const char* path, const char* mode) {
   if (std::strcmp(path, "failing.step") != 0) {
     const auto next =
         reinterpret_cast<FILE* (*)(const char*, const char*)>(dlsym(RTLD_NEXT, "fopen"));
     return next(path, mode);
   }
-  const long descriptor = open(path, O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) {
+  auto descriptor = std::make_unique<int>(open(path, O_RDONLY | O_CLOEXEC));
+  if (*descriptor < 0) {
     return nullptr;
   }
-  return fopencookie(reinterpret_cast<void*>(descriptor), mode,
-                     {readUpToTheLimit, nullptr, seekTo, closeIt});
+  return fopencookie(descriptor.release(), mode, {readUpToTheLimit, nullptr, seekTo, closeIt});
 }
