@@ -12,8 +12,15 @@
 namespace plenvorith {
 
 const char* const kEndsInTheMiddle = "ends in the middle (no END-ISO-10303-21)";
+const char* const kDiskFull = "disk full";
 
 namespace {
+
+bool diskWasFull(const ChildEnd& end) {
+  // The system counts in blocks, and a file system may keep some of them back.
+  constexpr std::int64_t kHardlyAny = std::int64_t{64} << 10;
+  return end.leastSpace < kHardlyAny;
+}
 
 bool says(const Evidence& evidence, std::string_view words) {
   return evidence.transcript.find(words) != std::string::npos;
@@ -47,7 +54,7 @@ std::string limitReason(const Evidence& evidence) {
     return "time limit of " + std::to_string(evidence.settings.timeLimit.count()) + " s";
   }
   if (diskWasFull(evidence.end) || says(evidence, "No space left on device")) {
-    return "disk full";
+    return kDiskFull;
   }
   if (isOutOfMemory(evidence)) {
     const std::int64_t limit = evidence.settings.memoryLimit;
@@ -107,12 +114,6 @@ std::string preparationReason(const Evidence& evidence) {
 }
 
 }  // namespace
-
-bool diskWasFull(const ChildEnd& end) {
-  // The system counts in blocks, and a file system may keep some of them back.
-  constexpr std::int64_t kHardlyAny = std::int64_t{64} << 10;
-  return end.leastSpace < kHardlyAny;
-}
 
 bool madeCopy(const std::string& transcript) {
   return transcript.find("[PREPROCESS] ") != std::string::npos;

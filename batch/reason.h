@@ -21,14 +21,13 @@ struct Evidence {
 /// Why a conversion failed, in words that a person can act on.
 std::string reasonFor(const Evidence& evidence);
 
-/// Whether the disk was full while a file was converted. A program may not notice: the copy that
-/// the converter makes of an input with tessellation is not checked.
-bool diskWasFull(const ChildEnd& end);
-
 /// Whether the transcript tells that the converter made a copy of its input.
 bool madeCopy(const std::string& transcript);
 
 /// What is said of a converted file that is not whole.
 extern const char* const kEndsInTheMiddle;
+
+/// What is said where there was no room, or where a copy may have met that.
+extern const char* const kDiskFull;
 
 }  // namespace plenvorith

@@ -94,9 +94,12 @@ void noteEnd(const ChildEnd& end, JobResult& result) {
 }
 
 /// Whether the copy of the input that the converter made may have been cut short, which it does not
-/// notice.
-bool mayLackPartsOfCopy(const ChildEnd& end, const std::string& transcript) {
-  return madeCopy(transcript) && diskWasFull(end);
+/// notice. Between two looks at the disk other conversions may have filled it and left it again, so
+/// there has to be room to spare whenever it is looked at.
+bool mayLackPartsOfCopy(const ChildEnd& end, const std::string& transcript, std::int64_t copied) {
+  constexpr std::int64_t kSpare = std::int64_t{1} << 20;
+  constexpr std::int64_t kCopies = 8;
+  return madeCopy(transcript) && end.leastSpace < kCopies * copied + kSpare;
 }
 
 bool isSame(const InputIdentity& a, const std::optional<InputIdentity>& b) {
@@ -106,9 +109,10 @@ bool isSame(const InputIdentity& a, const std::optional<InputIdentity>& b) {
 /// Decides what became of the file once its conversion has ended.
 void judge(const Job& job, const ChildEnd& end, const std::string& transcript, JobResult& result) {
   MadeFiles made = lookAtOutputs(job.outFolder);
-  const bool isWhole = end.exitStatus == 0 && !end.timedOut && made.incomplete.empty() &&
-                       !made.outputs.empty() && !mayLackPartsOfCopy(end, transcript);
-  if (isWhole) {
+  const bool isWhole =
+      end.exitStatus == 0 && !end.timedOut && made.incomplete.empty() && !made.outputs.empty();
+  const bool isDoubtful = isWhole && mayLackPartsOfCopy(end, transcript, result.size);
+  if (isWhole && !isDoubtful) {
     result.isConverted = true;
     result.outputs = std::move(made.outputs);
     result.triangles = made.triangles;
@@ -117,7 +121,9 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
     return;
   }
   result.lastLine = lastLineOf(transcript);
-  result.reason = reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});
+  result.reason =
+      isDoubtful ? kDiskFull
+                 : reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});
 }
 
 /// Paths of a job that are relative are those below the folder where the worker runs.
@@ -181,8 +187,7 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
     return result;
   }
   if (!makeEmptyFolder(job.outFolder) || !makeEmptyFolder(job.temporaryFolder)) {
-    result.reason =
-        errno == ENOSPC ? "disk full" : std::string("no work folder: ") + strerror(errno);
+    result.reason = errno == ENOSPC ? kDiskFull : std::string("no work folder: ") + strerror(errno);
     return result;
   }
   if (identity->isRegular) {
