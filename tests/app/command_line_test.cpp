@@ -8,19 +8,10 @@
 
 #include "tests/support/kernel_shapes.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/triangle_step.h"
 
 namespace plenvorith {
 namespace {
-
-constexpr const char* kTriangle = R"(ISO-10303-21;
-DATA;
-#1=TESSELLATED_SHAPE_REPRESENTATION('',(#2),$);
-#2=TESSELLATED_SOLID('',(#3),$);
-#3=COMPLEX_TRIANGULATED_FACE('',#4,3,(),$,(),((1,2,3)),());
-#4=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));
-ENDSEC;
-END-ISO-10303-21;
-)";
 
 int run(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "plenvorith");
@@ -35,7 +26,7 @@ int run(std::vector<std::string> arguments) {
 
 TEST(RunConverter, GivesTheSameBytesAndLinesEachTimeInOneProcess) {
   const test::TempDir dir;
-  const std::string input = test::writeFile(dir / "in.step", kTriangle);
+  const std::string input = test::writeFile(dir / "in.step", test::kTriangleStep);
   const std::string output = dir / "out.stl";
   std::vector<std::string> printed;
   std::vector<std::string> written;
