@@ -3,11 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "common/block_reader.h"
+#include "prepare/raw_text.h"
+#include "prepare/statement_body.h"
 
 namespace plenvorith {
 
@@ -25,26 +28,24 @@ enum class Statement {
 /// The instances in "&SCOPE ... ENDSCOPE" come one by one, before the one that the scope belongs
 /// to.
 ///
-/// The text of a statement is handed out without blanks, control characters and comments, other
-/// than in strings ('...', an apostrophe inside is doubled) and binaries ("..."), from which line
-/// ends are taken; a reference "#007" is written "#7". A string of more than `kLongestString` bytes
-/// is handed out as an empty one.
+/// What the text of a statement is handed out as, `StatementBody` tells.
 ///
 /// Memory  two blocks, whatever the length of a statement.
 class StatementReader {
  public:
-  /// The kernel's reader refuses a whole file for a string of twice this length.
-  static constexpr std::size_t kLongestString = 8192;
-
-  explicit StatementReader(const std::string& path);
+  explicit StatementReader(const std::string& path) : raw_(path), body_(raw_) {}
+  StatementReader(const StatementReader&) = delete;
+  StatementReader& operator=(const StatementReader&) = delete;
 
   /// Whether the file could be opened.
   [[nodiscard]] bool isOpen() const {
-    return file_.isOpen();
+    return raw_.isOpen();
   }
 
   /// Calls `hook` with the place in the file whenever a block was read.
-  void onBlock(std::function<void(std::uint64_t)> hook);
+  void onBlock(std::function<void(std::uint64_t)> hook) {
+    raw_.onBlock(std::move(hook));
+  }
 
   /// Goes to the next statement, over what is left of this one.
   [[nodiscard]] Statement next();
@@ -70,73 +71,51 @@ class StatementReader {
   /// What is next of the body, up to its semicolon: `size` bytes or more, fewer only if the body
   /// ends with them. Ends in no string. Valid until the reader is used again.
   [[nodiscard]] std::string_view peek(std::size_t size = 1) {
-    if (visible_ - begin_ < size && !bodyEnds_) {
-      fill(size);
-    }
-    return {window_.data() + begin_, visible_ - begin_};
+    return body_.peek(size);
   }
 
   /// Whether `peek` gives all that is left of the body.
   [[nodiscard]] bool isWhole() const {
-    return bodyEnds_;
+    return body_.isWhole();
   }
 
   /// Goes over bytes that `peek` gave.
   void consume(std::size_t size) {
-    begin_ += size;
+    body_.consume(size);
   }
 
   /// Goes over the rest of the body and gives the number of parentheses that open in it, strings
   /// aside that were not handed out yet. Much faster than a look at all of it.
-  [[nodiscard]] std::uint64_t countOpened();
+  [[nodiscard]] std::uint64_t countOpened() {
+    return body_.countOpened();
+  }
 
   /// The number of strings that were emptied in what was handed out so far.
   [[nodiscard]] std::uint64_t emptiedStrings() const {
-    return emptiedStrings_;
+    return body_.emptiedStrings();
   }
 
   /// What is wrong with the file, "a string never ends" for example; empty if nothing is.
   [[nodiscard]] const std::string& error() const {
-    return error_;
+    return raw_.error();
   }
 
  private:
   enum class Section { None, Header, Data, Other };
-  enum class State { Text, Reference, Slash, Comment, Star, String, Apostrophe, Binary };
 
-  bool readBlock();
-  bool ensureRaw(std::size_t count);
-  int peekRaw();
-  void skipRawComment();
+  void fail(const char* what);
   bool findStart();
+  std::optional<Statement> takeNamed();
+  std::optional<Statement> takeWord();
   bool readName();
   void readWord();
+  bool enterSection();
   bool endScope();
   Statement startInstance();
-  void startBody();
-  std::uint64_t skipBody();
-  void fill(std::size_t size);
-  void makeRoom(std::size_t size);
-  void normalise(std::size_t size);
-  bool normaliseSpecial(char c);
-  void endString();
-  void fail(const char* what);
-  void failUnended();
+  void skipStatement();
 
-  BlockReader file_;
-  std::function<void(std::uint64_t)> hook_;
-  std::string_view raw_;         // a block of the file
-  std::size_t rawBegin_ = 0;     // of what has not been looked at
-  std::uint64_t rawOffset_ = 0;  // of the block's end in the file
-  std::vector<char> window_;     // of the body
-  std::size_t begin_ = 0;        // of what has not been consumed
-  std::size_t visible_ = 0;      // end of what is handed out
-  std::size_t end_ = 0;          // end of what is written, an unended string perhaps
-  std::size_t stringStart_ = 0;  // in the window
-  std::size_t stringSize_ = 0;   // what the string has with its apostrophes
-  bool bodyEnds_ = true;         // its semicolon has been met
-  State state_ = State::Text;
-  bool zeros_ = false;  // met in a reference and not written yet
+  RawText raw_;
+  StatementBody body_;
   Section section_ = Section::None;
   bool isStarted_ = false;
   bool isEnded_ = false;
@@ -144,8 +123,6 @@ class StatementReader {
   std::uint64_t number_ = 0;
   std::uint64_t offset_ = 0;
   std::string word_;
-  std::uint64_t emptiedStrings_ = 0;
-  std::string error_;
 };
 
 }  // namespace plenvorith

@@ -38,26 +38,6 @@ TEST(Part21, LeavesOutBlanksAndComments) {
             "#1=A(1.,2.)\n#2=B(3)\n");
 }
 
-TEST(Part21, KeepsStringsAndBinaries) {
-  EXPECT_EQ(dataStatements("#1=A('a  b;#02 /* x */ (''q'') \" ',\"0 F;\");\n"),
-            "#1=A('a  b;#02 /* x */ (''q'') \" ',\"0 F;\")\n");
-}
-
-TEST(Part21, DropsLineEndsInsideStrings) {
-  EXPECT_EQ(dataStatements("#1=A('a\nb\r\nc d','it'\n's');\n"), "#1=A('abc d','it''s')\n");
-}
-
-TEST(Part21, WritesReferencesWithoutLeadingZeros) {
-  EXPECT_EQ(dataStatements("#007=A(#0012,#0,#00,#100,'#01');\n"), "#7=A(#12,#0,#0,#100,'#01')\n");
-}
-
-TEST(Part21, EmptiesStringsThatAreTooLong) {
-  const std::string longest(StatementReader::kLongestString, 'x');
-  EXPECT_EQ(dataStatements("#1=A('" + longest + "',1);\n"), "#1=A('" + longest + "',1)\n");
-  EXPECT_EQ(dataStatements("#1=A('" + longest + "y',1);\n"), "#1=A('',1)\n");
-  EXPECT_EQ(dataStatements("#1=A('" + std::string(1'000'000, '\'') + "',1);\n"), "#1=A('',1)\n");
-}
-
 TEST(Part21, HandsOutWhatIsInScopesFirst) {
   EXPECT_EQ(dataStatements("#1=&SCOPE #2=A(); #3=&SCOPE\n#4=B(#2);ENDSCOPE C();ENDSCOPE/#2,#3/"
                            "D(#3);\n#5=E();\n"),

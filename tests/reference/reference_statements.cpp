@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "prepare/part21.h"
+#include "prepare/statement_body.h"
 
 namespace plenvorith::test {
 namespace {
@@ -136,7 +137,7 @@ std::string Reference::readBody() {
         return body;
       case Token::Kind::String: {
         const std::string plain = withoutLineEnds(token.text);
-        body += plain.size() > StatementReader::kLongestString + 2 ? "''" : plain;
+        body += plain.size() > StatementBody::kLongestString + 2 ? "''" : plain;
         break;
       }
       case Token::Kind::Binary:
