@@ -7,15 +7,11 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
 
+#include "batch/state_columns.h"
 #include "batch/state_queries.h"
 #include "batch/statement.h"
 
 namespace plenvorith {
-namespace {
-
-constexpr std::array<const char*, 3> kStatusNames = {"converted", "delivering", "failed"};
-
-}  // namespace
 
 struct StateHandle {
   sqlite3* database = nullptr;
@@ -88,78 +84,6 @@ bool hasLog(const std::string& path) {
   return stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0;
 }
 
-void bindOptional(StatementUse& use, const std::optional<int>& value) {
-  if (value) {
-    use.bind(std::int64_t{*value});
-  } else {
-    use.bindNull();
-  }
-}
-
-void bindBounds(StatementUse& use, const std::optional<Bounds>& bounds) {
-  for (const auto corner : {&Bounds::low, &Bounds::high}) {
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (bounds) {
-        use.bind(((*bounds).*corner)[axis]);
-      } else {
-        use.bindNull();
-      }
-    }
-  }
-}
-
-std::optional<int> optionalFrom(StatementUse& use) {
-  const bool isNull = use.isNull();
-  const auto value = static_cast<int>(use.integer());
-  return isNull ? std::nullopt : std::optional(value);
-}
-
-std::optional<Bounds> boundsFrom(StatementUse& use) {
-  const bool isNull = use.isNull();
-  Bounds bounds;
-  for (const auto corner : {&Bounds::low, &Bounds::high}) {
-    for (double& value : bounds.*corner) {
-      value = use.real();
-    }
-  }
-  return isNull ? std::nullopt : std::optional(bounds);
-}
-
-FileStatus statusFrom(std::string_view name) {
-  for (std::size_t i = 0; i < kStatusNames.size(); ++i) {
-    if (name == kStatusNames[i]) {
-      return static_cast<FileStatus>(i);
-    }
-  }
-  return FileStatus::Failed;
-}
-
-/// The record in a row of PLENVORITH_FILE_COLUMNS and the id, without its outputs.
-std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
-  FileRecord file;
-  file.path = use.bytes();
-  file.name = use.bytes();
-  file.run = use.integer();
-  file.status = statusFrom(use.bytes());
-  file.reason = use.bytes();
-  file.lastLine = use.bytes();
-  file.exitStatus = optionalFrom(use);
-  file.signal = optionalFrom(use);
-  file.size = use.integer();
-  file.mtime = use.integer();
-  file.hash = use.bytes();
-  file.settings = use.bytes();
-  file.program = use.bytes();
-  file.triangles = use.integer();
-  file.seconds = use.real();
-  file.cpuSeconds = use.real();
-  file.peakMemory = use.integer();
-  file.bounds = boundsFrom(use);
-  file.host = use.bytes();
-  file.transcript = use.bytes();
-  return {std::move(file), use.integer()};
-}
-
 std::vector<OutputRecord> outputsOf(StateHandle& state, std::int64_t id) {
   std::vector<OutputRecord> outputs;
   StatementUse use(statementOf(state, Query::FindOutputs));
@@ -169,29 +93,6 @@ std::vector<OutputRecord> outputsOf(StateHandle& state, std::int64_t id) {
     outputs.push_back({std::move(path), use.integer()});
   }
   return outputs;
-}
-
-void bindFile(StatementUse& use, const FileRecord& file) {
-  use.bindBytes(file.path);
-  use.bindBytes(file.name);
-  use.bind(file.run);
-  use.bindText(statusName(file.status));
-  use.bindText(file.reason);
-  use.bindBytes(file.lastLine);
-  bindOptional(use, file.exitStatus);
-  bindOptional(use, file.signal);
-  use.bind(file.size);
-  use.bind(file.mtime);
-  use.bindBytes(file.hash);
-  use.bindText(file.settings);
-  use.bindText(file.program);
-  use.bind(file.triangles);
-  use.bind(file.seconds);
-  use.bind(file.cpuSeconds);
-  use.bind(file.peakMemory);
-  bindBounds(use, file.bounds);
-  use.bindText(file.host);
-  use.bindBytes(file.transcript);
 }
 
 bool putOutputs(StateHandle& state, std::int64_t id, const std::vector<OutputRecord>& outputs) {
@@ -210,24 +111,6 @@ bool putOutputs(StateHandle& state, std::int64_t id, const std::vector<OutputRec
     }
   }
   return true;
-}
-
-std::string joined(const std::vector<std::string>& arguments) {
-  std::string text;
-  for (const std::string& argument : arguments) {
-    text.append(argument).push_back('\0');
-  }
-  return text;
-}
-
-std::vector<std::string> cutApart(std::string_view text) {
-  std::vector<std::string> arguments;
-  while (!text.empty()) {
-    const std::size_t end = text.find('\0');
-    arguments.emplace_back(text.substr(0, end));
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  }
-  return arguments;
 }
 
 }  // namespace
@@ -295,21 +178,9 @@ void dropChanges(StateHandle& state) {
 }
 
 std::int64_t putRun(StateHandle& state, const RunRecord& run) {
-  const std::string arguments = joined(run.arguments);
+  const std::string arguments = argumentsText(run);
   StatementUse use(statementOf(state, Query::PutRun));
-  if (run.id == 0) {
-    use.bindNull();
-  } else {
-    use.bind(run.id);
-  }
-  use.bindText(run.start);
-  use.bindText(run.end);
-  use.bind(run.seconds);
-  use.bindText(run.result);
-  use.bindBytes(arguments);
-  use.bindText(run.program);
-  use.bindText(run.host);
-  use.bindBytes(run.base);
+  bindRun(use, run, arguments);
   const std::int64_t id = use.step() ? use.integer() : 0;
   return use.finish() ? id : 0;
 }
@@ -367,23 +238,9 @@ std::vector<RunRecord> allRuns(StateHandle& state) {
   std::vector<RunRecord> runs;
   StatementUse use(statementOf(state, Query::AllRuns));
   while (use.step()) {
-    RunRecord run;
-    run.id = use.integer();
-    run.start = use.bytes();
-    run.end = use.bytes();
-    run.seconds = use.real();
-    run.result = use.bytes();
-    run.arguments = cutApart(use.bytes());
-    run.program = use.bytes();
-    run.host = use.bytes();
-    run.base = use.bytes();
-    runs.push_back(std::move(run));
+    runs.push_back(runFrom(use));
   }
   return runs;
-}
-
-const char* statusName(FileStatus status) {
-  return kStatusNames.at(static_cast<std::size_t>(status));
 }
 
 }  // namespace plenvorith

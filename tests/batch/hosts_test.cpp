@@ -3,9 +3,6 @@
 #include <string>
 
 #include <gmock/gmock.h>
-
-#include "batch/host_engine.h"
-
 namespace plenvorith {
 namespace {
 
@@ -86,15 +83,6 @@ TEST(HostsFrom, GivesAHostTheJobsThatItIsToHave) {
   ASSERT_EQ(check.hosts.size(), 2U);
   EXPECT_EQ(check.hosts[0].jobs, 1);
   EXPECT_EQ(check.hosts[1].jobs, 3);
-}
-
-TEST(EngineOptions, NameEachHostWithItsJobs) {
-  const std::vector<std::string> shared = engineOptions({{":", 2}, {"ssh -F c beta", 8}}, false);
-  EXPECT_THAT(shared,
-              testing::IsSupersetOf({"--sshlogin", "2/:", "8/ssh -F c beta", "--line-buffer"}));
-  EXPECT_THAT(
-      engineOptions({{":", 2}}, true),
-      testing::IsSupersetOf({"--transferfile", "{}.tar", "--return", "{}.out.tar", "--cleanup"}));
 }
 
 }  // namespace

@@ -120,6 +120,7 @@ TEST(BuryWorker, TellsTheSignalThatEndedIt) {
 TEST(StopWorkers, EndsThemWithWhatIsUnderWay) {
   const test::TempDir dir;
   std::vector<WorkerProcess> workers;
+  workers.reserve(2);
   for (int i = 0; i < 2; ++i) {
     workers.push_back(std::move(*startedIn(dir)));
   }
