@@ -16,6 +16,12 @@ void BodyCursor::refill() {
   isWhole_ = reader_.isWhole();
 }
 
+void BodyCursor::goTo(const BodyPlace& place) {
+  reader_.goTo(place);
+  begin_ = p_;  // nothing of what was looked at is left to be consumed
+  refill();
+}
+
 std::string BodyCursor::takeKeyword() {
   (void)peek();
   const char* const end =

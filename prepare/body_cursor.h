@@ -57,6 +57,15 @@ class BodyCursor {
     p_ = position;
   }
 
+  /// Where what is next stands.
+  [[nodiscard]] BodyPlace place() {
+    consume();
+    return reader_.place();
+  }
+
+  /// Goes back, or forward, to a place in the body.
+  void goTo(const BodyPlace& place);
+
   /// Goes over a keyword and gives it, the first characters of a very long one.
   std::string takeKeyword();
 

@@ -78,7 +78,9 @@ void StatementReader::readWord() {
 }
 
 Statement StatementReader::next() {
-  (void)body_.skip();
+  if (!body_.isWhole()) {
+    (void)body_.skip();
+  }
   if (!isStarted_) {
     isStarted_ = true;
     if (!findStart()) {

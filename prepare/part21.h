@@ -84,6 +84,16 @@ class StatementReader {
     body_.consume(size);
   }
 
+  /// Where what is next of the body stands.
+  [[nodiscard]] BodyPlace place() const {
+    return body_.place();
+  }
+
+  /// Goes back, or forward, to a place in the body.
+  void goTo(const BodyPlace& place) {
+    body_.goTo(place);
+  }
+
   /// Goes over the rest of the body and gives the number of parentheses that open in it, strings
   /// aside that were not handed out yet. Much faster than a look at all of it.
   [[nodiscard]] std::uint64_t countOpened() {

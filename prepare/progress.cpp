@@ -24,8 +24,10 @@ void Progress::show(const char* step, std::uint64_t place) {
   if (!isShown_) {
     return;
   }
-  const std::uint64_t percent = std::min(place, fileSize_) * 100 / fileSize_;
-  std::string line = step;
+  farthest_ = step_ == step ? std::max(farthest_, place) : place;
+  step_ = step;
+  const std::uint64_t percent = std::min(farthest_, fileSize_) * 100 / fileSize_;
+  std::string line = step_;
   line += ' ';
   line += std::to_string(percent);
   line += " %";

@@ -14,7 +14,8 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Says how far a step, "Reading" for example, has come in the file.
+  /// Says how far a step, "Reading" for example, has come in the file. Where it goes back for a
+  /// while, what is shown stays.
   void show(const char* step, std::uint64_t place);
 
   /// Takes the line away, which has to be done before anything else is printed.
@@ -24,6 +25,8 @@ class Progress {
   std::uint64_t fileSize_;
   bool isShown_;
   std::string shown_;
+  std::string step_;
+  std::uint64_t farthest_ = 0;  // of the step
 };
 
 }  // namespace plenvorith

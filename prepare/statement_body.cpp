@@ -30,6 +30,27 @@ void StatementBody::startEmpty() {
   end_ = 0;
   state_ = State::Text;
   isWhole_ = true;
+  windowStart_ = 0;
+  coming_ = {raw_.offset(), 0};
+}
+
+BodyPlace StatementBody::place() const {
+  const std::uint64_t here = windowStart_ + begin_;
+  const Mark& mark = coming_.handedOut <= here ? coming_ : passed_;
+  return {mark.offset, here - mark.handedOut};
+}
+
+void StatementBody::goTo(const BodyPlace& place) {
+  if (!raw_.seek(place.offset)) {
+    startEmpty();
+    return;
+  }
+  start();
+  std::uint64_t ahead = place.ahead;
+  for (std::size_t size = peek(1).size(); ahead > 0 && size > 0; size = peek(1).size()) {
+    consume(std::min<std::uint64_t>(size, ahead));
+    ahead -= std::min<std::uint64_t>(size, ahead);
+  }
 }
 
 void StatementBody::failUnended() {
@@ -108,6 +129,10 @@ const char* StatementBody::skipPiece(const char* p, const char* end, std::uint64
 /// Writes more of the body, until `size` bytes can be handed out or the body ends.
 void StatementBody::fill(std::size_t size) {
   makeRoom(size);
+  if (state_ == State::Text && coming_.handedOut <= windowStart_ + begin_) {
+    passed_ = coming_;
+    coming_ = {raw_.offset(), windowStart_ + end_};
+  }
   while (visible_ - begin_ < size && !isWhole_) {
     if (raw_.atHand().empty() && !raw_.readMore()) {
       if (state_ == State::Apostrophe) {
@@ -129,6 +154,7 @@ void StatementBody::makeRoom(std::size_t size) {
   end_ -= begin_;
   visible_ -= begin_;
   stringStart_ -= std::min(stringStart_, begin_);
+  windowStart_ += begin_;
   begin_ = 0;
   const std::size_t needed = std::max(size, end_) + 2 * kLongestString;
   if (needed > window_.size()) {

@@ -9,6 +9,12 @@
 
 namespace plenvorith {
 
+/// A place in a body, to come back to.
+struct BodyPlace {
+  std::uint64_t offset = 0;  ///< in the file, of a place before it that is in no string or comment
+  std::uint64_t ahead = 0;   ///< how many bytes of what is handed out lie between
+};
+
 /// The body of a statement of ISO 10303-21, up to its semicolon, piece by piece.
 ///
 /// It is handed out without blanks, control characters and comments, other than in strings ('...',
@@ -50,6 +56,13 @@ class StatementBody {
     begin_ += size;
   }
 
+  /// Where what comes next stands. What lies ahead of the place in the file is some ten thousand
+  /// bytes at most where there are no strings and comments.
+  [[nodiscard]] BodyPlace place() const;
+
+  /// Goes on at a place in this body. Strings that lie ahead of it are counted again.
+  void goTo(const BodyPlace& place);
+
   /// Goes over the rest. Gives the number of parentheses that open in what was not looked at yet.
   std::uint64_t skip();
 
@@ -63,6 +76,12 @@ class StatementBody {
   }
 
  private:
+  /// The same place in the file and in the body.
+  struct Mark {
+    std::uint64_t offset = 0;
+    std::uint64_t handedOut = 0;  // how much of the body, since the start, lies before it
+  };
+
   enum class State { Text, Reference, Slash, Comment, Star, String, Apostrophe, Binary };
 
   void fill(std::size_t size);
@@ -82,11 +101,14 @@ class StatementBody {
 
   RawText& raw_;
   std::vector<char> window_;
-  std::size_t begin_ = 0;        // of what has not been consumed
-  std::size_t visible_ = 0;      // end of what is handed out
-  std::size_t end_ = 0;          // end of what is written, an unended string perhaps
-  std::size_t stringStart_ = 0;  // in the window
-  std::size_t stringSize_ = 0;   // what the string has with its apostrophes
+  std::uint64_t windowStart_ = 0;  // how much of the body lies before the window
+  Mark coming_;                    // the last one
+  Mark passed_;                    // the one before, where that is still ahead
+  std::size_t begin_ = 0;          // of what has not been consumed
+  std::size_t visible_ = 0;        // end of what is handed out
+  std::size_t end_ = 0;            // end of what is written, an unended string perhaps
+  std::size_t stringStart_ = 0;    // in the window
+  std::size_t stringSize_ = 0;     // what the string has with its apostrophes
   State state_ = State::Text;
   bool isWhole_ = true;  // the semicolon has been met
   bool zeros_ = false;   // met in a reference and not written yet

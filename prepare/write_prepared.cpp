@@ -180,10 +180,12 @@ void Writer::writeFace(StatementReader& reader, std::size_t place) {
   }
   const PlannedList& list = plan_.lists[face.list];
   NormalsVerdict* const normals = normalsToLookAt(face.solid);
-  expanded = expandFace(reader, type, table_.pointCount(list.list),
-                        {names_.face(place), names_.list(face.list),
-                         plan_.placements[list.placement].isMirrored, normals == nullptr ? 0U : 1U},
-                        &output_);
+  FaceTarget target;
+  target.name = names_.face(place);
+  target.coordinates = names_.list(face.list);
+  target.isMirrored = plan_.placements[list.placement].isMirrored;
+  target.maxSamples = normals == nullptr ? 0 : 1;
+  expanded = expandFace(reader, type, table_.pointCount(list.list), target, &output_);
   written_.triangles += expanded.triangles;
   written_.skippedTriangles += expanded.skipped;
   if (expanded.hasFailed) {

@@ -88,6 +88,25 @@ TEST_F(LargePrepare, TakesAListOfAGibibyteWithoutHoldingIt) {
   EXPECT_GT(static_cast<std::int64_t>(std::filesystem::file_size(dir / "out.stp")), kGibibyte);
 }
 
+TEST_F(LargePrepare, TakesAnIndexMappingOfFortyMillionEntriesWithoutHoldingIt) {
+  file << "#1=TESSELLATED_SHAPE_REPRESENTATION('',(#3),$);\n"
+          "#4=COORDINATES_LIST('',4,((0.,0.,2.),(1.,0.,2.),(1.,1.,2.),(0.,1.,2.)));\n"
+          "#3=COMPLEX_TRIANGULATED_FACE('',#4,40000001,(),$,(1";
+  const std::int64_t entries = 1 + 4 * fill(",2,3,4,1", file.tellp() + std::int64_t{80'000'000});
+  ASSERT_EQ(entries, 40'000'001);
+  // By turns from both ends, so that the next entry is always far away: points 1, 4, 3, 2, 1, ...
+  constexpr std::int64_t kIndices = 3'000'000;
+  file << "),((1";
+  for (std::int64_t i = 2; i <= kIndices; ++i) {
+    file << ',' << (i % 2 == 0 ? entries + 1 - i : i);
+  }
+  file << ")),());\n";
+  const Outcome outcome = prepare();
+  EXPECT_EQ(outcome.exitStatus, 0) << outcome.err;
+  EXPECT_NE(outcome.out.find(" 2999998 triangles, 1 placements"), std::string::npos) << outcome.out;
+  EXPECT_LE(outcome.peakMemory, 64 * kMebibyte);
+}
+
 TEST_F(LargePrepare, TakesAFileOfMoreThanFourGibibytes) {
   file << kPart << "#4=COORDINATES_LIST('',4,((0.,0.,2.),(1.,0.,2.),(1.,1.,2.),(0.,1.,2.)));\n";
   const std::string lines(200, 'x');

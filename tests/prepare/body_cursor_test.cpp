@@ -106,5 +106,29 @@ TEST(BodyCursor, GoesToTheEndOfWhatIsMalformed) {
   }
 }
 
+TEST(BodyCursor, GoesToPlacesAndBack) {
+  std::string list = "(0";
+  for (int i = 1; i < 50'000; ++i) {
+    list += ", " + std::to_string(i);
+  }
+  Body body("A(" + list + "))");
+  BodyCursor cursor(body.reader);
+  ASSERT_EQ(cursor.takeKeyword(), "A");
+  ASSERT_TRUE(cursor.take('('));
+  const BodyPlace start = cursor.place();
+  EXPECT_EQ(cursor.peek(), '(');
+  cursor.skipParameter();
+  const BodyPlace end = cursor.place();
+  EXPECT_EQ(Body::rest(cursor), ")");
+  cursor.goTo(start);
+  EXPECT_TRUE(cursor.take('('));
+  EXPECT_TRUE(cursor.take('0'));
+  const BodyPlace second = cursor.place();
+  cursor.goTo(end);
+  EXPECT_EQ(Body::rest(cursor), ")");
+  cursor.goTo(second);
+  EXPECT_EQ(Body::rest(cursor).substr(0, 8), ",1,2,3,4");
+}
+
 }  // namespace
 }  // namespace plenvorith

@@ -1,11 +1,13 @@
 #include "prepare/expand_face.h"
 
+#include <random>
 #include <string>
 #include <string_view>
 
 #include <gmock/gmock.h>
 
 #include "tests/prepare/step_file.h"
+#include "tests/support/step_text.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -17,7 +19,7 @@ struct Expansion {
 };
 
 /// Expands a face whose coordinates list has this many points.
-Expansion expand(std::string_view body, std::uint64_t points = 100, bool isMirrored = false) {
+Expansion expand(std::string_view body, std::uint64_t points, const FaceTarget& wanted) {
   const test::TempDir directory;
   StatementReader reader(
       test::writeFile(directory / "in.stp", test::stepFile("#1=" + std::string(body) + ";\n")));
@@ -29,7 +31,10 @@ Expansion expand(std::string_view body, std::uint64_t points = 100, bool isMirro
   const EntityType& type = types[types.idOf("A", body.starts_with('('))];
   Expansion result;
   OutputFile output(directory / "out.stp");
-  result.face = expandFace(reader, type, points, {7, 8, isMirrored}, &output);
+  FaceTarget target = wanted;
+  target.name = 7;
+  target.coordinates = 8;
+  result.face = expandFace(reader, type, points, target, &output);
   EXPECT_TRUE(output.close());
   const std::string written = test::readFile(directory / "out.stp");
   const std::string before =
@@ -39,6 +44,12 @@ Expansion expand(std::string_view body, std::uint64_t points = 100, bool isMirro
   EXPECT_THAT(written, testing::EndsWith(after));
   result.triples = written.substr(before.size(), written.size() - before.size() - after.size());
   return result;
+}
+
+Expansion expand(std::string_view body, std::uint64_t points = 100, bool isMirrored = false) {
+  FaceTarget target;
+  target.isMirrored = isMirrored;
+  return expand(body, points, target);
 }
 
 TEST(ExpandFace, KeepsTriples) {
@@ -130,6 +141,82 @@ TEST(ExpandFace, AStripGivesTwoTrianglesLessThanItsIndices) {
         expand("COMPLEX_TRIANGULATED_FACE('',#2,9,(),$,(),((" + strip + ")),())", 2000);
     EXPECT_EQ(result.face.triangles, static_cast<std::uint64_t>(size - 2));
   }
+}
+
+/// A list of `size` indices from 0 to `limit`.
+std::string randomList(std::mt19937& random, std::size_t size, std::size_t limit) {
+  std::string list;
+  for (std::size_t i = 0; i < size; ++i) {
+    list += (i == 0 ? "" : ",") + std::to_string(test::pick(random, limit + 1));
+  }
+  return '(' + list + ')';
+}
+
+/// Fewer than `count` lists of indices, or of three each.
+std::string randomLists(std::mt19937& random, std::size_t count, std::size_t limit,
+                        bool isTriples) {
+  std::string lists;
+  for (std::size_t i = test::pick(random, count); i > 0; --i) {
+    const std::size_t size = isTriples ? 3 : test::pick(random, 12);
+    lists += (lists.empty() ? "" : ",") + randomList(random, size, limit);
+  }
+  return '(' + lists + ')';
+}
+
+/// A face of any kind with a mapping of `size` entries.
+std::string randomFace(std::mt19937& random, std::size_t size) {
+  const bool isComplex = test::pick(random, 2) == 0;
+  const bool isFace = test::pick(random, 2) == 0;
+  const std::string keyword = std::string(isComplex ? "COMPLEX_" : "") + "TRIANGULATED_" +
+                              (isFace ? "FACE" : "SURFACE_SET");
+  std::string lists = randomList(random, size, 12) + ',';
+  if (isComplex) {
+    lists +=
+        randomLists(random, 6, size + 1, false) + ',' + randomLists(random, 6, size + 1, false);
+  } else {
+    lists += randomLists(random, 30, size + 1, true);
+  }
+  if (test::pick(random, 3) == 0) {
+    return "(REPRESENTATION_ITEM('')TESSELLATED_" + std::string(isFace ? "FACE" : "SURFACE_SET") +
+           "(#2,4,()" + (isFace ? ",$" : "") + ")" + keyword + '(' + lists + "))";
+  }
+  return keyword + "('',#2,4,((0.,0.,1.))," + (isFace ? "$," : "") + lists + ')';
+}
+
+TEST(ExpandFace, GivesTheSameWithAMappingThatIsNotHeld) {
+  std::mt19937 random(1);
+  std::uint64_t triangles = 0;
+  std::uint64_t skipped = 0;
+  for (int i = 0; i < 2000; ++i) {
+    // Most are longer than four entries.
+    std::string face = randomFace(random, 1 + test::pick(random, 30));
+    const bool isDamaged = i % 2 == 1;
+    if (isDamaged) {
+      face.erase(test::pick(random, face.size()), 1);
+    }
+    FaceTarget held;
+    held.isMirrored = test::pick(random, 2) == 0;
+    held.maxSamples = test::pick(random, 2) * 5;
+    FaceTarget lookedUp = held;
+    lookedUp.mappingLimits = {.held = 4, .chunk = 1 + test::pick(random, 5)};
+    lookedUp.triangleLimit = 1 + test::pick(random, 9);
+    const Expansion expected = expand(face, 10, held);
+    const Expansion result = expand(face, 10, lookedUp);
+    ASSERT_TRUE(!expected.face.hasFailed || isDamaged) << face;
+    ASSERT_EQ(result.face.hasFailed, expected.face.hasFailed) << face;
+    ASSERT_EQ(result.triples, expected.triples) << face;
+    ASSERT_EQ(result.face.triangles, expected.face.triangles) << face;
+    ASSERT_EQ(result.face.skipped, expected.face.skipped) << face;
+    ASSERT_EQ(result.face.samples.size(), expected.face.samples.size()) << face;
+    for (std::size_t k = 0; k < expected.face.samples.size(); ++k) {
+      ASSERT_EQ(result.face.samples[k].normals, expected.face.samples[k].normals) << face;
+      ASSERT_EQ(result.face.samples[k].points, expected.face.samples[k].points) << face;
+    }
+    triangles += expected.face.triangles;
+    skipped += expected.face.skipped;
+  }
+  EXPECT_GT(triangles, 2'000U);
+  EXPECT_GT(skipped, 1'000U);
 }
 
 }  // namespace

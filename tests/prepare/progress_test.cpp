@@ -99,6 +99,22 @@ TEST(Progress, IsALineThatIsWrittenOverAndWiped) {
             "\r             \r");
 }
 
+TEST(Progress, NeverGoesBackInAStep) {
+  Terminal terminal;
+  {
+    Progress progress(100'000'000);
+    progress.show("Reading", 30'000'000);
+    progress.show("Writing", 20'000'000);
+    progress.show("Writing", 10'000'000);
+    progress.show("Writing", 21'000'000);
+  }
+  EXPECT_EQ(terminal.text(),
+            "Reading 30 %"
+            "\r            \rWriting 20 %"
+            "\r            \rWriting 21 %"
+            "\r            \r");
+}
+
 TEST(Progress, OfSmallFilesIsNotShown) {
   Terminal terminal;
   {

@@ -1,5 +1,6 @@
 #include "prepare/statement_body.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -142,6 +143,67 @@ TEST(StatementBody, CountsTheParenthesesThatOpen) {
   EXPECT_EQ(body.countOpened(), 100'001U);
   EXPECT_EQ(body.peek(1), "");
   EXPECT_EQ(raw.peek(), 'B');
+}
+
+/// Goes over a body in pieces of `size` bytes and gives the places between them.
+std::vector<BodyPlace> placesOf(StatementBody& body, std::size_t size) {
+  std::vector<BodyPlace> places = {body.place()};
+  for (std::string_view text = body.peek(size); !text.empty(); text = body.peek(size)) {
+    body.consume(std::min(size, text.size()));
+    places.push_back(body.place());
+  }
+  return places;
+}
+
+TEST(StatementBody, GoesToAnyPlaceInItself) {
+  const std::string content = "A( 'it''s',#0012, /* ; */ 1.,\n\"0 F\",'" + std::string(9000, 'x') +
+                              "',((2,3 ),/),'');B(1);";
+  const std::string expected = handedOut(content);
+  for (std::size_t size = 1; size < 20; ++size) {
+    test::MemoryFile file;
+    RawText raw(file.write(content));
+    StatementBody body(raw);
+    body.start();
+    const std::vector<BodyPlace> places = placesOf(body, size);
+    ASSERT_EQ(places.size(), (expected.size() + size - 1) / size + 1);
+    for (std::size_t i = places.size(); i > 0; --i) {
+      body.goTo(places[i - 1]);
+      const std::string rest = expected.substr(std::min((i - 1) * size, expected.size()));
+      ASSERT_EQ(body.peek(100), rest) << size << ' ' << i;
+      ASSERT_TRUE(body.isWhole());
+    }
+    EXPECT_EQ(raw.peek(), 'B');
+  }
+}
+
+TEST(StatementBody, GoesToPlacesInLongLists) {
+  std::string content = "A(";
+  for (int i = 0; i < 100'000; ++i) {
+    content += std::to_string(i) + (i % 7 == 0 ? " ,/**/" : ",");
+  }
+  const std::string expected = handedOut(content + "0);");
+  test::MemoryFile file;
+  RawText raw(file.write(content + "0);"));
+  StatementBody body(raw);
+  body.start();
+  constexpr std::size_t kSize = 997;
+  const std::vector<BodyPlace> places = placesOf(body, kSize);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const std::size_t place = i * 131 % places.size();
+    EXPECT_LE(places[place].ahead, 40'000U);
+    body.goTo(places[place]);
+    ASSERT_EQ(body.peek(kSize).substr(0, kSize),
+              expected.substr(std::min(place * kSize, expected.size()), kSize))
+        << place;
+    // From there on, places are right as well.
+    body.consume(std::min<std::size_t>(10, body.peek(10).size()));
+    const BodyPlace further = body.place();
+    body.goTo(places.front());
+    body.goTo(further);
+    ASSERT_EQ(body.peek(5).substr(0, 5),
+              expected.substr(std::min(place * kSize + 10, expected.size()), 5))
+        << place;
+  }
 }
 
 TEST(StatementBody, StartsAnewWithNothing) {

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "prepare/body_cursor.h"
+
+namespace plenvorith {
+
+/// An index as a file has it: legal ones count from 1, others are to be expected.
+using Index = std::int64_t;
+
+/// More digits are not read at once, so that no index overflows.
+constexpr std::ptrdiff_t kMaxIndexDigits = 18;
+
+/// Reads one index; of a real number its whole part. False if there is no number.
+[[nodiscard]] bool readIndex(BodyCursor& cursor, Index& index);
+
+/// Calls `each` with the indices of a list, "(1,2,3)", one by one; a missing list, "$", has none. The
+/// cursor then stands behind the index, and `each` may move it about if it comes back.
+///
+/// Errors  false if something else than numbers stands in the list.
+template <typename Each>
+[[nodiscard]] bool readIndices(BodyCursor& cursor, Each each) {
+  if (!cursor.take('(')) {
+    return cursor.take('$');
+  }
+  if (cursor.take(')')) {
+    return true;
+  }
+  do {
+    Index index = 0;
+    if (!readIndex(cursor, index)) {
+      return false;
+    }
+    each(index);
+  } while (cursor.take(','));
+  return cursor.take(')');
+}
+
+}  // namespace plenvorith
