@@ -107,7 +107,8 @@ InstanceIndex InstanceReader::named(std::string_view parameter) const {
 }
 
 std::optional<double> numberOf(std::string_view parameter) {
-  parameter.remove_prefix(parameter.starts_with('+') ? 1 : 0);
+  // The library reads no plus, but would read a minus behind it.
+  parameter.remove_prefix(parameter.starts_with('+') && !parameter.starts_with("+-") ? 1 : 0);
   double value = 0.0;
   const char* const end = parameter.data() + parameter.size();
   const auto [behind, error] = std::from_chars(parameter.data(), end, value);

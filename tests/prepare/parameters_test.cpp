@@ -58,7 +58,8 @@ TEST(NumberOf, ReadsRealsAndIntegers) {
 }
 
 TEST(NumberOf, RejectsAllElse) {
-  for (const char* text : {"", "+", "1.x", "#1", "$", "1.E999", "INF", "NAN"}) {
+  for (const char* text :
+       {"", "+", "+-1", "-+1", "++1", "--1", "1.x", "#1", "$", "1.E999", "INF", "NAN"}) {
     EXPECT_FALSE(numberOf(text).has_value()) << text;
   }
 }

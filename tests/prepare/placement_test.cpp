@@ -55,6 +55,15 @@ TEST(Placement, OfAnOperatorScales) {
             (Mapped{"(10.5,1.,1.5),(11.,1.,1.5),(10.5,2.,1.5)", "(1,2,3)"}));
 }
 
+TEST(Placement, OfAnOperatorWhoseScaleIsNoNumberDoesNotScale) {
+  for (const char* scale : {"$", "+-0.5", "x"}) {
+    EXPECT_EQ(mappedTo(std::string("CARTESIAN_TRANSFORMATION_OPERATOR_3D('','',$,$,$,#50,") +
+                       scale + ",$)"),
+              (Mapped{"(11.,2.,3.),(12.,2.,3.),(11.,4.,3.)", "(1,2,3)"}))
+        << scale;
+  }
+}
+
 TEST(Placement, OfAnOperatorInAComplexInstanceIsTheSame) {
   EXPECT_EQ(
       mappedTo("(CARTESIAN_TRANSFORMATION_OPERATOR($,$,#50,0.5)"
