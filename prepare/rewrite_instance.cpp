@@ -70,12 +70,16 @@ bool Filter::takeReference(std::uint64_t& number) {
 }
 
 void Filter::copyString(char quote) {
-  do {
-    output_.put(cursor_.peek());
-    (void)cursor_.take(cursor_.peek());
-  } while (cursor_.peek() != quote && !cursor_.isAtEnd());
-  if (cursor_.take(quote)) {
+  // An apostrophe right behind one is doubled, and the string goes on.
+  while (cursor_.take(quote)) {
     output_.put(quote);
+    while (!cursor_.isAtEnd() && cursor_.peek() != quote) {
+      output_.put(cursor_.peek());
+      (void)cursor_.take(cursor_.peek());
+    }
+    if (cursor_.take(quote)) {
+      output_.put(quote);
+    }
   }
 }
 
