@@ -1,9 +1,8 @@
-// What reading and writing bytes and getting memory costs, and nothing else.
+// What reading and writing bytes costs, and nothing else.
 //
 //   baseline_io read INPUT                  reads a file in blocks of 1 MiB
 //   baseline_io copy INPUT OUTPUT BYTES     reads a file like this, then writes BYTES bytes
 //   baseline_io zeros OUTPUT BYTES          writes zeros in blocks of 1 MiB
-//   baseline_io touch BYTES                 gets fresh memory and touches it
 
 #include <algorithm>
 #include <cstdio>
@@ -12,7 +11,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include "bench/stopwatch.h"
@@ -44,19 +42,6 @@ void writeBytes(const char* path, const std::vector<char>& block, std::size_t by
   close(file);
 }
 
-void touchMemory(std::size_t bytes) {
-  constexpr std::size_t kPage = 4096;
-  void* const memory =
-      mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (memory == MAP_FAILED) {
-    std::perror("mmap");
-    std::exit(1);
-  }
-  for (std::size_t i = 0; i < bytes; i += kPage) {
-    static_cast<volatile char*>(memory)[i] = 1;
-  }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -69,8 +54,6 @@ int main(int argc, char** argv) {
     writeBytes(argv[3], block, std::strtoull(argv[4], nullptr, 10));
   } else if (argc == 4 && std::strcmp(argv[1], "zeros") == 0) {
     writeBytes(argv[2], block, std::strtoull(argv[3], nullptr, 10));
-  } else if (argc == 3 && std::strcmp(argv[1], "touch") == 0) {
-    touchMemory(std::strtoull(argv[2], nullptr, 10));
   } else {
     return 2;
   }

@@ -93,20 +93,9 @@ def build():
     INPUTS.mkdir(parents=True, exist_ok=True)
 
 
-def touch(memory):
-    """A virtual machine gets its memory from its host when it is first touched, which can take
-    longer than all the rest. So as much as a run needs is touched before it."""
-    if memory:
-        run(BENCH / "baseline_io", "touch", memory)
-
-
-def alternate(ours, baseline, pairs, memory=0, warm_up=True):
+def alternate(ours, baseline, pairs, warm_up=True):
     """Runs both by turns, so that both see the same machine; gives the pairs."""
-    def warm(measured):
-        touch(memory)
-        return measured()
-
-    result = [(warm(ours), warm(baseline)) for _ in range(pairs + warm_up)]
+    result = [(ours(), baseline()) for _ in range(pairs + warm_up)]
     return result[warm_up:]
 
 
