@@ -28,6 +28,7 @@ struct ExactGeometry {
   std::size_t solids = 0;
   std::size_t freeShells = 0;
   std::size_t freeFaces = 0;
+  std::size_t others = 0;  ///< Curves, for example.
   double area = 0.0;
   double volume = 0.0;  ///< Of the solids.
   std::array<double, 3> least{};
@@ -52,6 +53,8 @@ inline ExactGeometry geometryOf(const Shapes& shapes) {
       ++geometry.freeShells;
     } else if (shape.ShapeType() == TopAbs_FACE) {
       ++geometry.freeFaces;
+    } else {
+      ++geometry.others;
     }
   }
   Bnd_Box box;
@@ -77,7 +80,8 @@ inline ExactGeometry exactGeometryOrNone(const std::string& path) {
 
 inline ExactGeometry exactGeometryIn(const std::string& path) {
   const ExactGeometry geometry = exactGeometryOrNone(path);
-  EXPECT_GT(geometry.solids + geometry.freeShells + geometry.freeFaces, 0U) << path;
+  EXPECT_GT(geometry.solids + geometry.freeShells + geometry.freeFaces + geometry.others, 0U)
+      << path;
   return geometry;
 }
 
@@ -87,6 +91,7 @@ inline void expectGeometryWithin(const ExactGeometry& actual, const ExactGeometr
   EXPECT_EQ(actual.solids, expected.solids);
   EXPECT_EQ(actual.freeShells, expected.freeShells);
   EXPECT_EQ(actual.freeFaces, expected.freeFaces);
+  EXPECT_EQ(actual.others, expected.others);
   for (std::size_t i = 0; i < 3; ++i) {
     EXPECT_NEAR(actual.least.at(i), expected.least.at(i), relative * size);
     EXPECT_NEAR(actual.greatest.at(i), expected.greatest.at(i), relative * size);
