@@ -6,45 +6,12 @@
 
 #include "prepare/coordinates.h"
 #include "prepare/expand_face.h"
+#include "prepare/new_instances.h"
 #include "prepare/rewrite_instance.h"
 #include "prepare/stored_normals.h"
 
 namespace plenvorith {
 namespace {
-
-/// The numbers of the new instances: above all old ones and all of the same length, so that the
-/// order of their texts, by which the converter decodes faces, is that of the numbers.
-class NewNames {
- public:
-  NewNames(std::uint64_t largestOld, const TessellationPlan& plan, std::uint64_t others) {
-    const std::uint64_t faces = plan.faces.size();
-    const std::uint64_t count = plan.lists.size() + faces + plan.solidCount + others;
-    std::uint64_t first = 1;
-    while (first <= largestOld || first * 9 < count) {
-      first *= 10;
-    }
-    lists_ = first;
-    faces_ = lists_ + plan.lists.size();
-    solids_ = faces_ + faces;
-    next_ = solids_ + plan.solidCount;
-  }
-
-  std::uint64_t list(std::size_t i) const {
-    return lists_ + i;
-  }
-  std::uint64_t face(std::size_t i) const {
-    return faces_ + i;
-  }
-  std::uint64_t solid(std::size_t i) const {
-    return solids_ + i;
-  }
-  std::uint64_t next() {
-    return next_++;
-  }
-
- private:
-  std::uint64_t lists_, faces_, solids_, next_;
-};
 
 class Writer {
  public:
@@ -56,7 +23,7 @@ class Writer {
         decisions_(decisions),
         plan_(decisions.plan),
         output_(output),
-        names_(table.largestNumber(), plan_, kMaxOthers + decisions.orphans.representations.size()),
+        names_(table.largestNumber(), plan_, decisions.orphans),
         normals_(plan_.firstSolids.size(), NormalsVerdict::NoNormals) {
     for (const PlannedList& list : plan_.lists) {
       normalsBudget_ += table.pointCount(list.list);
@@ -66,20 +33,12 @@ class Writer {
   Written write();
 
  private:
-  /// Instances that are neither of a list, a face nor a solid, orphans aside.
-  static constexpr std::uint64_t kMaxOthers = 32;
-
   void writeInstance(InstanceIndex index);
   void writeLists(InstanceIndex index);
   void writeFaces(InstanceIndex index);
   void writeFace(StatementReader& reader, std::size_t place);
   NormalsVerdict* normalsToLookAt(std::uint32_t solid);
   NormalsVerdict verdictOn(const PlannedFace& face, const ExpandedFace& expanded);
-  void writeSolids();
-  void writeRepresentation();
-  void writeMark();
-  void writeOrphans();
-  void startLine(std::uint64_t name);
   void fail(InstanceIndex index, const char* what);
   /// The reader for one more look at an instance: the first look is that of the main one.
   StatementReader& readerFor(InstanceIndex index, bool isFirst) {
@@ -109,12 +68,6 @@ void Writer::fail(InstanceIndex index, const char* what) {
     written_.error = what;
     written_.error += " in #" + std::to_string(table_.number(index));
   }
-}
-
-void Writer::startLine(std::uint64_t name) {
-  output_.put('#');
-  output_.put(name);
-  output_.put('=');
 }
 
 void Writer::writeLists(InstanceIndex index) {
@@ -207,7 +160,7 @@ void Writer::writeInstance(InstanceIndex index) {
     return named != kNoInstance && decisions_.fates[named] == Fate::Dropped;
   };
   const std::uint64_t emptiedBefore = reader_.emptiedStrings();
-  startLine(table_.number(index));
+  startInstance(table_.number(index), output_);
   if (fate == Fate::Kept) {
     copyBody(reader_, output_);
   } else if (fate == Fate::Changed) {
@@ -217,113 +170,6 @@ void Writer::writeInstance(InstanceIndex index) {
   }
   output_.put(";\n");
   written_.emptiedStrings += reader_.emptiedStrings() - emptiedBefore;
-}
-
-/// One solid for each body in each placement.
-void Writer::writeSolids() {
-  std::vector<std::uint32_t> faces(plan_.faces.size());
-  for (std::uint32_t i = 0; i < faces.size(); ++i) {
-    faces[i] = i;
-  }
-  std::sort(faces.begin(), faces.end(), [this](std::uint32_t a, std::uint32_t b) {
-    const std::uint32_t first = plan_.faces[a].solid;
-    const std::uint32_t second = plan_.faces[b].solid;
-    return first != second ? first < second : a < b;
-  });
-  auto face = faces.begin();
-  for (std::uint32_t solid = 0; solid < plan_.solidCount; ++solid) {
-    startLine(names_.solid(solid));
-    output_.put("TESSELLATED_SOLID('',(");
-    for (bool isFirst = true; face != faces.end() && plan_.faces[*face].solid == solid; ++face) {
-      output_.put(isFirst ? "#" : ",#");
-      output_.put(names_.face(*face));
-      isFirst = false;
-    }
-    output_.put("),$);\n");
-  }
-}
-
-/// The one representation of all solids, in millimetres.
-void Writer::writeRepresentation() {
-  const std::uint64_t unit = names_.next();
-  const std::uint64_t context = names_.next();
-  startLine(unit);
-  output_.put("(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n");
-  startLine(context);
-  output_.put("(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#");
-  output_.put(unit);
-  output_.put("))REPRESENTATION_CONTEXT('',''));\n");
-  startLine(names_.next());
-  output_.put("TESSELLATED_SHAPE_REPRESENTATION('',(");
-  for (std::uint32_t solid = 0; solid < plan_.solidCount; ++solid) {
-    output_.put(solid == 0 ? "#" : ",#");
-    output_.put(names_.solid(solid));
-  }
-  output_.put("),#");
-  output_.put(context);
-  output_.put(");\n");
-}
-
-/// A tessellated representation with its exact twin: the converter reads lines and takes the file
-/// for one with both kinds of geometry, the kernel sees a comment.
-void Writer::writeMark() {
-  const std::uint64_t tessellated = names_.next();
-  const std::uint64_t exact = names_.next();
-  output_.put("/*\n");
-  startLine(tessellated);
-  output_.put("TESSELLATED_SHAPE_REPRESENTATION('',(),$);\n");
-  startLine(exact);
-  output_.put("SHAPE_REPRESENTATION('',(),$);\n");
-  startLine(names_.next());
-  output_.put("SHAPE_REPRESENTATION_RELATIONSHIP('','',#");
-  output_.put(exact);
-  output_.put(",#");
-  output_.put(tessellated);
-  output_.put(");\n*/\n");
-}
-
-void Writer::writeOrphans() {
-  const Orphans& orphans = decisions_.orphans;
-  if (orphans.representations.empty()) {
-    return;
-  }
-  std::uint64_t shape = 0;
-  const auto line = [this](std::string_view before, std::uint64_t named, std::string_view after) {
-    const std::uint64_t name = names_.next();
-    startLine(name);
-    output_.put(before);
-    output_.put(named);
-    output_.put(after);
-    return name;
-  };
-  if (orphans.productShape != kNoInstance) {
-    shape = table_.number(orphans.productShape);
-  } else {
-    const std::uint64_t context = names_.next();
-    startLine(context);
-    output_.put("APPLICATION_CONTEXT('');\n");
-    const std::uint64_t ofProduct = line("PRODUCT_CONTEXT('',#", context, ",'mechanical');\n");
-    const std::uint64_t product = line("PRODUCT('','','',(#", ofProduct, "));\n");
-    const std::uint64_t formation = line("PRODUCT_DEFINITION_FORMATION('','',#", product, ");\n");
-    const std::uint64_t ofDefinition =
-        line("PRODUCT_DEFINITION_CONTEXT('part definition',#", context, ",'design');\n");
-    const std::uint64_t definition = names_.next();
-    startLine(definition);
-    output_.put("PRODUCT_DEFINITION('','',#");
-    output_.put(formation);
-    output_.put(",#");
-    output_.put(ofDefinition);
-    output_.put(");\n");
-    shape = line("PRODUCT_DEFINITION_SHAPE('','',#", definition, ");\n");
-  }
-  for (const InstanceIndex representation : orphans.representations) {
-    startLine(names_.next());
-    output_.put("SHAPE_DEFINITION_REPRESENTATION(#");
-    output_.put(shape);
-    output_.put(",#");
-    output_.put(table_.number(representation));
-    output_.put(");\n");
-  }
 }
 
 Written Writer::write() {
@@ -358,12 +204,11 @@ Written Writer::write() {
   }
   written_.hasNormalsAgainst =
       std::find(normals_.begin(), normals_.end(), NormalsVerdict::Against) != normals_.end();
-  writeOrphans();
+  writeOrphans(decisions_.orphans, table_, names_, output_);
   if (plan_.solidCount > 0) {
-    writeSolids();
-    writeRepresentation();
+    writeSolids(plan_, names_, output_);
     if (decisions_.hasExact) {
-      writeMark();
+      writeMark(names_, output_);
     }
   }
   output_.put("ENDSEC;\nEND-ISO-10303-21;\n");
