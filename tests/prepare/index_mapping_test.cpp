@@ -77,7 +77,7 @@ TEST(IndexMapping, EntriesOutsideTheListOfPointsAreZero) {
   EXPECT_EQ(in.mapping.held(2), 9U);
   EXPECT_EQ(in.mapping.held(3), 0U);
   EXPECT_EQ(in.mapping.held(4), 0U);
-  EXPECT_EQ(Mapped("(4294967295,4294967296)", 1ULL << 40U, {}).mapping.held(2), 0U);
+  EXPECT_EQ(Mapped("(4294967295,4294967297)", 1ULL << 40U, {}).mapping.held(2), 0U);
   EXPECT_THAT(Mapped("(0,9,10,-1,5)", 9, {.held = 1, .chunk = 2}).lookedUp({1, 2, 3, 4, 5, 0}),
               ElementsAre(0, 9, 0, 0, 5, 0));
 }
