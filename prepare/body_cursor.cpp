@@ -25,7 +25,7 @@ void BodyCursor::goTo(const BodyPlace& place) {
 std::string BodyCursor::takeKeyword() {
   (void)peek();
   const char* const end =
-      std::find_if(p_, end_, [](char c) { return c == '(' || c == ')' || c == ','; });
+      std::find_first_of(p_, end_, kBehindKeyword.begin(), kBehindKeyword.end());
   std::string keyword(p_, end);
   p_ = end;
   return keyword;

@@ -9,6 +9,9 @@
 
 namespace plenvorith {
 
+/// What a keyword ends with, in malformed instances too: all who read one have to find the same.
+inline constexpr std::string_view kBehindKeyword = "(),";
+
 /// A cursor on the body of the instance that a reader stands at. While it lives, the reader is not
 /// used otherwise.
 class BodyCursor {

@@ -87,8 +87,8 @@ bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
   }
   const std::uint64_t offset = reader.offset();
   const std::string_view start = reader.peek(kLongestKeyword);
-  const std::string_view keyword = start.substr(0, start.find('('));
-  const bool isComplex = keyword.empty() && !start.empty();
+  const std::string_view keyword = start.substr(0, start.find_first_of(kBehindKeyword));
+  const bool isComplex = start.starts_with('(');
   std::uint16_t type = 0;
   // The surfaces and curves of complex instances begin with these; there are many.
   const bool isBounded =

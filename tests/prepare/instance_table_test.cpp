@@ -52,6 +52,15 @@ TEST(InstanceTable, WhatIsReplacedHasNoRole) {
   EXPECT_FALSE(in.table.has(0, kMappedItem));
 }
 
+TEST(InstanceTable, EndsAKeywordWhereOthersEndIt) {
+  // Otherwise the first would be taken for a representation, and written anew as one without items.
+  const Instances in("#1=)_TESSELLATED_SHAPE_REPRESENTATION('',(#3),$);\n#2=A,B('');\n#3=C;\n");
+  EXPECT_THAT(in.table.type(in[1]).keywords, ElementsAre(""));
+  EXPECT_FALSE(in.table.type(in[1]).isComplex);
+  EXPECT_THAT(in.table.type(in[2]).keywords, ElementsAre("A"));
+  EXPECT_THAT(in.table.type(in[3]).keywords, ElementsAre("C"));
+}
+
 TEST(InstanceTable, KnowsWhereBodiesStand) {
   Instances in("#1=A();\n#2 = B ( 'b' );\n");
   in.reader.seekBody(in.table.offset(in[2]));
