@@ -75,6 +75,7 @@ bool InstanceTable::read(StatementReader& reader) {
   if (!error_.empty()) {
     return false;
   }
+  largestNumber_ = std::max(largestNumber_, scanner.largestNumber());
   sortNumbers();
   return true;
 }

@@ -52,6 +52,7 @@ class InstanceTable {
   [[nodiscard]] bool isReplaced(InstanceIndex index) const {
     return (instances_[index].numberAndFlag & 1U) != 0;
   }
+  /// Of an instance, or in a reference, which may name none: a new instance must not become it.
   [[nodiscard]] std::uint64_t largestNumber() const {
     return largestNumber_;
   }

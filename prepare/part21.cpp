@@ -5,9 +5,6 @@
 namespace plenvorith {
 namespace {
 
-/// Larger numbers of instances are in no file, and leave no room for new ones above them.
-constexpr std::uint64_t kLargestNumber = 99'999'999'999'999'999;
-
 constexpr std::string_view kStart = "ISO-10303-21";
 
 constexpr bool isWordCharacter(char c) {

@@ -14,6 +14,9 @@
 
 namespace plenvorith {
 
+/// Larger numbers of instances are in no file, and leave no room for new ones above them.
+inline constexpr std::uint64_t kLargestNumber = 99'999'999'999'999'999;
+
 /// What `StatementReader::next` stands at.
 enum class Statement {
   HeaderEntity,  ///< of the HEADER section, "FILE_NAME(...);"

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/ascii.h"
+#include "prepare/part21.h"
 
 namespace plenvorith {
 namespace {
@@ -177,6 +178,9 @@ void ReferenceScanner::noteOther() {
 }
 
 void ReferenceScanner::storeReference() {
+  if (number_ <= kLargestNumber) {
+    largestNumber_ = std::max(largestNumber_, number_);
+  }
   if (levels_.empty()) {
     return;
   }

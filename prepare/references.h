@@ -45,6 +45,10 @@ class ReferenceScanner {
   [[nodiscard]] bool isComplex() const {
     return isComplex_;
   }
+  /// The largest number that any instance so far names, of those that an instance may have.
+  [[nodiscard]] std::uint64_t largestNumber() const {
+    return largestNumber_;
+  }
 
  private:
   enum class Group : std::uint8_t { Complex, Record, Parameters, List };
@@ -67,7 +71,8 @@ class ReferenceScanner {
   std::vector<Level> levels_;
   Token token_ = Token::None;
   bool isBehindWord_ = false;
-  std::uint64_t number_ = 0;    // of the reference that is being read
+  std::uint64_t number_ = 0;  // of the reference that is being read
+  std::uint64_t largestNumber_ = 0;
   std::uint64_t previous_ = 0;  // of the reference before
   std::uint64_t attribute_ = 0;
   std::uint64_t records_ = 0;

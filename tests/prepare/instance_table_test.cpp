@@ -36,6 +36,11 @@ TEST(InstanceTable, FindsInstancesByNumberInAnyOrder) {
   }
 }
 
+TEST(InstanceTable, KnowsTheLargestNumberThatIsNamed) {
+  EXPECT_EQ(Instances("#1=A(#20);\n#2=B();\n").table.largestNumber(), 20U);
+  EXPECT_EQ(Instances("#1=A(#20);\n#30=B();\n").table.largestNumber(), 30U);
+}
+
 TEST(InstanceTable, TheLastOfOneNumberCounts) {
   const Instances in("#2=A(#1);\n#1=B();\n#02=C();\n");
   EXPECT_EQ(in.table.size(), 3U);

@@ -107,5 +107,22 @@ TEST(References, ComeWithTheKeywordsOfTheirRecords) {
   EXPECT_EQ(keywordsOf("(A()B(C())D_2(#1))"), "A(B(D_2 complex");
 }
 
+TEST(ReferenceScanner, KnowsTheLargestNumberOfAllInstances) {
+  ReferenceStore store;
+  ReferenceScanner scanner;
+  EXPECT_EQ(scanner.largestNumber(), 0U);
+  for (const char* const body :
+       {"A(#7,(#300,#2))", "B", "C#400", "D(#5)", "E(#100000000000000000,#99999999999999999999)"}) {
+    scanner.start(store);
+    scanner.scan(body);
+    scanner.finish();
+  }
+  EXPECT_EQ(scanner.largestNumber(), 400U);
+  scanner.start(store);
+  scanner.scan("F(#99999999999999999)");
+  scanner.finish();
+  EXPECT_EQ(scanner.largestNumber(), 99'999'999'999'999'999U);
+}
+
 }  // namespace
 }  // namespace plenvorith

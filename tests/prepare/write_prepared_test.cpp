@@ -96,6 +96,16 @@ TEST(WritePrepared, WritesFacesUnderNewNamesOfOneLength) {
   EXPECT_THAT(larger.write().data, testing::StartsWith("#100=COORDINATES_LIST("));
 }
 
+TEST(WritePrepared, GivesNoNewInstanceANumberThatTheFileNames) {
+  // Or the definition would become that of the new list.
+  Input in(kTriangle + "#3=SHAPE_DEFINITION_REPRESENTATION(#9,#10);\n");
+  in.plan(2, 1);
+  EXPECT_THAT(
+      in.write().data,
+      testing::StartsWith("#100=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
+                          "#101=COMPLEX_TRIANGULATED_FACE('',#100,"));
+}
+
 TEST(WritePrepared, MarksTessellationBesideExactGeometry) {
   Input in(kTriangle);
   in.plan(2, 1);
