@@ -68,11 +68,13 @@ struct ProductStructure {
   std::map<InstanceIndex, RepresentationIndex> byInstance;
 };
 
-/// Whether a reference stands in the record with this keyword, or in a simple instance.
+/// Whether a reference stands in the record with this keyword, or in that of a simple instance.
+/// What a malformed one has behind its record belongs to nothing.
 [[nodiscard]] inline bool isInRecord(const EntityType& type, const Reference& reference,
                                      std::string_view keyword) {
-  return !type.isComplex ||
-         (reference.record < type.keywords.size() && type.keywords[reference.record] == keyword);
+  return type.isComplex
+             ? reference.record < type.keywords.size() && type.keywords[reference.record] == keyword
+             : reference.record == 0;
 }
 
 /// Calls `visit` with the number of each item of a representation.

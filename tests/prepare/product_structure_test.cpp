@@ -153,6 +153,13 @@ TEST(ProductStructure, FindsWhatIsExactAndWhatMapsThat) {
               ElementsAre(60, 63));
 }
 
+TEST(ProductStructure, TakesNoItemsFromBehindARecord) {
+  std::vector<std::uint64_t> items;
+  const Instances in("#1=SHAPE_REPRESENTATION('',(#2),$)SHAPE_REPRESENTATION('',(#3),$);\n");
+  forEachItem(in.table, in[1], [&items](std::uint64_t number) { items.push_back(number); });
+  EXPECT_THAT(items, ElementsAre(2));
+}
+
 TEST(ProductStructure, WhatIsMappedFromAProductIsOfIt) {
   const Structure in(kMapped +
                      "#1=PRODUCT_DEFINITION('','',$,$);\n"
