@@ -216,10 +216,6 @@ bool StatementBody::normaliseSpecial(char c) {
       return skipZero(c);
     case State::Slash:
       state_ = c == '*' ? State::Comment : State::Text;
-      if (c != '*') {
-        put('/');
-      }
-      visible_ = end_;
       return c == '*';
     case State::Comment:
       state_ = c == '*' ? State::Star : State::Comment;

@@ -19,8 +19,9 @@ struct BodyPlace {
 ///
 /// It is handed out without blanks, control characters and comments, other than in strings ('...',
 /// an apostrophe inside is doubled) and binaries ("..."), from which line ends are taken; a
-/// reference "#007" is written "#7". A string of more than `kLongestString` bytes is handed out as
-/// an empty one.
+/// reference "#007" is written "#7". A slash that begins no comment means nothing and goes, too: it
+/// could begin one once blanks are gone. A string of more than `kLongestString` bytes is handed out
+/// as an empty one.
 ///
 /// Errors  a body that has no semicolon ends with the file, which notes what never ended.
 /// Memory  one window, whatever the length of a body.

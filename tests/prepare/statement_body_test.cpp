@@ -37,7 +37,10 @@ TEST(StatementBody, EndsAtItsSemicolon) {
 
 TEST(StatementBody, LeavesOutBlanksAndComments) {
   EXPECT_EQ(handedOut(" A\t( 1. ,\r\n 2. /* ; ' */)/**/ ;"), "A(1.,2.)");
-  EXPECT_EQ(handedOut("A(/ *,2*/3,/***/4);"), "A(/*,2*/3,4)");
+}
+
+TEST(StatementBody, LeavesOutSlashesThatCouldBeginAComment) {
+  EXPECT_EQ(handedOut("A(/ *,2*/3,/***/4,//**/*/);"), "A(*,2*3,4,*)");
 }
 
 TEST(StatementBody, KeepsStringsAndBinaries) {

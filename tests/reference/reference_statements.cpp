@@ -144,7 +144,7 @@ std::string Reference::readBody() {
         body += withoutLineEnds(token.text);
         break;
       case Token::Kind::Byte:
-        body += token.text;
+        body += token.text == "/" ? "" : token.text;
         if (token.text == "#") {
           std::string digits;
           while (place_ < text_.size() && text_[place_] == '0') {
