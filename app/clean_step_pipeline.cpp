@@ -72,29 +72,21 @@ bool convertPaired(const std::string& inputPath, const std::string& outputPath) 
   return writeCleanStep(shapes, outputPath, "Saved clean STEP (without tessellation): ");
 }
 
-/// What the rest of the steps needs of the file's text.
-struct DecodedFile {
-  TessellationStatus status = TessellationStatus::NoTessellation;
-  std::vector<Triangle> tessellation;  // that no exact geometry duplicates
-};
-
-/// The steps that need the text. The table, larger than the file, is gone before the kernel needs
-/// memory.
-DecodedFile readAndDecode(const std::string& inputPath) {
-  const AnalyzedFile file = readAndAnalyze(inputPath);
-  DecodedFile decoded{file.analysis.status, {}};
-  if (decoded.status == TessellationStatus::TessellationOnly) {
+/// Steps [2] and [3], as far as they need the text.
+std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
+  std::vector<Triangle> triangles;
+  if (file.analysis.status == TessellationStatus::TessellationOnly) {
     std::cout << "[2] No BRep geometry, only tessellation. Converting to STL..." << std::endl;
-    decoded.tessellation = decodeAllTriangulatedFaces(file.table);
-    std::cout << "  Parsed " << decoded.tessellation.size() << " triangles" << std::endl;
-  } else if (decoded.status == TessellationStatus::PartiallyUnique) {
+    triangles = decodeAllTriangulatedFaces(file.table);
+    std::cout << "  Parsed " << triangles.size() << " triangles" << std::endl;
+  } else if (file.analysis.status == TessellationStatus::PartiallyUnique) {
     std::cout << "[2] Mixed: BRep + unique tessellation. Converting all to STL..." << std::endl;
     std::cout << "[3] Parsing unique tessellation..." << std::endl;
-    decoded.tessellation = decodeTriangulatedFaces(file.table, file.analysis.uniqueFaces);
-    std::cout << "  Parsed " << decoded.tessellation.size() << " triangles from unique tessellation"
+    triangles = decodeTriangulatedFaces(file.table, file.analysis.uniqueFaces);
+    std::cout << "  Parsed " << triangles.size() << " triangles from unique tessellation"
               << std::endl;
   }
-  return decoded;
+  return triangles;
 }
 
 bool writeTessellation(const std::vector<Triangle>& triangles, const std::string& outputPath) {
@@ -154,7 +146,7 @@ bool convertToCleanStep(const std::string& inputPath, const std::string& outputP
   if (splitShapes) {
     return convertSplit(inputPath, outputPath);
   }
-  DecodedFile file = readAndDecode(inputPath);
+  DecodedFile file = readAndDecode(inputPath, decodeTessellation);
   switch (file.status) {
     case TessellationStatus::NoTessellation:
       return convertExact(inputPath, outputPath);

@@ -32,6 +32,12 @@ AnalyzedFile readAndAnalyze(const std::string& inputPath) {
   return file;
 }
 
+DecodedFile readAndDecode(const std::string& inputPath,
+                          std::vector<Triangle> (*decode)(const AnalyzedFile& file)) {
+  const AnalyzedFile file = readAndAnalyze(inputPath);
+  return {file.analysis.status, decode(file)};
+}
+
 void removeCleanCopy(const std::string& cleanPath, const std::string& inputPath) {
   if (cleanPath != inputPath) {
     // A copy that is not there or cannot be deleted changes nothing for the conversion.

@@ -21,6 +21,18 @@ struct AnalyzedFile {
 /// Prints  what is read, the step's header, the number of entities and the name of the status.
 AnalyzedFile readAndAnalyze(const std::string& inputPath);
 
+/// What the steps that follow need of the file's text.
+struct DecodedFile {
+  TessellationStatus status = TessellationStatus::NoTessellation;
+  std::vector<Triangle> tessellation;  ///< that no exact geometry duplicates
+};
+
+/// Reads and analyses the STEP file at `inputPath` and decodes it with `decode`, which prints what
+/// its pipeline prints of that. The table, larger than the file, is gone afterwards, before the
+/// kernel needs memory.
+DecodedFile readAndDecode(const std::string& inputPath,
+                          std::vector<Triangle> (*decode)(const AnalyzedFile& file));
+
 /// Deletes the copy that `stripTessellation` made of the file at `inputPath`, unless it made none
 /// and `cleanPath` is the input itself.
 void removeCleanCopy(const std::string& cleanPath, const std::string& inputPath);

@@ -26,14 +26,9 @@ void printCounts(const TessellationAnalysis& analysis) {
   std::cout << "  Unique tess faces to parse: " << analysis.uniqueFaces.size() << std::endl;
 }
 
-/// What the rest of the steps needs of the file's text.
-struct DecodedFile {
-  TessellationStatus status = TessellationStatus::NoTessellation;
-  std::vector<Triangle> tessellation;  // that no exact geometry duplicates
-};
-
-/// Step [2].
+/// The counts of step [1], and step [2].
 std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
+  printCounts(file.analysis);
   std::vector<Triangle> triangles;
   switch (file.analysis.status) {
     case TessellationStatus::NoTessellation:
@@ -54,13 +49,6 @@ std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
       break;
   }
   return triangles;
-}
-
-/// Steps [1] and [2]. The table, larger than the file, is gone before the kernel needs memory.
-DecodedFile readAndDecode(const std::string& inputPath) {
-  const AnalyzedFile file = readAndAnalyze(inputPath);
-  printCounts(file.analysis);
-  return {file.analysis.status, decodeTessellation(file)};
 }
 
 /// Split mode, once the shapes are read: one file for each of them, one for the tessellation.
@@ -106,7 +94,7 @@ bool writeMerged(std::vector<Triangle> brep, std::vector<Triangle> tessellation,
 
 bool convertToStl(const std::string& inputPath, const std::string& outputPath, double deflection,
                   bool splitShapes) {
-  DecodedFile file = readAndDecode(inputPath);
+  DecodedFile file = readAndDecode(inputPath, decodeTessellation);
   if (file.status == TessellationStatus::TessellationOnly) {
     return writeMerged({}, std::move(file.tessellation), outputPath);
   }

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/text_arena.h"
+#include "steptext/text_arena.h"
 
 namespace plenvorith {
 

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "common/digit_groups.h"
-#include "common/digit_marks.h"
 #include "common/short_number.h"
 #include "common/triangle.h"
+#include "tessellation/digit_groups.h"
+#include "tessellation/digit_marks.h"
 
 namespace plenvorith::shorttriple {
 

@@ -1,4 +1,4 @@
-#include "common/digit_marks.h"
+#include "tessellation/digit_marks.h"
 
 #include <cstddef>
 #include <cstdint>

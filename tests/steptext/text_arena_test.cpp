@@ -1,4 +1,4 @@
-#include "common/text_arena.h"
+#include "steptext/text_arena.h"
 
 #include <cstddef>
 #include <random>

@@ -1,4 +1,4 @@
-#include "common/digit_groups.h"
+#include "tessellation/digit_groups.h"
 
 #include <array>
 #include <cstddef>
