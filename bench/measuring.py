@@ -18,14 +18,15 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build" / "release"
 BENCH = BUILD / "bench"
-PROGRAM = BUILD / "app" / "plenvorith"
-PREPARE = BUILD / "prepare" / "plenvorith-prepare"
-BATCH = BUILD / "batch" / "plenvorith-batch"
+BIN = BUILD / "bin"
+PROGRAM = BIN / "plenvorith"
+PREPARE = BIN / "plenvorith-prepare"
+BATCH = BIN / "plenvorith-batch"
 INPUTS = ROOT / "build" / "bench"
 MEGABYTE = 1_000_000
-TARGETS = ("plenvorith", "plenvorith-prepare", "plenvorith-batch", "bench_stages", "generate_exact",
-           "generate_tessellation", "baseline_io", "baseline_kernel", "baseline_literal",
-           "baseline_numbers", "baseline_part21", "baseline_stream")
+TARGETS = ("plenvorith_programs", "bench_stages", "generate_exact", "generate_tessellation",
+           "baseline_io", "baseline_kernel", "baseline_literal", "baseline_numbers",
+           "baseline_part21", "baseline_stream")
 
 
 @dataclass

@@ -1,11 +1,17 @@
 # plenvorith_program(<target> [<file>...])
 #
 # One program, installed with the man page and the completions of its name; without files, a script
-# of that name in script/.
+# of that name in script/. All programs lie in one folder, bin in that of the build, and are built as
+# plenvorith_programs.
 function(plenvorith_program name)
+  if(NOT TARGET plenvorith_programs)
+    add_custom_target(plenvorith_programs)
+  endif()
   if(ARGN)
     add_executable(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE plenvorith::flags)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+    add_dependencies(plenvorith_programs ${name})
     # Finds a kernel outside the system's folders after installation, too.
     set_target_properties(${name} PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
   endif()
