@@ -13,20 +13,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "batch/conversion_loop.h"
-#include "batch/export.h"
-#include "batch/find_files.h"
-#include "batch/folder.h"
-#include "batch/host_loop.h"
-#include "batch/hosts.h"
-#include "batch/ledger.h"
-#include "batch/merge.h"
-#include "batch/names.h"
-#include "batch/output_folder.h"
-#include "batch/run_report.h"
-#include "batch/shard.h"
-#include "batch/summary.h"
-#include "batch/text.h"
+#include "batch/hosts/host_loop.h"
+#include "batch/inputs/find_files.h"
+#include "batch/local/conversion_loop.h"
+#include "batch/report/export.h"
+#include "batch/report/run_report.h"
+#include "batch/report/summary.h"
+#include "batch/state/ledger.h"
+#include "batch/state/merge.h"
+#include "batch/state/names.h"
+#include "batch/state/output_folder.h"
+#include "batch/state/shard.h"
+#include "batch/system/folder.h"
+#include "batch/system/host_name.h"
+#include "batch/system/text.h"
 
 namespace plenvorith {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "batch/driver.h"
 #include "batch/options.h"
-#include "batch/worker.h"
+#include "batch/worker/worker.h"
 
 int main(int argc, char** argv) {
   const plenvorith::ParsedOptions parsed = plenvorith::parseOptions(argc, argv);

@@ -5,9 +5,9 @@
 
 #include <gmock/gmock.h>
 
-#include "batch/folder.h"
-#include "batch/names.h"
-#include "batch/state.h"
+#include "batch/state/names.h"
+#include "batch/state/state.h"
+#include "batch/system/folder.h"
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/triangle_step.h"

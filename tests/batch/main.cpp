@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "batch/worker.h"
+#include "batch/worker/worker.h"
 
 int main(int argc, char** argv) {
   if (argc == 2 && std::string_view(argv[1]) == "--worker") {

@@ -28,6 +28,7 @@ struct Room {
   bool mayUseSystem = false;  ///< the operating system, and other libraries
 };
 
+/// A room is a folder; the files of one that stands in another belong to the inner one alone.
 const std::map<std::string, Room> kRooms = {
     {"common", {}},
     {"steptext", {{"common"}}},
@@ -36,9 +37,43 @@ const std::map<std::string, Room> kRooms = {
     {"tessellation", {{"common", "steptext/entity_table.h"}}},
     {"brep", {{"common"}, true}},
     {"app", {{"common", "steptext", "tessellation", "brep", "output"}, true}},
+    {"batch/system", {{}, false, true}},
+    {"batch/records", {{}, false, true}},
+    {"batch/inputs", {{"batch/options.h", "batch/records", "batch/system"}, false, true}},
+    {"batch/worker",
+     {{"batch/inputs", "batch/records", "batch/system", "app", "prepare"}, false, true}},
+    {"batch/state",
+     {{"batch/inputs", "batch/options.h", "batch/records", "batch/system", "batch/version.h"},
+      false,
+      true}},
+    {"batch/report",
+     {{"batch/inputs", "batch/options.h", "batch/records", "batch/state", "batch/system"},
+      false,
+      true}},
+    {"batch/local",
+     {{"batch/options.h", "batch/records", "batch/report", "batch/state", "batch/system"},
+      false,
+      true}},
+    {"batch/hosts",
+     {{"batch/local", "batch/options.h", "batch/records", "batch/report", "batch/state",
+       "batch/system", "batch/version.h"},
+      false,
+      true}},
     {"batch",
-     {{"common", "steptext", "tessellation", "brep", "output", "prepare", "app"}, false, true}},
+     {{"batch/hosts", "batch/inputs", "batch/local", "batch/records", "batch/report", "batch/state",
+       "batch/system", "batch/worker", "brep/kernel_release.h", "common"},
+      false,
+      true}},
 };
+
+/// The innermost room that a path from the root of the project lies in; empty if it lies in none.
+std::string roomOf(const std::string& path) {
+  std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  while (!folder.empty() && kRooms.count(folder) == 0) {
+    folder = folder.parent_path();
+  }
+  return folder;
+}
 
 struct SourceFile {
   std::string room;
@@ -65,9 +100,9 @@ const std::vector<SourceFile>& productFiles() {
     for (const auto& [room, rules] : kRooms) {
       for (const auto& entry : std::filesystem::recursive_directory_iterator(root / room)) {
         const std::string extension = entry.path().extension();
-        if (extension == ".h" || extension == ".cpp") {
-          found.push_back({room, std::filesystem::relative(entry.path(), root),
-                           withoutComments(readFile(entry.path()))});
+        const std::string path = std::filesystem::relative(entry.path(), root);
+        if ((extension == ".h" || extension == ".cpp") && roomOf(path) == room) {
+          found.push_back({room, path, withoutComments(readFile(entry.path()))});
         }
       }
     }
@@ -159,11 +194,17 @@ TEST(Style, RoomsIncludeOnlyWhatTheyMay) {
         continue;
       }
       const std::string header = include.substr(1, include.size() - 2);
-      const std::string room = header.substr(0, header.find('/'));
+      const std::string room = roomOf(header);
       EXPECT_TRUE(room == file.room || rules.uses.count(room) == 1 || rules.uses.count(header) == 1)
           << file.path << " includes " << header;
     }
   }
+}
+
+TEST(Style, RoomsAreTheInnermostFolders) {
+  EXPECT_EQ(roomOf("batch/state/ledger.h"), "batch/state");
+  EXPECT_EQ(roomOf("batch/driver.h"), "batch");
+  EXPECT_EQ(roomOf("main.cpp"), "");
 }
 
 TEST(Style, OwnHeadersAreIncludedByTheirPathFromTheRoot) {

@@ -1,0 +1,245 @@
+#include "batch/hosts/host_engine.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "batch/records/job.h"
+#include "batch/state/names.h"
+#include "batch/system/folder.h"
+
+namespace plenvorith {
+namespace {
+
+// The worker's program replaces the shell, so that it hears when nobody reads its results.
+constexpr const char* kShared = "exec \"$p\" --worker <\"$PLENVORITH_RUN/{}.jobs\"";
+
+// Here, on ":", GNU parallel transfers nothing. The results travel with the outputs: what is
+// printed comes before them.
+constexpr const char* kTransferred = R"(here=
+[ -e {}.tar ] || { cp "$PLENVORITH_RUN/{}.tar" . && here=yes; }
+tar -xf {}.tar && rm {}.tar && cd {} && "$p" --worker <jobs >results
+cd .. && tar --format=posix -cf {}.out.tar {}/results {}/made {}/transcripts && rm -r {} &&
+{ [ ! "$here" ] || mv {}.out.tar "$PLENVORITH_RUN"; } && echo done {})";
+
+constexpr std::string_view kDone = "done ";
+
+/// Where a chunk's files stand, on its way to a host and back.
+std::string chunkFolder(const HostEngine& engine, const std::string& chunk) {
+  return engine.folder + '/' + chunk;
+}
+
+/// Where the outputs of a job are when they have come.
+std::string outFolder(const HostEngine& engine, const std::string& chunk, std::size_t file) {
+  const std::string number = std::to_string(file);
+  return engine.transfer ? chunkFolder(engine, chunk) + "/made/" + number
+                         : engine.folder + "/file" + number;
+}
+
+std::string transcriptPath(const HostEngine& engine, std::size_t file) {
+  return engine.context.places.state + '/' +
+         transcriptFor(nameBelow(engine.context.base, engine.files[file].path));
+}
+
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+/// A job as a host gets it: with transfer, its paths are relative to the folder of the chunk.
+Job jobFor(const HostEngine& engine, const std::string& chunk, std::size_t file) {
+  const std::string number = std::to_string(file);
+  const std::string& input = engine.files[file].path;
+  Job job;
+  job.id = static_cast<std::int64_t>(file);
+  job.input = engine.transfer ? "in/" + number + '/' + nameOf(input) : input;
+  // A folder that is removed again costs time on some disks: one for each file is enough.
+  job.outFolder = engine.transfer ? "made/" + number : outFolder(engine, chunk, file);
+  job.temporaryFolder = engine.transfer ? "tmp" : chunkFolder(engine, chunk) + ".tmp";
+  job.outputName = outputNameFor(input, engine.settings);
+  job.transcript = engine.transfer ? "transcripts/" + number : transcriptPath(engine, file);
+  job.settings = engine.settings;
+  return job;
+}
+
+bool writeJobs(const HostEngine& engine, const std::string& chunk, const std::string& path,
+               const std::vector<std::size_t>& files) {
+  std::ofstream jobs(path, std::ios::binary);
+  for (const std::size_t file : files) {
+    jobs << lineFrom(jobFor(engine, chunk, file)) << '\n';
+  }
+  jobs.close();
+  return jobs.good();
+}
+
+/// Packs the jobs of a chunk and their inputs. One that cannot be read is missed by the worker.
+bool packChunk(const HostEngine& engine, const std::string& tar, const std::string& chunk,
+               const std::vector<std::size_t>& files) {
+  const std::string folder = chunkFolder(engine, chunk);
+  bool isMade = makeFolders(folder + "/made") && makeFolders(folder + "/transcripts") &&
+                writeJobs(engine, chunk, folder + "/jobs", files);
+  for (const std::size_t file : files) {
+    const std::string place = folder + "/in/" + std::to_string(file);
+    const std::string& input = engine.files[file].path;
+    isMade = isMade && makeFolders(place) &&
+             symlink(input.c_str(), (place + '/' + nameOf(input)).c_str()) == 0;
+  }
+  ToolStart start;
+  start.arguments = {tar, "--format=posix", "-chf", chunk + ".tar", chunk};
+  start.folder = engine.folder;
+  // Its status is that of the worst input.
+  (void)runTool(start, std::chrono::hours(24));
+  removeTree(folder);
+  return isMade && access((folder + ".tar").c_str(), F_OK) == 0;
+}
+
+std::optional<Finished> finishedFrom(const HostEngine& engine, const std::string& chunk,
+                                     const std::string& line) {
+  std::optional<JobResult> result = resultFrom(line);
+  if (!result || result->id < 0 || static_cast<std::size_t>(result->id) >= engine.files.size()) {
+    return std::nullopt;
+  }
+  const auto file = static_cast<std::size_t>(result->id);
+  return Finished{engine.files[file].path, outFolder(engine, chunk, file), std::move(*result)};
+}
+
+/// Unpacks what has come back of a chunk and gives its results.
+std::vector<Finished> unpackChunk(const HostEngine& engine, const std::string& chunk) {
+  std::vector<Finished> all;
+  ToolStart start;
+  start.arguments = {findTool("tar"), "-xf", chunk + ".out.tar"};
+  start.folder = engine.folder;
+  const bool isWhole = runTool(start, std::chrono::hours(24)).succeeded;
+  (void)unlink((chunkFolder(engine, chunk) + ".out.tar").c_str());
+  (void)unlink((chunkFolder(engine, chunk) + ".tar").c_str());
+  if (!isWhole) {
+    return all;
+  }
+  std::ifstream results(chunkFolder(engine, chunk) + "/results", std::ios::binary);
+  for (std::string line; std::getline(results, line);) {
+    std::optional<Finished> finished = finishedFrom(engine, chunk, line);
+    if (!finished) {
+      continue;
+    }
+    const auto file = static_cast<std::size_t>(finished->result.id);
+    const std::string transcript = transcriptPath(engine, file);
+    const std::string from = chunkFolder(engine, chunk) + "/transcripts/" + std::to_string(file);
+    // A file that could not be read at all has none.
+    (void)unlink(transcript.c_str());
+    if (makeFolders(folderOf(transcript))) {
+      (void)std::rename(from.c_str(), transcript.c_str());
+    }
+    all.push_back(std::move(*finished));
+  }
+  return all;
+}
+
+}  // namespace
+
+std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer) {
+  std::vector<std::string> options = {
+      "--plain", "--will-cite",      "--termseq", "TERM,5000,KILL,25",
+      "--env",   "PLENVORITH_BATCH", "--env",     "PLENVORITH_RUN"};
+  for (const Host& host : hosts) {
+    options.emplace_back("--sshlogin");
+    options.push_back(std::to_string(host.jobs) + '/' + host.login);
+  }
+  if (transfer) {
+    for (const char* const option :
+         {"--workdir", "...", "--transferfile", "{}.tar", "--return", "{}.out.tar", "--cleanup"}) {
+      options.emplace_back(option);
+    }
+  } else {
+    options.emplace_back("--line-buffer");
+  }
+  options.push_back(std::string(kFindProgram) + (transfer ? kTransferred : kShared));
+  return options;
+}
+
+std::string startEngine(HostEngine& engine, const std::string& parallel, const HostWish& wish,
+                        const std::vector<Host>& hosts,
+                        const std::vector<std::vector<std::size_t>>& chunks) {
+  const std::string tar = findTool("tar");
+  std::ofstream numbers(engine.folder + "/chunks");
+  for (std::size_t i = 0; i < chunks.size(); ++i) {
+    const std::string chunk = std::to_string(i);
+    const bool isMade =
+        engine.transfer ? packChunk(engine, tar, chunk, chunks[i])
+                        : writeJobs(engine, chunk, chunkFolder(engine, chunk) + ".jobs", chunks[i]);
+    if (!isMade) {
+      return engine.folder + " cannot be written";
+    }
+    numbers << chunk << '\n';
+  }
+  numbers.close();
+  ToolStart start;
+  start.arguments = engineOptions(hosts, engine.transfer);
+  start.arguments.insert(start.arguments.begin(), parallel);
+  start.arguments.insert(start.arguments.end(), {"::::", "chunks"});
+  start.environment = hostEnvironment(wish);
+  start.folder = engine.folder;
+  start.errors = ToolErrors::Shared;
+  start.endSignal = SIGINT;  // ends what runs on the hosts, too
+  engine.parallel = startTool(start, std::chrono::hours(24));
+  return engine.parallel.process > 0 ? "" : "GNU parallel cannot be started";
+}
+
+std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {
+  std::array<char, 65536> block{};
+  const ssize_t count = read(engine.parallel.output, block.data(), block.size());
+  isAlive = count > 0 || (count < 0 && errno == EINTR);
+  engine.pending.append(block.data(), static_cast<std::size_t>(std::max(count, ssize_t{0})));
+  std::vector<Finished> all;
+  std::size_t start = 0;
+  for (std::size_t end = 0; (end = engine.pending.find('\n', start)) != std::string::npos;) {
+    const std::string line = engine.pending.substr(start, end - start);
+    start = end + 1;
+    if (engine.transfer && line.starts_with(kDone)) {
+      std::vector<Finished> chunk = unpackChunk(engine, line.substr(kDone.size()));
+      std::move(chunk.begin(), chunk.end(), std::back_inserter(all));
+    } else if (std::optional<Finished> finished = finishedFrom(engine, "", line)) {
+      all.push_back(std::move(*finished));
+    }
+  }
+  engine.pending.erase(0, start);
+  return all;
+}
+
+std::vector<Finished> stopEngine(HostEngine& engine) {
+  std::vector<Finished> all;
+  if (engine.parallel.process <= 0) {
+    return all;
+  }
+  (void)kill(engine.parallel.process, SIGINT);
+  // It ends the jobs, on the hosts as well, and insists after five seconds.
+  constexpr int kPatience = 10000;  // milliseconds
+  constexpr int kLook = 100;
+  bool isAlive = true;
+  for (int waited = 0; waited < kPatience;) {
+    const bool hasEnded = waitpid(engine.parallel.process, nullptr, WNOHANG) != 0;
+    pollfd event{isAlive ? engine.parallel.output : -1, POLLIN, 0};
+    if (poll(&event, 1, hasEnded ? 0 : kLook) > 0) {
+      std::vector<Finished> some = collectFromHosts(engine, isAlive);
+      std::move(some.begin(), some.end(), std::back_inserter(all));
+    } else if (hasEnded) {
+      break;
+    } else {
+      waited += kLook;
+    }
+  }
+  endTool(engine.parallel);
+  return all;
+}
+
+}  // namespace plenvorith

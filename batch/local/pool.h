@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "batch/local/worker_process.h"
+#include "batch/records/input_file.h"
+#include "batch/records/job.h"
+#include "batch/records/settings.h"
+#include "batch/state/ledger.h"
+#include "batch/state/names.h"
+
+namespace plenvorith {
+
+/// A worker and the file that it has under way.
+struct PoolWorker {
+  WorkerProcess process;
+  std::optional<std::size_t> file;  ///< index of the input; none if it is idle
+  bool hasResult = false;           ///< of that file, which is still to be settled
+};
+
+/// The workers of this machine.
+struct WorkerPool {
+  Places places;
+  std::string base;
+  ConversionSettings settings;
+  std::vector<PoolWorker> workers;
+  int started = 0;  ///< so many so far; no two of them have the same folder
+};
+
+/// A file that got no result: its worker has ended.
+struct LostFile {
+  std::size_t file = 0;
+  int signal = 0;  ///< that ended the worker, 0 if none did
+};
+
+/// What has come from the workers.
+struct PoolEvents {
+  std::vector<Finished> finished;
+  std::vector<LostFile> lost;
+};
+
+/// Gives a file to an idle worker, which is started if there are fewer than `most`. False if there
+/// is none, or if the system lets none start.
+bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int most);
+
+/// Whether a worker is idle or can be started.
+bool hasIdle(const WorkerPool& pool, int most);
+
+/// The number of workers that are not idle.
+int countBusy(const WorkerPool& pool);
+
+/// The number of these that have no result yet.
+int countConverting(const WorkerPool& pool);
+
+/// Takes what has come from the workers with these indexes. A worker stays busy until `release`.
+PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& ready,
+                          const std::vector<InputFile>& files);
+
+/// Makes the worker of a file idle, if it has one: the outputs have been taken.
+void release(WorkerPool& pool, std::size_t file);
+
+/// Ends all workers, and what they have under way.
+void stopPool(WorkerPool& pool);
+
+}  // namespace plenvorith

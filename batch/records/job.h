@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "batch/records/output.h"
+#include "batch/records/settings.h"
+
+namespace plenvorith {
+
+/// One file to convert, as a driver asks a worker for it. All paths are absolute.
+struct Job {
+  std::int64_t id = 0;  ///< the driver's, given back with the result
+  std::string input;
+  std::string outFolder;        ///< for the outputs of this job alone, until they are taken
+  std::string temporaryFolder;  ///< emptied for each job: those of one worker may share it
+  std::string outputName;       ///< of the file that the converter is asked for
+  std::string transcript;       ///< where standard output and error go; its folder is made
+  ConversionSettings settings;
+};
+
+/// What a worker says of a job. Times and memory are those of the conversion alone.
+struct JobResult {
+  std::int64_t id = 0;
+  bool isConverted = false;
+  std::string reason;  ///< why it failed, or what is doubtful about it
+  std::string lastLine;
+  std::optional<int> exitStatus;
+  std::optional<int> signal;
+  std::int64_t size = 0;   ///< of the input
+  std::int64_t mtime = 0;  ///< of the input, nanoseconds since 1970
+  std::string hash;        ///< of the input
+  std::int64_t triangles = 0;
+  std::optional<Bounds> bounds;
+  double seconds = 0.0;
+  double cpuSeconds = 0.0;
+  std::int64_t peakMemory = 0;
+  std::string host;
+  std::vector<OutputRecord>
+      outputs;  ///< names in the job's folder of outputs; none if it is not converted
+};
+
+/// A job, and its result, as one line of ASCII without its end. Bytes of no known encoding go
+/// through, each as the character of its number.
+std::string lineFrom(const Job& job);
+std::string lineFrom(const JobResult& result);
+
+/// The other way; nothing for a line that is none of these.
+std::optional<Job> jobFrom(const std::string& line);
+std::optional<JobResult> resultFrom(const std::string& line);
+
+}  // namespace plenvorith

@@ -1,0 +1,228 @@
+#include "batch/report/mesh_tools.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <system_error>
+
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "batch/system/tool.h"
+
+namespace plenvorith {
+namespace {
+
+// Half a minute draws a mesh of ten million triangles.
+constexpr std::chrono::seconds kLimit{30};
+
+/// A folder of its own that goes with all that is in it at the end of the scope.
+class WorkFolder {
+ public:
+  WorkFolder() {
+    std::error_code ignored;
+    std::string pattern = std::filesystem::temp_directory_path(ignored) / "plenvorith-XXXXXX";
+    if (mkdtemp(pattern.data()) != nullptr) {
+      path_ = pattern + '/';
+    }
+  }
+  ~WorkFolder() {
+    std::error_code ignored;
+    if (!path_.empty()) {
+      std::filesystem::remove_all(path_, ignored);
+    }
+  }
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+
+  const std::string& path() const {
+    return path_;
+  }
+
+ private:
+  std::string path_;
+};
+
+/// A name without surprises for the output of a task: the tools get that.
+std::string aliasOf(const WorkFolder& work, std::size_t number) {
+  return work.path() + std::to_string(number) + ".stl";
+}
+
+bool makeAlias(const WorkFolder& work, const std::string& folder, const std::string& path,
+               std::size_t number) {
+  return symlink((folder + path).c_str(), aliasOf(work, number).c_str()) == 0;
+}
+
+void reportFailures(const char* tool, std::size_t failures) {
+  if (failures > 0) {
+    std::cerr << "plenvorith-batch: " << tool << " gave nothing for " << failures << " files"
+              << std::endl;
+  }
+}
+
+/// Runs a tool on every task and keeps what it gives; false if that cannot be kept.
+bool runOnAll(InspectionsHandle& inspections, const char* tool, std::size_t count,
+              std::size_t atOnce, const std::function<bool()>& isInterrupted,
+              const std::function<ToolStart(std::size_t)>& startOf,
+              const std::function<bool(std::size_t, const ToolResult&, bool& isGood)>& keep) {
+  constexpr std::size_t kTogether = 64;  // results that are written to the disk at once
+  std::size_t failures = 0;
+  std::size_t kept = 0;
+  bool isKept = beginKeeping(inspections);
+  runTools(count, atOnce, kLimit, startOf, [&](std::size_t number, const ToolResult& result) {
+    bool isGood = false;
+    isKept = isKept && keep(number, result, isGood);
+    failures += isGood ? 0 : 1;
+    if (isKept && ++kept % kTogether == 0) {
+      isKept = endKeeping(inspections) && beginKeeping(inspections);
+    }
+    return isKept && !isInterrupted();
+  });
+  reportFailures(tool, failures);
+  return endKeeping(inspections) && isKept;
+}
+
+bool checkAll(InspectionsHandle& inspections, const std::string& folder,
+              const std::vector<std::string>& paths, const InspectionWish& wish,
+              const std::function<bool()>& isInterrupted) {
+  const std::string admesh = findTool("admesh");
+  if (admesh.empty()) {
+    std::cerr << "plenvorith-batch: no --check without admesh (Debian package admesh)" << std::endl;
+    return true;
+  }
+  const WorkFolder work;
+  const auto startOf = [&](std::size_t number) {
+    (void)makeAlias(work, folder, paths[number], number);  // the tool fails without it
+    // Edges that match to the last bit only: a finished mesh has no others.
+    return ToolStart{.arguments = {admesh, "--exact", aliasOf(work, number)}};
+  };
+  const auto keep = [&](std::size_t number, const ToolResult& result, bool& isGood) {
+    const std::optional<MeshCheck> check =
+        result.succeeded ? checkFrom(result.output) : std::nullopt;
+    isGood = check.has_value();
+    (void)unlink(aliasOf(work, number).c_str());
+    return keepCheck(inspections, paths[number], check);
+  };
+  return runOnAll(inspections, "admesh", paths.size(), wish.atOnce, isInterrupted, startOf, keep);
+}
+
+/// Starts a display that nobody sees. Gives its name, or nothing if it does not come up.
+std::string startDisplay(const std::string& server, RunningTool& tool) {
+  tool = startTool(
+      {.arguments = {server, "-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp"}},
+      kLimit);
+  // The number of the display is all that it prints.
+  std::string number;
+  char digit = 0;
+  while (tool.process > 0 && read(tool.output, &digit, 1) == 1 && digit != '\n') {
+    number += digit;
+  }
+  return number.empty() || digit != '\n' ? "" : ':' + number;
+}
+
+ToolStart drawing(const std::string& viewer, const std::string& display, const std::string& mesh) {
+  ToolStart start;
+  start.arguments = {viewer,
+                     "--dry-run",
+                     "--quiet",
+                     "--resolution",
+                     "160,120",
+                     "--no-background",
+                     "--up",
+                     "+Z",
+                     "--fxaa",
+                     "--color",
+                     "0.62,0.75,0.92",
+                     "--camera-azimuth-angle",
+                     "35",
+                     "--camera-elevation-angle",
+                     "25",
+                     "--output",
+                     mesh + ".png",
+                     mesh};
+  start.environment = {"DISPLAY=" + display};
+  return start;
+}
+
+std::string contentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+bool drawAll(InspectionsHandle& inspections, const std::string& folder,
+             const std::vector<std::string>& paths, const InspectionWish& wish,
+             const std::function<bool()>& isInterrupted) {
+  const std::string viewer = findTool("f3d");
+  const std::string server = findTool("Xvfb");
+  if (viewer.empty() || server.empty()) {
+    std::cerr << "plenvorith-batch: no --thumbnails without f3d and Xvfb (Debian packages f3d and "
+              << "xvfb)" << std::endl;
+    return true;
+  }
+  RunningTool serverProcess;
+  const std::string display = startDisplay(server, serverProcess);
+  if (display.empty()) {
+    std::cerr << "plenvorith-batch: no --thumbnails: Xvfb does not start" << std::endl;
+    endTool(serverProcess);
+    return true;
+  }
+  const WorkFolder work;
+  const auto startOf = [&](std::size_t number) {
+    (void)makeAlias(work, folder, paths[number], number);  // the tool fails without it
+    return drawing(viewer, display, aliasOf(work, number));
+  };
+  const auto keep = [&](std::size_t number, const ToolResult& result, bool& isGood) {
+    const std::string path = aliasOf(work, number) + ".png";
+    const std::string picture = result.succeeded ? contentOf(path) : "";
+    (void)unlink(path.c_str());  // a tool that failed may not have made it
+    (void)unlink(aliasOf(work, number).c_str());
+    isGood = !picture.empty();
+    return keepPicture(inspections, paths[number], picture);
+  };
+  const bool isKept =
+      runOnAll(inspections, "f3d", paths.size(), wish.atOnce, isInterrupted, startOf, keep);
+  endTool(serverProcess);
+  return isKept;
+}
+
+}  // namespace
+
+bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,
+                    const std::vector<OutputRecord>& outputs, const InspectionWish& wish,
+                    const std::function<bool()>& isInterrupted) {
+  std::vector<std::string> toCheck;
+  std::vector<std::string> toDraw;
+  bool isKept = beginKeeping(inspections);
+  for (const OutputRecord& output : outputs) {
+    struct stat status {};
+    if (!output.path.ends_with(".stl") || stat((folder + output.path).c_str(), &status) != 0) {
+      continue;
+    }
+    const std::int64_t mtime =
+        std::int64_t{status.st_mtim.tv_sec} * 1000000000 + status.st_mtim.tv_nsec;
+    const std::optional<Uninspected> left =
+        prepareInspection(inspections, output.path, status.st_size, mtime);
+    isKept = isKept && left;
+    if (wish.checks && left && left->check) {
+      toCheck.push_back(output.path);
+    }
+    if (wish.pictures && left && left->picture) {
+      toDraw.push_back(output.path);
+    }
+  }
+  isKept = endKeeping(inspections) && isKept;
+  if (!toCheck.empty()) {
+    isKept = isKept && checkAll(inspections, folder, toCheck, wish, isInterrupted);
+  }
+  if (!toDraw.empty() && !isInterrupted()) {
+    isKept = isKept && drawAll(inspections, folder, toDraw, wish, isInterrupted);
+  }
+  return isKept;
+}
+
+}  // namespace plenvorith

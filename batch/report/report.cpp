@@ -1,0 +1,146 @@
+#include "batch/report/report.h"
+
+#include <charconv>
+#include <cstddef>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <ostream>
+#include <string_view>
+
+#include "batch/report/report_page.h"
+#include "batch/system/json_text.h"
+
+namespace plenvorith {
+namespace {
+
+/// The shortest digits that give the number back.
+std::string jsonNumber(double number) {
+  char digits[32];
+  return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
+}
+
+std::string base64(std::string_view bytes) {
+  constexpr std::string_view kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    unsigned group = 0;
+    for (std::size_t j = i; j < i + 3; ++j) {
+      group = group << 8U | (j < bytes.size() ? static_cast<unsigned char>(bytes[j]) : 0U);
+    }
+    const std::size_t known = bytes.size() - i;
+    text += kDigits[group >> 18U];
+    text += kDigits[group >> 12U & 63U];
+    text += known > 1 ? kDigits[group >> 6U & 63U] : '=';
+    text += known > 2 ? kDigits[group & 63U] : '=';
+  }
+  return text;
+}
+
+void writeOutput(std::ostream& page, const OutputRecord& output, const Inspection& inspection) {
+  page << "{\"path\":" << jsonText(output.path) << ",\"size\":" << output.size;
+  if (inspection.check) {
+    page << ",\"openEdges\":" << inspection.check->openEdges
+         << ",\"volume\":" << jsonNumber(inspection.check->volume);
+  }
+  if (!inspection.picture.empty()) {
+    page << ",\"picture\":\"" << base64(inspection.picture) << '"';
+  }
+  page << '}';
+}
+
+void writeBounds(std::ostream& page, const Bounds& bounds) {
+  const char* separator = ",\"bounds\":[";
+  for (const auto& corner : {bounds.low, bounds.high}) {
+    for (const double value : corner) {
+      page << separator << jsonNumber(value);
+      separator = ",";
+    }
+  }
+  page << ']';
+}
+
+void writeText(std::ostream& page, const char* key, const std::string& text) {
+  if (!text.empty()) {
+    page << ",\"" << key << "\":" << jsonText(text);
+  }
+}
+
+void writeNumber(std::ostream& page, const char* key, const std::optional<int>& number) {
+  if (number) {
+    page << ",\"" << key << "\":" << *number;
+  }
+}
+
+/// One file on a line. What is not known is left out.
+void writeFile(std::ostream& page, const ReportFile& file, const std::string& base) {
+  const FileRecord& record = file.record;
+  page << "{\"name\":" << jsonText(record.name) << ",\"status\":\"" << statusName(record.status)
+       << "\",\"size\":" << record.size << ",\"seconds\":" << jsonNumber(record.seconds)
+       << ",\"triangles\":" << record.triangles << ",\"peakMemory\":" << record.peakMemory;
+  // Nearly always the base and the name.
+  writeText(page, "path", record.path == base + record.name ? "" : record.path);
+  writeText(page, "reason", record.reason);
+  writeText(page, "lastLine", record.lastLine);
+  writeNumber(page, "exitStatus", record.exitStatus);
+  writeNumber(page, "signal", record.signal);
+  writeText(page, "transcript", record.transcript);
+  writeText(page, "host", record.host);
+  if (record.bounds) {
+    writeBounds(page, *record.bounds);
+  }
+  const char* separator = ",\"outputs\":[";
+  for (std::size_t i = 0; i < record.outputs.size(); ++i) {
+    page << separator;
+    writeOutput(page, record.outputs[i],
+                i < file.inspections.size() ? file.inspections[i] : Inspection());
+    separator = ",";
+  }
+  page << (record.outputs.empty() ? "}" : "]}");
+}
+
+/// Writes the page up to a mark, and leaves what follows the mark.
+void writeUpTo(std::ostream& page, std::string_view mark, std::string_view& rest) {
+  const std::size_t place = rest.find(mark);
+  page << rest.substr(0, place);
+  rest.remove_prefix(place + mark.size());
+}
+
+/// False if not all files could be read.
+bool writePage(std::ostream& page, const ReportHead& head, const ReportFiles& files) {
+  std::string_view rest = kReportHtml;
+  writeUpTo(page, "@STYLE@", rest);
+  page << kReportStyle;
+  writeUpTo(page, "@DATA@", rest);
+  page << "{\"about\":" << jsonText(head.about) << ",\"base\":" << jsonText(head.base)
+       << ",\"files\":[";
+  const char* separator = "\n";
+  const bool isWhole = files([&](const ReportFile& file) {
+    page << separator;
+    writeFile(page, file, head.base);
+    separator = ",\n";
+  });
+  page << "\n]}\n";
+  writeUpTo(page, "@SCRIPT@", rest);
+  page << kReportScript << rest;
+  return isWhole;
+}
+
+}  // namespace
+
+bool writeReport(const std::string& path, const ReportHead& head, const ReportFiles& files) {
+  // A reader of the page never meets half of one.
+  const std::string unfinished = path + ".new";
+  std::ofstream page(unfinished, std::ios::binary | std::ios::trunc);
+  const bool isWhole = writePage(page, head, files);
+  page.close();
+  if (!isWhole || !page || std::rename(unfinished.c_str(), path.c_str()) != 0) {
+    (void)std::remove(unfinished.c_str());  // it may never have been made
+    std::cerr << "plenvorith-batch: the report could not be written: " << path << std::endl;
+    return false;
+  }
+  return true;
+}
+
+}  // namespace plenvorith

@@ -1,0 +1,110 @@
+#include "batch/report/run_report.h"
+
+#include <csignal>
+#include <cstddef>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+#include "batch/report/inspection.h"
+#include "batch/report/mesh_tools.h"
+#include "batch/report/report.h"
+#include "batch/report/report_page.h"
+#include "batch/system/text.h"
+
+namespace plenvorith {
+namespace {
+
+/// Whether a signal that ends a run has come since the conversions, which have left them blocked.
+bool isInterrupted() {
+  sigset_t pending;
+  sigemptyset(&pending);
+  sigpending(&pending);
+  return sigismember(&pending, SIGHUP) == 1 || sigismember(&pending, SIGINT) == 1 ||
+         sigismember(&pending, SIGTERM) == 1;
+}
+
+/// Whether a file can be written without loss: it is not there, or is a report.
+bool mayReplace(const std::string& path) {
+  if (access(path.c_str(), F_OK) != 0) {
+    return true;
+  }
+  std::string start(kReportHtml.find("@STYLE@"), '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(start.data(), static_cast<std::streamsize>(start.size()));
+  return file && kReportHtml.starts_with(start);
+}
+
+bool inspectAll(const Options& options, StateHandle& state, const Places& places,
+                InspectionsHandle& inspections) {
+  std::vector<OutputRecord> outputs;
+  const bool isRead = forEachFile(state, [&](const FileRecord& record) {
+    outputs.insert(outputs.end(), record.outputs.begin(), record.outputs.end());
+  });
+  const InspectionWish wish{options.checks, options.pictures,
+                            static_cast<std::size_t>(options.jobs)};
+  return isRead && inspectOutputs(inspections, places.output + '/', outputs, wish, isInterrupted);
+}
+
+std::string aboutRuns(const std::vector<RunRecord>& runs) {
+  if (runs.empty()) {
+    return "";
+  }
+  const RunRecord& last = runs.back();
+  std::string about = "Plenvorith " + last.program + ", on " + last.host + ", " + last.start;
+  if (runs.size() > 1) {
+    about += ", the last of " + std::to_string(runs.size()) + " runs";
+  }
+  about += ": plenvorith-batch";
+  for (const std::string& argument : last.arguments) {
+    about += ' ' + printable(argument);
+  }
+  return about;
+}
+
+}  // namespace
+
+bool reportState(const Options& options, StateHandle& state, const Places& places) {
+  const std::string path = places.output + "/index.html";
+  if (!mayReplace(path)) {
+    std::cerr << "plenvorith-batch: no report, for this is not one: " << printable(path)
+              << std::endl;
+    return false;
+  }
+  std::string problem;
+  const std::string database = places.state + "/inspections.db";
+  Inspections inspections;
+  if (options.checks || options.pictures || access(database.c_str(), F_OK) == 0) {
+    inspections = openInspections(database, problem);
+  }
+  bool isInspected = problem.empty();
+  if (inspections && (options.checks || options.pictures)) {
+    isInspected = inspectAll(options, state, places, *inspections);
+    problem = isInspected ? "" : database + " cannot be written";
+  }
+  if (!problem.empty()) {
+    std::cerr << "plenvorith-batch: " << printable(problem) << std::endl;
+  }
+  const std::vector<RunRecord> runs = allRuns(state);
+  const ReportHead head{aboutRuns(runs), runs.empty() ? "" : runs.back().base};
+  const bool isWritten = writeReport(path, head, [&](const auto& visit) {
+    return forEachFile(state, [&](const FileRecord& record) {
+      ReportFile file{record, {}};
+      for (const OutputRecord& output : record.outputs) {
+        file.inspections.push_back(inspections ? findInspection(*inspections, output.path)
+                                               : Inspection());
+      }
+      visit(file);
+    });
+  });
+  if (isWritten) {
+    std::cout << "Report: " << printable(path) << std::endl;
+  }
+  return isWritten && isInspected;
+}
+
+}  // namespace plenvorith

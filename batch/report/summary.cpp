@@ -1,0 +1,98 @@
+#include "batch/report/summary.h"
+
+#include <iostream>
+#include <string_view>
+
+#include "batch/system/text.h"
+
+namespace plenvorith {
+namespace {
+
+void printLines(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) {
+    std::cout << "  " << line << std::endl;
+  }
+}
+
+void printCount(const char* what, std::int64_t count) {
+  if (count > 0) {
+    std::cout << what << count << std::endl;
+  }
+}
+
+void printProblems(const FoundFiles& found) {
+  if (!found.problems.empty()) {
+    std::cout << "Not looked at: " << found.problems.size() << std::endl;
+    for (const std::string& problem : found.problems) {
+      std::cout << "  " << printable(problem) << std::endl;
+    }
+  }
+}
+
+/// Adds "2 links to folders" to a list if there are any.
+void addCount(std::string& list, std::int64_t count, std::string_view what) {
+  if (count > 0) {
+    list.append(list.empty() ? "" : ", ").append(std::to_string(count)).append(what);
+  }
+}
+
+void printSkipped(const FoundFiles& found) {
+  std::string list;
+  addCount(list, found.linkedFolders, " links to folders (--follow looks into them)");
+  addCount(list, found.loops, " links to a folder around them");
+  addCount(list, found.notRegular, " not regular files");
+  addCount(list, found.outputFolders, " folders of outputs");
+  addCount(list, found.excluded, " excluded");
+  if (!list.empty()) {
+    std::cout << "Skipped: " << list << std::endl;
+  }
+}
+
+}  // namespace
+
+void addToSummary(Summary& summary, const FileRecord& record) {
+  if (record.status != FileStatus::Converted) {
+    summary.failures.push_back(failureLine(record));
+    return;
+  }
+  ++summary.converted;
+  summary.triangles += record.triangles;
+  if (!record.reason.empty()) {
+    summary.doubtful.push_back(failureLine(record));
+  }
+}
+
+std::string failureLine(const FileRecord& record) {
+  return printable(record.path) + ": " +
+         reasonWithLine(printable(record.reason), printable(record.lastLine));
+}
+
+void printPlan(const Summary& summary, const FoundFiles& found) {
+  std::cout << "To convert: " << summary.files << std::endl;
+  printCount("Converted before: ", summary.convertedBefore);
+  printProblems(found);
+  printSkipped(found);
+}
+
+bool printSummary(const Summary& summary, const FoundFiles& found, double seconds,
+                  const std::string& stateFolder) {
+  const auto failed = static_cast<std::int64_t>(summary.failures.size());
+  const std::int64_t lost = summary.files - summary.converted - failed;
+  std::cout << "Converted: " << summary.converted << " (" << summary.triangles << " triangles)"
+            << std::endl;
+  printCount("Converted before: ", summary.convertedBefore);
+  if (!summary.doubtful.empty()) {
+    std::cout << "Converted, but doubtful: " << summary.doubtful.size() << std::endl;
+    printLines(summary.doubtful);
+  }
+  std::cout << "Failed: " << failed << std::endl;
+  printLines(summary.failures);
+  printCount("Without a result: ", lost);
+  printProblems(found);
+  printSkipped(found);
+  std::cout << "Time: " << fixedText(seconds, 0) << " s" << std::endl;
+  std::cout << "State and transcripts: " << stateFolder << std::endl;
+  return failed == 0 && lost == 0 && found.problems.empty();
+}
+
+}  // namespace plenvorith

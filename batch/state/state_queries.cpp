@@ -1,0 +1,79 @@
+#include "batch/state/state_queries.h"
+
+#include <string_view>
+
+namespace plenvorith {
+
+// Paths are bytes in no known encoding, so they are blobs; the view is for people. What readers of
+// other versions must not misread raises user_version.
+const char* const kStateSchema = R"(
+BEGIN IMMEDIATE;
+CREATE TABLE IF NOT EXISTS run(
+  id INTEGER PRIMARY KEY, start TEXT NOT NULL, "end" TEXT NOT NULL, seconds REAL NOT NULL,
+  result TEXT NOT NULL, arguments BLOB NOT NULL, program TEXT NOT NULL, host TEXT NOT NULL,
+  base BLOB NOT NULL);
+CREATE TABLE IF NOT EXISTS file(
+  id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, name BLOB NOT NULL, run INTEGER NOT NULL,
+  status TEXT NOT NULL, reason TEXT NOT NULL, last_line BLOB NOT NULL, exit_status INTEGER,
+  signal INTEGER, size INTEGER NOT NULL, mtime INTEGER NOT NULL, hash BLOB NOT NULL,
+  settings TEXT NOT NULL, program TEXT NOT NULL, triangles INTEGER NOT NULL,
+  seconds REAL NOT NULL, cpu_seconds REAL NOT NULL, peak_memory INTEGER NOT NULL,
+  low_x REAL, low_y REAL, low_z REAL, high_x REAL, high_y REAL, high_z REAL,
+  host TEXT NOT NULL, transcript BLOB NOT NULL);
+CREATE TABLE IF NOT EXISTS output(
+  path BLOB PRIMARY KEY, file INTEGER NOT NULL, size INTEGER NOT NULL) WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS output_file ON output(file);
+CREATE VIEW IF NOT EXISTS files AS
+  SELECT CAST(path AS TEXT) AS path, CAST(name AS TEXT) AS name, run, status, reason,
+         CAST(last_line AS TEXT) AS last_line, exit_status, signal, size, mtime,
+         hex(hash) AS hash, settings, program, triangles, seconds, cpu_seconds, peak_memory,
+         low_x, low_y, low_z, high_x, high_y, high_z, host,
+         CAST(transcript AS TEXT) AS transcript
+  FROM file;
+PRAGMA user_version = 1;
+COMMIT;
+)";
+
+namespace {
+
+/// The columns of a file but for its id, in the order that the header tells.
+constexpr std::array<std::string_view, 25> kFileColumns = {
+    "path",    "name",        "run",         "status",     "reason",   "last_line", "exit_status",
+    "signal",  "size",        "mtime",       "hash",       "settings", "program",   "triangles",
+    "seconds", "cpu_seconds", "peak_memory", "low_x",      "low_y",    "low_z",     "high_x",
+    "high_y",  "high_z",      "host",        "transcript",
+};
+
+/// The columns with commas between them, each made a text by `write`.
+template <typename Write>
+std::string listOfColumns(Write write) {
+  std::string list;
+  for (const std::string_view column : kFileColumns) {
+    list.append(list.empty() ? "" : ", ").append(write(std::string(column)));
+  }
+  return list;
+}
+
+}  // namespace
+
+std::array<std::string, kQueryCount> allQueries() {
+  const std::string columns = listOfColumns([](const std::string& column) { return column; });
+  const std::string places = listOfColumns([](const std::string&) { return "?"; });
+  const std::string updates =
+      listOfColumns([](const std::string& column) { return column + " = excluded." + column; });
+  return {
+      "INSERT OR REPLACE INTO run VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id",
+      "INSERT INTO file(" + columns + ") VALUES(" + places + ") ON CONFLICT(path) DO UPDATE SET " +
+          updates + " RETURNING id",
+      "DELETE FROM output WHERE file = ?",
+      "INSERT OR REPLACE INTO output VALUES(?, ?, ?)",
+      "DELETE FROM file WHERE id = ?",
+      "SELECT id FROM file WHERE path = ?",
+      "SELECT " + columns + ", id FROM file WHERE path = ?",
+      "SELECT " + columns + ", id FROM file ORDER BY path",
+      "SELECT path, size FROM output WHERE file = ? ORDER BY path",
+      "SELECT * FROM run ORDER BY id",
+  };
+}
+
+}  // namespace plenvorith

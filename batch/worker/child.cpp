@@ -1,0 +1,204 @@
+#include "batch/worker/child.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <limits>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/statvfs.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "app/command_line.h"
+#include "batch/system/signals.h"
+#include "prepare/preparation.h"
+
+namespace plenvorith {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kCannotStart = 127;
+
+/// The pointers to texts, and a null pointer behind them, as `main` and `exec` take them.
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+[[noreturn]] void endChild(int status) {
+  (void)std::fflush(nullptr);  // what cannot be written is as lost as in any program
+  // What the libraries clean up at the end of a process would take longer than a small file.
+  _exit(status);
+}
+
+bool setLimit(__rlimit_resource_t resource, std::int64_t value) {
+  const auto limit = static_cast<rlim_t>(value);
+  const rlimit both{limit, limit};
+  return setrlimit(resource, &both) == 0;
+}
+
+/// Makes the copy of the worker what a program is that a shell has just started.
+bool setUpChild(const ChildSettings& child, pid_t worker) {
+  sigset_t none;
+  sigemptyset(&none);
+  const int empty = open("/dev/null", O_RDONLY);
+  // A worker that is killed takes its child with it; it may be gone already.
+  // The streams come first: what is said of the others belongs in the transcript.
+  const bool isUp = dup2(empty, STDIN_FILENO) >= 0 && dup2(child.transcript, STDOUT_FILENO) >= 0 &&
+                    dup2(child.transcript, STDERR_FILENO) >= 0 && setpgid(0, 0) == 0 &&
+                    prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && getppid() == worker &&
+                    chdir(child.workFolder.c_str()) == 0 &&
+                    setenv("TMPDIR", child.temporaryFolder.c_str(), 1) == 0 &&
+                    setLimit(RLIMIT_CORE, 0) && sigprocmask(SIG_SETMASK, &none, nullptr) == 0;
+  closefrom(STDERR_FILENO + 1);
+  return isUp &&
+         (child.settings.memoryLimit == 0 || setLimit(RLIMIT_AS, child.settings.memoryLimit));
+}
+
+/// Puts a prepared copy in the place of the input; ends the child where there is none to convert.
+void prepareInput(const ChildSettings& child, std::vector<std::string>& arguments) {
+  if (child.preparedPath.empty()) {
+    return;
+  }
+  const int status = prepareFile(arguments.front(), child.preparedPath);
+  if (status != 0) {
+    endChild(status);
+  }
+  arguments.front() = child.preparedPath;
+}
+
+[[noreturn]] void becomeConverter(const ChildSettings& child, pid_t worker) {
+  if (!setUpChild(child, worker)) {
+    std::cerr << "plenvorith-batch: cannot set up the conversion" << std::endl;
+    endChild(kCannotStart);
+  }
+  std::vector<std::string> arguments = child.arguments;
+  prepareInput(child, arguments);
+  const std::string& program = child.settings.program;
+  arguments.insert(arguments.begin(), program.empty() ? "plenvorith" : program);
+  std::vector<char*> pointers = pointersTo(arguments);
+  if (program.empty()) {
+    endChild(runConverter(static_cast<int>(arguments.size()), pointers.data()));
+  }
+  execv(program.c_str(), pointers.data());
+  std::cerr << "plenvorith-batch: cannot start " << program << std::endl;
+  endChild(kCannotStart);
+}
+
+/// What a running child is watched with.
+struct Watch {
+  pid_t child = 0;
+  Clock::time_point start;
+  std::chrono::milliseconds deadline{};  ///< after the start; the next thing to happen to the child
+  bool isPressed = false;
+};
+
+/// Takes all signals that have come: whether one of them asks the worker to end.
+bool takeSignals(int signals) {
+  bool isStop = false;
+  for (int signal = 0; (signal = nextSignal(signals)) != 0;) {
+    isStop = isStop || signal != SIGCHLD;
+  }
+  return isStop;
+}
+
+/// Asks the child and all that it has started to end; insists after some seconds.
+void pressChild(Watch& watch) {
+  constexpr std::chrono::seconds kGrace(5);
+  kill(-watch.child, watch.isPressed ? SIGKILL : SIGTERM);
+  watch.isPressed = true;
+  watch.deadline =
+      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - watch.start + kGrace);
+}
+
+/// Waits until something may have happened; whether the worker is to end.
+bool waitForEvent(const Watch& watch, const WorkerSignals& signals) {
+  // How often the free space is looked at: a copy that was cut short stays for longer.
+  constexpr std::chrono::milliseconds kLook(50);
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+      watch.start + watch.deadline - Clock::now());
+  // Once the child is asked to end, the state of the other side tells nothing new, at once and
+  // always.
+  pollfd events[] = {{signals.signals, POLLIN, 0}, {watch.isPressed ? -1 : signals.results, 0, 0}};
+  const auto patience = std::clamp(left, std::chrono::milliseconds(0), kLook);
+  if (poll(events, 2, static_cast<int>(patience.count()) + 1) <= 0) {
+    return false;
+  }
+  return takeSignals(signals.signals) || (events[1].revents & (POLLERR | POLLHUP)) != 0;
+}
+
+void noteEnd(int status, const rusage& usage, ChildEnd& end) {
+  constexpr double kMicro = 1e-6;
+  if (WIFEXITED(status)) {
+    end.exitStatus = WEXITSTATUS(status);
+  } else {
+    end.signal = WTERMSIG(status);
+  }
+  end.cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                   kMicro * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+  end.peakMemory = std::int64_t{1024} * usage.ru_maxrss;
+}
+
+}  // namespace
+
+ChildEnd runChild(const ChildSettings& child, const WorkerSignals& signals) {
+  ChildEnd end;
+  end.leastSpace = freeSpace(child.workFolder);
+  Watch watch;
+  watch.start = Clock::now();
+  watch.deadline = child.settings.timeLimit.count() == 0 ? std::chrono::hours(24 * 36600)
+                                                         : child.settings.timeLimit;
+  const pid_t worker = getpid();
+  watch.child = fork();
+  if (watch.child == 0) {
+    becomeConverter(child, worker);
+  }
+  if (watch.child < 0) {
+    end.exitStatus = kCannotStart;
+    return end;
+  }
+  setpgid(watch.child, watch.child);  // whoever of the two is first
+
+  int status = 0;
+  rusage usage{};
+  while (wait4(watch.child, &status, WNOHANG, &usage) != watch.child) {
+    if (waitForEvent(watch, signals) && !end.isStopped) {
+      end.isStopped = true;
+      pressChild(watch);
+    }
+    if (Clock::now() - watch.start >= watch.deadline) {
+      end.timedOut = !end.isStopped;
+      pressChild(watch);
+    }
+    end.leastSpace = std::min(end.leastSpace, freeSpace(child.workFolder));
+  }
+  end.seconds = std::chrono::duration<double>(Clock::now() - watch.start).count();
+  kill(-watch.child, SIGKILL);  // what it has started and left behind
+  end.leastSpace = std::min(end.leastSpace, freeSpace(child.workFolder));
+  noteEnd(status, usage, end);
+  return end;
+}
+
+std::int64_t freeSpace(const std::string& folder) {
+  struct statvfs status {};
+  if (statvfs(folder.c_str(), &status) != 0) {
+    return std::numeric_limits<std::int64_t>::max();
+  }
+  return static_cast<std::int64_t>(status.f_bavail * status.f_frsize);
+}
+
+}  // namespace plenvorith

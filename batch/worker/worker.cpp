@@ -1,0 +1,242 @@
+#include "batch/worker/worker.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "batch/inputs/input_identity.h"
+#include "batch/system/descriptor.h"
+#include "batch/system/folder.h"
+#include "batch/system/host_name.h"
+#include "batch/system/signals.h"
+#include "batch/system/text.h"
+#include "batch/worker/outputs.h"
+#include "batch/worker/reason.h"
+#include "batch/worker/warm_up.h"
+
+namespace plenvorith {
+namespace {
+
+constexpr std::size_t kTranscriptEnds = std::size_t{1} << 17;
+
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+/// Why a file cannot be converted at all; empty if it can be tried.
+std::string obstacle(const Job& job, const std::optional<InputIdentity>& identity, int error) {
+  if (error == ENAMETOOLONG || job.outputName.size() > NAME_MAX) {
+    return "name too long";
+  }
+  if (!identity || access(job.input.c_str(), R_OK) != 0) {
+    return std::string("cannot be read: ") + strerror(identity ? errno : error);
+  }
+  if (identity->isRegular && identity->size == 0) {
+    return "empty";
+  }
+  return {};
+}
+
+/// The file that the streams of the conversion go to. A disk that is full may not even have room
+/// for its name; memory has.
+Descriptor openTranscript(const std::string& path) {
+  constexpr mode_t kRights = 0666;
+  constexpr int kMode = O_RDWR | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+  (void)makeFolders(folderOf(path));  // if that fails, so does what follows
+  Descriptor file(open(path.c_str(), kMode, kRights));
+  return file.isOpen() ? std::move(file) : Descriptor(memfd_create("transcript", MFD_CLOEXEC));
+}
+
+/// The path that the converter is given: the input's own, or a link to it where the name is so long
+/// that the name of a copy would be longer than a name can be.
+std::string inputPathFor(const Job& job) {
+  constexpr std::size_t kAddition = sizeof ".clean.stp" - 1;
+  if (nameOf(job.input).size() + kAddition <= NAME_MAX) {
+    return job.input;
+  }
+  const std::string link = job.temporaryFolder + "/input.stp";
+  return symlink(job.input.c_str(), link.c_str()) == 0 ? link : job.input;
+}
+
+ChildSettings childFor(const Job& job, int transcript) {
+  ChildSettings child;
+  child.workFolder = job.outFolder;
+  child.temporaryFolder = job.temporaryFolder;
+  child.transcript = transcript;
+  child.settings = job.settings;
+  child.arguments = {inputPathFor(job), job.outputName, job.settings.deflection};
+  if (job.settings.prepare) {
+    child.preparedPath = job.temporaryFolder + "/prepared.stp";
+  }
+  if (job.settings.split) {
+    child.arguments.emplace_back("yes");
+  }
+  return child;
+}
+
+void noteEnd(const ChildEnd& end, JobResult& result) {
+  result.exitStatus = end.exitStatus;
+  result.signal = end.signal;
+  result.seconds = end.seconds;
+  result.cpuSeconds = end.cpuSeconds;
+  result.peakMemory = end.peakMemory;
+}
+
+/// Whether the copy of the input that the converter made may have been cut short, which it does not
+/// notice. Between two looks at the disk other conversions may have filled it and left it again, so
+/// there has to be room to spare whenever it is looked at.
+bool mayLackPartsOfCopy(const ChildEnd& end, const std::string& transcript, std::int64_t copied) {
+  constexpr std::int64_t kSpare = std::int64_t{1} << 20;
+  constexpr std::int64_t kCopies = 8;
+  return madeCopy(transcript) && end.leastSpace < kCopies * copied + kSpare;
+}
+
+bool isSame(const InputIdentity& a, const std::optional<InputIdentity>& b) {
+  return b && a.size == b->size && a.mtime == b->mtime;
+}
+
+/// Decides what became of the file once its conversion has ended.
+void judge(const Job& job, const ChildEnd& end, const std::string& transcript, JobResult& result) {
+  MadeFiles made = lookAtOutputs(job.outFolder);
+  const bool isWhole =
+      end.exitStatus == 0 && !end.timedOut && made.incomplete.empty() && !made.outputs.empty();
+  const bool isDoubtful = isWhole && mayLackPartsOfCopy(end, transcript, result.size);
+  if (isWhole && !isDoubtful) {
+    result.isConverted = true;
+    result.outputs = std::move(made.outputs);
+    result.triangles = made.triangles;
+    result.bounds = made.bounds;
+    result.reason = endsInTheMiddle(job.input) ? kEndsInTheMiddle : "";
+    return;
+  }
+  result.lastLine = lastLineOf(transcript);
+  result.reason =
+      isDoubtful ? kDiskFull
+                 : reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});
+}
+
+/// Paths of a job that are relative are those below the folder where the worker runs.
+void makeAbsolute(const std::string& folder, Job& job) {
+  for (std::string* const path :
+       {&job.input, &job.outFolder, &job.temporaryFolder, &job.transcript}) {
+    if (!path->starts_with('/')) {
+      *path = folder + '/' + *path;
+    }
+  }
+}
+
+/// Cuts the first line off the front of `text`, or nothing if there is no whole one.
+std::optional<std::string> takeLine(std::string& text) {
+  const std::size_t end = text.find('\n');
+  if (end == std::string::npos) {
+    return std::nullopt;
+  }
+  std::string line = text.substr(0, end);
+  text.erase(0, end + 1);
+  return line;
+}
+
+/// Waits for jobs and appends them to `text`; false if there will be none any more.
+bool receive(int jobs, const WorkerSignals& signals, std::string& text) {
+  pollfd events[] = {{jobs, POLLIN, 0}, {signals.signals, POLLIN, 0}, {signals.results, 0, 0}};
+  if (poll(events, 3, -1) < 0) {
+    return errno == EINTR;
+  }
+  for (int signal = 0; (signal = nextSignal(signals.signals)) != 0;) {
+    if (signal != SIGCHLD) {
+      return false;
+    }
+  }
+  if ((events[2].revents & (POLLERR | POLLHUP)) != 0) {
+    return false;
+  }
+  if (events[0].revents == 0) {
+    return true;
+  }
+  std::array<char, 65536> block{};
+  const ssize_t count = read(jobs, block.data(), block.size());
+  text.append(block.data(), static_cast<std::size_t>(std::max(count, ssize_t{0})));
+  return count > 0;
+}
+
+}  // namespace
+
+JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStopped) {
+  JobResult result;
+  result.id = job.id;
+  int error = 0;
+  const std::optional<InputIdentity> identity = identityOf(job.input, error);
+  result.reason = obstacle(job, identity, error);
+  if (identity) {
+    result.size = identity->size;
+    result.mtime = identity->mtime;
+  }
+  if (!result.reason.empty()) {
+    unlink(job.transcript.c_str());  // an earlier one tells nothing of this
+    return result;
+  }
+  if (!makeEmptyFolder(job.outFolder) || !makeEmptyFolder(job.temporaryFolder)) {
+    result.reason = errno == ENOSPC ? kDiskFull : std::string("no work folder: ") + strerror(errno);
+    return result;
+  }
+  if (identity->isRegular) {
+    result.hash = contentHash(job.input);
+  }
+  const Descriptor transcript = openTranscript(job.transcript);
+  const ChildEnd end = runChild(childFor(job, transcript.get()), signals);
+  isStopped = end.isStopped;
+  noteEnd(end, result);
+  judge(job, end, readEnds(transcript.get(), kTranscriptEnds), result);
+  if (!isSame(*identity, identityOf(job.input, error))) {
+    result.isConverted = false;
+    result.outputs.clear();
+    result.reason = "changed while it was converted";
+  }
+  return result;
+}
+
+int runWorker(int jobs, int results) {
+  const Descriptor listener = listenToSignals({SIGCHLD, SIGHUP, SIGINT, SIGTERM});
+  const WorkerSignals signals{listener.get(), results};
+  const std::string host = hostName();
+  const std::string folder = absolutePath(".");
+  std::string text;
+  bool isWarm = false;
+  bool isStopped = false;
+  while (!isStopped) {
+    const std::optional<std::string> line = takeLine(text);
+    if (!line) {
+      if (!receive(jobs, signals, text)) {
+        return 0;
+      }
+      continue;
+    }
+    std::optional<Job> job = jobFrom(*line);
+    if (!job) {
+      return 2;
+    }
+    makeAbsolute(folder, *job);
+    if (!isWarm && job->settings.program.empty() && makeEmptyFolder(job->temporaryFolder)) {
+      warmUp(job->temporaryFolder);
+      isWarm = true;
+    }
+    JobResult result = convertFile(*job, signals, isStopped);
+    result.host = host;
+    if (!isStopped && !writeAll(results, lineFrom(result) + '\n')) {
+      return 1;
+    }
+  }
+  return 0;
+}
+
+}  // namespace plenvorith

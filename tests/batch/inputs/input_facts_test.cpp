@@ -1,0 +1,64 @@
+#include "batch/inputs/input_facts.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+InputFacts factsOfText(const std::string& text) {
+  const test::TempDir dir;
+  return factsOf(test::writeFile(dir / "a.stp", text));
+}
+
+TEST(FactsOf, FindsStartAndEnd) {
+  const InputFacts whole = factsOfText("ISO-10303-21;\nDATA;\nENDSEC;\nEND-ISO-10303-21;\n");
+  EXPECT_TRUE(whole.isWhole && whole.hasStart && whole.hasEnd);
+  EXPECT_FALSE(whole.hasTessellation || whole.hasExactGeometry);
+  const InputFacts onlyEnd = factsOfText("END-ISO-10303-21;\n");
+  EXPECT_FALSE(onlyEnd.hasStart);
+  EXPECT_TRUE(onlyEnd.hasEnd);
+  const InputFacts onlyStart = factsOfText("ISO-10303-21;\nDATA;\n#1=");
+  EXPECT_TRUE(onlyStart.hasStart);
+  EXPECT_FALSE(onlyStart.hasEnd);
+}
+
+TEST(FactsOf, FindsGeometry) {
+  EXPECT_TRUE(factsOfText("#1=TRIANGULATED_FACE(").hasTessellation);
+  EXPECT_TRUE(factsOfText("#1=COMPLEX_TRIANGULATED_SURFACE_SET(").hasTessellation);
+  EXPECT_TRUE(factsOfText("#1=TESSELLATED_SHELL(").hasTessellation);
+  EXPECT_TRUE(factsOfText("#1=MANIFOLD_SOLID_BREP(").hasExactGeometry);
+  EXPECT_TRUE(factsOfText("#1=ADVANCED_FACE(").hasExactGeometry);
+}
+
+TEST(FactsOf, FindsWordsWhereverBlocksEnd) {
+  constexpr std::size_t kBlock = std::size_t{1} << 18;
+  for (std::size_t before = kBlock - 20; before < kBlock + 2; ++before) {
+    const InputFacts facts = factsOfText(std::string(before, ' ') + "END-ISO-10303-21;");
+    EXPECT_TRUE(facts.hasEnd) << before;
+    EXPECT_FALSE(facts.hasStart) << before;
+  }
+}
+
+TEST(FactsOf, LeavesOtherThanRegularFilesAlone) {
+  const test::TempDir dir;
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
+  EXPECT_FALSE(factsOf(dir / "pipe.stp").isWhole);
+  EXPECT_FALSE(factsOf(dir / "missing").isWhole);
+}
+
+TEST(EndsInTheMiddle, LooksAtTheEndFirstAndThenAtAll) {
+  const test::TempDir dir;
+  const std::string end = "END-ISO-10303-21;\n";
+  EXPECT_FALSE(endsInTheMiddle(test::writeFile(dir / "a", end)));
+  EXPECT_FALSE(endsInTheMiddle(test::writeFile(dir / "b", end + std::string(9000, '\0'))));
+  EXPECT_TRUE(endsInTheMiddle(test::writeFile(dir / "c", "ISO-10303-21;\nDATA;\n#1=")));
+  EXPECT_FALSE(endsInTheMiddle(dir / "missing"));
+}
+
+}  // namespace
+}  // namespace plenvorith

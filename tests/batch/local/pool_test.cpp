@@ -1,0 +1,158 @@
+#include "batch/local/pool.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "tests/support/scoped_signals.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/triangle_step.h"
+
+namespace plenvorith {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// A pool of this machine and three inputs.
+class PoolTest : public testing::Test {
+ protected:
+  PoolTest() {
+    std::signal(SIGPIPE, SIG_IGN);  // as whoever has a pool does
+    pool.places = placesIn(dir / "out");
+    pool.base = dir.path().string() + '/';
+    for (const char* const name : {"a.stp", "b.stp", "c.stp"}) {
+      files.push_back({test::writeFile(dir / name, test::kTriangleStep), 1});
+    }
+  }
+  ~PoolTest() override {
+    stopPool(pool);
+  }
+
+  bool give(std::size_t file, int most) {
+    return giveJob(pool, files[file], file, most);
+  }
+
+  /// Waits until a worker has a result or has ended.
+  PoolEvents collect(std::size_t worker) {
+    PoolEvents events;
+    while (events.finished.empty() && events.lost.empty()) {
+      events = collectResults(pool, {worker}, files);
+    }
+    return events;
+  }
+
+  /// Has a script run in the place of the converter.
+  void takeScript(const std::string& body) {
+    pool.settings.program = test::writeFile(dir / "script", "#!/bin/sh\n" + body + "\n");
+    ASSERT_EQ(chmod(pool.settings.program.c_str(), 0755), 0);
+  }
+
+  const test::ScopedSignals before;
+  test::TempDir dir;
+  std::vector<InputFile> files;
+  WorkerPool pool;
+};
+
+TEST_F(PoolTest, StartsWorkersUntilThereAreEnough) {
+  EXPECT_TRUE(hasIdle(pool, 2));
+  EXPECT_TRUE(give(0, 2));
+  EXPECT_TRUE(hasIdle(pool, 2));
+  EXPECT_TRUE(give(1, 2));
+  EXPECT_FALSE(hasIdle(pool, 2));
+  EXPECT_FALSE(give(2, 2));
+  EXPECT_THAT(pool.workers, SizeIs(2));
+  EXPECT_NE(pool.workers[0].process.folder, pool.workers[1].process.folder);
+  EXPECT_EQ(countBusy(pool), 2);
+  EXPECT_EQ(countConverting(pool), 2);
+}
+
+TEST_F(PoolTest, GivesResultsWithTheirFolders) {
+  ASSERT_TRUE(give(1, 1));
+  const PoolEvents events = collect(0);
+  ASSERT_THAT(events.finished, SizeIs(1));
+  const Finished& finished = events.finished[0];
+  EXPECT_EQ(finished.input, files[1].path);
+  EXPECT_EQ(finished.result.id, 1);
+  EXPECT_TRUE(finished.result.isConverted) << finished.result.reason;
+  EXPECT_EQ(test::readFile(finished.outFolder + "/b.stp.stl").size(), 134U);
+  EXPECT_THAT(test::readFile(pool.places.state + "/transcripts/b.stp.txt"),
+              testing::EndsWith("Done\n"));
+}
+
+TEST_F(PoolTest, KeepsAWorkerBusyUntilItsOutputsAreTaken) {
+  ASSERT_TRUE(give(0, 1));
+  EXPECT_THAT(collect(0).finished, SizeIs(1));
+  EXPECT_EQ(countConverting(pool), 0);
+  EXPECT_EQ(countBusy(pool), 1);
+  EXPECT_FALSE(give(1, 1));
+  release(pool, 0);
+  EXPECT_EQ(countBusy(pool), 0);
+  EXPECT_TRUE(give(1, 1));
+  EXPECT_THAT(pool.workers, SizeIs(1));
+  EXPECT_THAT(collect(0).finished, SizeIs(1));
+}
+
+TEST_F(PoolTest, ReleasesNobodyElse) {
+  ASSERT_TRUE(give(0, 2));
+  ASSERT_TRUE(give(1, 2));
+  release(pool, 2);
+  EXPECT_EQ(countBusy(pool), 2);
+  release(pool, 1);
+  EXPECT_TRUE(pool.workers[0].file.has_value());
+  EXPECT_FALSE(pool.workers[1].file.has_value());
+}
+
+TEST_F(PoolTest, GivesBackTheFileOfAWorkerThatEnds) {
+  takeScript("kill -KILL $PPID");
+  ASSERT_TRUE(give(2, 1));
+  const PoolEvents events = collect(0);
+  EXPECT_THAT(events.finished, IsEmpty());
+  ASSERT_THAT(events.lost, SizeIs(1));
+  EXPECT_EQ(events.lost[0].file, 2U);
+  EXPECT_EQ(events.lost[0].signal, SIGKILL);
+  EXPECT_EQ(countBusy(pool), 0);
+
+  const std::string earlier = pool.workers[0].process.folder;
+  pool.settings.program.clear();
+  ASSERT_TRUE(give(2, 1));
+  EXPECT_THAT(pool.workers, SizeIs(1));
+  EXPECT_NE(pool.workers[0].process.folder, earlier);
+  EXPECT_THAT(collect(0).finished, SizeIs(1));
+}
+
+TEST_F(PoolTest, NoticesAnIdleWorkerThatEnds) {
+  ASSERT_TRUE(give(0, 1));
+  EXPECT_THAT(collect(0).finished, SizeIs(1));
+  release(pool, 0);
+  kill(pool.workers[0].process.process, SIGKILL);
+  while (pool.workers[0].process.process != 0) {
+    EXPECT_THAT(collectResults(pool, {0}, files).lost, IsEmpty());
+  }
+  ASSERT_TRUE(give(1, 1));
+  EXPECT_THAT(collect(0).finished, SizeIs(1));
+}
+
+TEST_F(PoolTest, EndsAllThatIsUnderWay) {
+  takeScript("echo $$ >>\"" + (dir / "begun") + "\"; sleep 1000");
+  ASSERT_TRUE(give(0, 2));
+  ASSERT_TRUE(give(1, 2));
+  const pid_t worker = pool.workers[0].process.process;
+  while (std::ranges::count(test::readFile(dir / "begun"), '\n') < 2) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  stopPool(pool);
+  EXPECT_EQ(kill(worker, 0), -1);
+  EXPECT_THAT(pool.workers, IsEmpty());
+  EXPECT_EQ(countBusy(pool), 0);
+  EXPECT_EQ(kill(std::stoi(test::readFile(dir / "begun")), 0), -1);
+}
+
+}  // namespace
+}  // namespace plenvorith

@@ -1,0 +1,144 @@
+#include "batch/local/worker_process.h"
+
+#include <array>
+#include <csignal>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "batch/records/job.h"
+#include "tests/support/scoped_signals.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/triangle_step.h"
+
+namespace plenvorith {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A worker whose results are written by the test.
+struct PretendedWorker {
+  PretendedWorker() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    worker.results = Descriptor(ends[0]);
+    results = Descriptor(ends[1]);
+  }
+
+  WorkerProcess worker;
+  Descriptor results;
+};
+
+TEST(ReceiveLines, PutsLinesTogetherFromPieces) {
+  PretendedWorker pretended;
+  bool isAlive = false;
+  EXPECT_TRUE(writeAll(pretended.results.get(), "fi"));
+  EXPECT_THAT(receiveLines(pretended.worker, isAlive), IsEmpty());
+  EXPECT_TRUE(isAlive);
+  EXPECT_TRUE(writeAll(pretended.results.get(), "rst\nsecond\n\nthi"));
+  EXPECT_THAT(receiveLines(pretended.worker, isAlive), ElementsAre("first", "second", ""));
+  EXPECT_TRUE(writeAll(pretended.results.get(), "rd\n"));
+  EXPECT_THAT(receiveLines(pretended.worker, isAlive), ElementsAre("third"));
+  EXPECT_TRUE(isAlive);
+}
+
+TEST(ReceiveLines, GivesNoLineThatIsNotWholeAtTheEnd) {
+  PretendedWorker pretended;
+  EXPECT_TRUE(writeAll(pretended.results.get(), "whole\nhalf"));
+  pretended.results.close();
+  bool isAlive = false;
+  EXPECT_THAT(receiveLines(pretended.worker, isAlive), ElementsAre("whole"));
+  EXPECT_THAT(receiveLines(pretended.worker, isAlive), IsEmpty());
+  EXPECT_FALSE(isAlive);
+}
+
+std::optional<WorkerProcess> startedIn(const test::TempDir& dir) {
+  auto worker = startWorker(dir / "work");
+  EXPECT_TRUE(worker.has_value());
+  return worker;
+}
+
+TEST(StartWorker, GivesAWorkerThatConverts) {
+  const test::TempDir dir;
+  auto worker = startedIn(dir);
+  Job job;
+  job.id = 3;
+  job.input = test::writeFile(dir / "a.stp", test::kTriangleStep);
+  job.outFolder = worker->folder + "/out";
+  job.temporaryFolder = worker->folder + "/tmp";
+  job.outputName = "a.stl";
+  job.transcript = dir / "a.txt";
+  ASSERT_TRUE(writeAll(worker->jobs.get(), lineFrom(job) + '\n'));
+  bool isAlive = true;
+  std::vector<std::string> lines;
+  while (isAlive && lines.empty()) {
+    lines = receiveLines(*worker, isAlive);
+  }
+  ASSERT_EQ(lines.size(), 1U);
+  const auto result = resultFrom(lines[0]);
+  ASSERT_TRUE(result.has_value());
+  EXPECT_TRUE(result->isConverted) << result->reason;
+  EXPECT_EQ(result->id, 3);
+  EXPECT_EQ(test::readFile(dir / "work/out/a.stl").size(), 134U);
+  EXPECT_EQ(buryWorker(*worker), 0);
+  EXPECT_EQ(worker->process, 0);
+}
+
+/// What the system says of the signals of a process.
+unsigned long long ignoredSignals(pid_t process) {
+  const std::string status = test::readFile("/proc/" + std::to_string(process) + "/status");
+  const std::string name = "\nSigIgn:\t";
+  return std::stoull(status.substr(status.find(name) + name.size()), nullptr, 16);
+}
+
+TEST(StartWorker, KeepsItApartFromTheSignalsOfItsDriver) {
+  const test::ScopedSignals before;
+  std::signal(SIGPIPE, SIG_IGN);
+  const test::TempDir dir;
+  auto worker = startedIn(dir);
+  EXPECT_EQ(getpgid(worker->process), worker->process);
+  EXPECT_EQ(ignoredSignals(worker->process) & (1ULL << (SIGPIPE - 1)), 0U);
+  EXPECT_EQ(buryWorker(*worker), 0);
+}
+
+TEST(BuryWorker, TellsTheSignalThatEndedIt) {
+  const test::TempDir dir;
+  auto worker = startedIn(dir);
+  kill(worker->process, SIGKILL);
+  EXPECT_EQ(buryWorker(*worker), SIGKILL);
+  EXPECT_FALSE(worker->jobs.isOpen());
+  EXPECT_FALSE(worker->results.isOpen());
+  EXPECT_EQ(buryWorker(*worker), 0);
+}
+
+TEST(StopWorkers, EndsThemWithWhatIsUnderWay) {
+  const test::TempDir dir;
+  std::vector<WorkerProcess> workers;
+  workers.reserve(2);
+  for (int i = 0; i < 2; ++i) {
+    workers.push_back(std::move(*startedIn(dir)));
+  }
+  // The first waits for jobs, the second for the writer of its input.
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
+  Job job;
+  job.input = dir / "pipe.stp";
+  job.outFolder = dir / "work/out";
+  job.temporaryFolder = dir / "work/tmp";
+  job.outputName = "a.stl";
+  job.transcript = dir / "a.txt";
+  ASSERT_TRUE(writeAll(workers[1].jobs.get(), lineFrom(job) + '\n'));
+  const std::vector<pid_t> processes = {workers[0].process, workers[1].process};
+  stopWorkers(workers);
+  for (const pid_t process : processes) {
+    EXPECT_EQ(kill(process, 0), -1);
+  }
+}
+
+}  // namespace
+}  // namespace plenvorith

@@ -1,0 +1,140 @@
+#include "batch/records/job.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace plenvorith {
+namespace {
+
+std::string allBytes() {
+  std::string bytes;
+  for (int i = 1; i < 256; ++i) {
+    bytes += static_cast<char>(i);
+  }
+  return bytes;
+}
+
+Job oddJob() {
+  Job job;
+  job.id = 7;
+  job.input = "/in/" + allBytes();
+  job.outFolder = "/run/1/out";
+  job.temporaryFolder = "/run/1/tmp";
+  job.outputName = "a.stp.stl";
+  job.transcript = "/t/\xff.txt";
+  job.settings.to = "stp";
+  job.settings.deflection = "2.5e-1";
+  job.settings.split = true;
+  job.settings.prepare = true;
+  job.settings.program = "/bin/x";
+  job.settings.timeLimit = std::chrono::seconds(90);
+  job.settings.memoryLimit = std::int64_t{1} << 40;
+  return job;
+}
+
+TEST(JobLine, IsAsciiAndGivesAllBack) {
+  const Job job = oddJob();
+  const std::string line = lineFrom(job);
+  EXPECT_EQ(
+      line.find_first_not_of("!\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`"
+                             "abcdefghijklmnopqrstuvwxyz{|}~ "),
+      std::string::npos);
+  const auto back = jobFrom(line);
+  ASSERT_TRUE(back.has_value());
+  EXPECT_EQ(back->id, 7);
+  EXPECT_EQ(back->input, job.input);
+  EXPECT_EQ(back->outFolder, job.outFolder);
+  EXPECT_EQ(back->temporaryFolder, job.temporaryFolder);
+  EXPECT_EQ(back->outputName, job.outputName);
+  EXPECT_EQ(back->transcript, job.transcript);
+  EXPECT_EQ(back->settings.to, "stp");
+  EXPECT_EQ(back->settings.deflection, "2.5e-1");
+  EXPECT_TRUE(back->settings.split);
+  EXPECT_TRUE(back->settings.prepare);
+  EXPECT_EQ(back->settings.program, "/bin/x");
+  EXPECT_EQ(back->settings.timeLimit, std::chrono::seconds(90));
+  EXPECT_EQ(back->settings.memoryLimit, std::int64_t{1} << 40);
+}
+
+TEST(ResultLine, GivesAllBack) {
+  JobResult result;
+  result.id = 9;
+  result.isConverted = true;
+  result.reason = "why";
+  result.lastLine = allBytes();
+  result.exitStatus = 0;
+  result.signal = 11;
+  result.size = 5;
+  result.mtime = 1234567890123456789;
+  result.hash = std::string("\0\xff", 2);
+  result.triangles = 12;
+  result.bounds = Bounds{{-1, 0.1, 2}, {3, 4, 1e300}};
+  result.seconds = 0.25;
+  result.cpuSeconds = 0.125;
+  result.peakMemory = 4096;
+  result.host = "here";
+  result.outputs = {{"\xff.stl", 684}, {"b.stl", 84}};
+  const std::string line = lineFrom(result);
+  EXPECT_EQ(line.find('\n'), std::string::npos);
+  const auto back = resultFrom(line);
+  ASSERT_TRUE(back.has_value());
+  EXPECT_EQ(back->id, 9);
+  EXPECT_TRUE(back->isConverted);
+  EXPECT_EQ(back->reason, "why");
+  EXPECT_EQ(back->lastLine, result.lastLine);
+  EXPECT_EQ(back->exitStatus, 0);
+  EXPECT_EQ(back->signal, 11);
+  EXPECT_EQ(back->size, 5);
+  EXPECT_EQ(back->mtime, result.mtime);
+  EXPECT_EQ(back->hash, result.hash);
+  EXPECT_EQ(back->triangles, 12);
+  ASSERT_TRUE(back->bounds.has_value());
+  EXPECT_EQ(back->bounds->low, result.bounds->low);
+  EXPECT_EQ(back->bounds->high, result.bounds->high);
+  EXPECT_EQ(back->seconds, 0.25);
+  EXPECT_EQ(back->cpuSeconds, 0.125);
+  EXPECT_EQ(back->peakMemory, 4096);
+  EXPECT_EQ(back->host, "here");
+  ASSERT_EQ(back->outputs.size(), 2U);
+  EXPECT_EQ(back->outputs[0].path, "\xff.stl");
+  EXPECT_EQ(back->outputs[0].size, 684);
+}
+
+TEST(ResultLine, KeepsWhatIsMissingMissing) {
+  const auto back = resultFrom(lineFrom(JobResult()));
+  ASSERT_TRUE(back.has_value());
+  EXPECT_FALSE(back->exitStatus.has_value() || back->signal.has_value() ||
+               back->bounds.has_value() || back->isConverted);
+  EXPECT_THAT(back->outputs, testing::IsEmpty());
+}
+
+TEST(ResultLine, LeavesOutNumbersThatAreNoIntegersWhereOneHasToBe) {
+  const auto back = resultFrom(R"({"id":1e300,"converted":true,"size":0.5,"seconds":1e300})");
+  ASSERT_TRUE(back.has_value());
+  EXPECT_EQ(back->id, 0);
+  EXPECT_EQ(back->size, 0);
+  EXPECT_EQ(back->seconds, 1e300);
+}
+
+TEST(Lines, RejectsOtherTexts) {
+  for (const char* line : {"", "{", "[]", "1", "{}", "{\"ids\":1}", "motd: welcome", "\xff"}) {
+    EXPECT_FALSE(jobFrom(line).has_value()) << line;
+    EXPECT_FALSE(resultFrom(line).has_value()) << line;
+  }
+  EXPECT_FALSE(resultFrom(lineFrom(Job())).has_value());
+}
+
+TEST(Lines, KeepDefaultsForValuesOfOtherKinds) {
+  const auto result =
+      resultFrom(R"({"id":"x","converted":1,"reason":3,"bounds":[1,2],"outputs":[{"path":4}]})");
+  ASSERT_TRUE(result.has_value());
+  EXPECT_EQ(result->id, 0);
+  EXPECT_FALSE(result->isConverted);
+  EXPECT_EQ(result->reason, "");
+  EXPECT_FALSE(result->bounds.has_value());
+  EXPECT_EQ(result->outputs.at(0).path, "");
+}
+
+}  // namespace
+}  // namespace plenvorith

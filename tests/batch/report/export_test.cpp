@@ -1,0 +1,65 @@
+#include "batch/report/export.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+/// A state of two files.
+State filledState(const test::TempDir& dir) {
+  std::string problem;
+  State state = openState(dir / "state.db", problem);
+  FileRecord a;
+  a.path = "/in/a, \"b\"\n\xff.stp";
+  a.status = FileStatus::Converted;
+  a.exitStatus = 0;
+  a.triangles = 12;
+  a.seconds = 0.5;
+  a.size = 7;
+  a.bounds = Bounds{{0, 0.5, 1}, {2, 3, 4}};
+  a.outputs = {{"a.stl", 684}, {"\xff.stl", 1}};
+  FileRecord b;
+  b.path = "/in/b.stp";
+  b.reason = "kernel crashed (signal 11, SIGSEGV)";
+  b.signal = 11;
+  EXPECT_TRUE(putFile(*state, a) && putFile(*state, b));
+  return state;
+}
+
+TEST(ExportState, WritesATable) {
+  const test::TempDir dir;
+  ASSERT_TRUE(exportState(*filledState(dir), dir / "log.csv"));
+  EXPECT_EQ(test::readFile(dir / "log.csv"),
+            "status,input,reason,last_line,exit_status,signal,triangles,seconds,cpu_seconds,"
+            "peak_memory,size,low_x,low_y,low_z,high_x,high_y,high_z,host,program,settings,"
+            "transcript,outputs\n"
+            "converted,\"/in/a, \"\"b\"\"\\n\\xff.stp\",,,0,,12,0.5,0.0,0,7,0.0,0.5,1.0,2.0,3.0,"
+            "4.0,,,,,2\n"
+            "failed,/in/b.stp,\"kernel crashed (signal 11, SIGSEGV)\",,,11,0,0.0,0.0,0,0,,,,,,,"
+            ",,,,0\n");
+}
+
+TEST(ExportState, WritesObjects) {
+  const test::TempDir dir;
+  ASSERT_TRUE(exportState(*filledState(dir), dir / "log.json"));
+  const std::string text = test::readFile(dir / "log.json");
+  EXPECT_THAT(text, testing::StartsWith("[\n{\"status\":\"converted\",\"input\":"
+                                        "\"/in/a, \\\"b\\\"\\\\n\\\\xff.stp\",\"reason\":\"\","));
+  EXPECT_THAT(text, testing::HasSubstr("\"low_y\":0.5,"));
+  EXPECT_THAT(text, testing::HasSubstr("\"outputs\":[{\"path\":\"a.stl\",\"size\":684},"
+                                       "{\"path\":\"\\\\xff.stl\",\"size\":1}]},\n{\"status\":"));
+  EXPECT_THAT(text, testing::EndsWith("\"outputs\":[]}\n]\n"));
+}
+
+TEST(ExportState, SaysWhereItCannotWrite) {
+  const test::TempDir dir;
+  EXPECT_FALSE(exportState(*filledState(dir), dir / "missing/log.csv"));
+  EXPECT_FALSE(exportState(*filledState(dir), "/dev/full"));
+}
+
+}  // namespace
+}  // namespace plenvorith

@@ -1,0 +1,169 @@
+#include "batch/report/mesh_tools.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/scoped_env.h"
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+using test::TempDir;
+using testing::HasSubstr;
+
+/// An output folder, and a folder of programs that stand for the real ones.
+struct Setting {
+  TempDir directory;
+  std::string outputs = directory / "out/";
+  test::ScopedEnv searchPath{"PATH", directory / "bin"};
+  test::ScopedEnv temporary{"TMPDIR", directory / "tmp"};
+  Inspections inspections;
+
+  Setting() {
+    for (const char* const folder : {"out", "bin", "tmp"}) {
+      std::filesystem::create_directory(directory / folder);
+    }
+    std::string problem;
+    inspections = openInspections(directory / "inspections.db", problem);
+  }
+  void addTool(const std::string& name, const std::string& script) const {
+    const std::string path = (directory / "bin/") + name;
+    test::writeFile(path, "#!/bin/sh\nPATH=/usr/bin:/bin\n" + script + "\n");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  }
+  /// Prints the size of the file as its volume and fails on files of one byte.
+  void addAdmesh() const {
+    addTool("admesh", R"sh(
+for file; do :; done
+size=$(wc -c <"$file")
+[ "$size" -ne 1 ] || exit 1
+echo "$file" | grep -q '/[0-9]*\.stl$' || exit 1
+echo 'Facets with 1 disconnected edge  :     2    0'
+echo 'Facets with 2 disconnected edges :     0    0'
+echo 'Facets with 3 disconnected edges :     0    0'
+echo "Number of parts       :     0        Volume   :  $size"
+echo . >>)sh" + (directory / "checked"));
+  }
+  /// Draws a picture that holds the name of the display and the bytes of the file.
+  void addF3d() const {
+    addTool("Xvfb", "echo 7; exec sleep 1000");
+    addTool("f3d", R"sh(
+while [ "$1" != --output ]; do shift; done
+[ "$(wc -c <"$3")" -ne 1 ] || exit 1
+{ echo "$DISPLAY"; cat "$3"; } >"$2")sh");
+  }
+  std::string checksMade() const {
+    return test::readFile(directory / "checked");
+  }
+};
+
+bool never() {
+  return false;
+}
+
+TEST(InspectOutputs, ChecksAndDrawsEveryStlFile) {
+  const Setting setting;
+  setting.addAdmesh();
+  setting.addF3d();
+  const std::string odd = "-odd \xff\n'name.stl";
+  test::writeFile(setting.outputs + odd, "1234");
+  test::writeFile(setting.outputs + "b.stl", "12345");
+  test::writeFile(setting.outputs + "c.stp", "123456");
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs,
+                             {{odd, 4}, {"b.stl", 5}, {"c.stp", 6}, {"missing.stl", 7}},
+                             {true, true, 2}, never));
+  const Inspection first = findInspection(*setting.inspections, odd);
+  ASSERT_TRUE(first.check);
+  EXPECT_EQ(first.check->openEdges, 2);
+  EXPECT_EQ(first.check->volume, 4);
+  EXPECT_EQ(first.picture, ":7\n1234");
+  const Inspection second = findInspection(*setting.inspections, "b.stl");
+  ASSERT_TRUE(second.check);
+  EXPECT_EQ(second.check->volume, 5);
+  EXPECT_EQ(second.picture, ":7\n12345");
+  EXPECT_FALSE(findInspection(*setting.inspections, "c.stp").check);
+  EXPECT_TRUE(std::filesystem::is_empty(setting.directory / "tmp"));
+}
+
+TEST(InspectOutputs, LooksAgainOnlyAtWhatHasChanged) {
+  const Setting setting;
+  setting.addAdmesh();
+  test::writeFile(setting.outputs + "a.stl", "1234");
+  test::writeFile(setting.outputs + "b.stl", "1234");
+  const std::vector<OutputRecord> outputs = {{"a.stl", 4}, {"b.stl", 4}};
+  const InspectionWish wish = {true, false, 1};
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs, wish, never));
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs, wish, never));
+  EXPECT_EQ(setting.checksMade(), ".\n.\n");
+  test::writeFile(setting.outputs + "b.stl", "123456");
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs, wish, never));
+  EXPECT_EQ(setting.checksMade(), ".\n.\n.\n");
+  EXPECT_EQ(findInspection(*setting.inspections, "b.stl").check->volume, 6);
+}
+
+TEST(InspectOutputs, CountsTheFilesThatAToolFailsOn) {
+  const Setting setting;
+  setting.addAdmesh();
+  setting.addF3d();
+  test::writeFile(setting.outputs + "a.stl", "1");
+  test::writeFile(setting.outputs + "b.stl", "12");
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 1}, {"b.stl", 2}},
+                             {true, true, 1}, never));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "plenvorith-batch: admesh gave nothing for 1 files\n"
+            "plenvorith-batch: f3d gave nothing for 1 files\n");
+  EXPECT_FALSE(findInspection(*setting.inspections, "a.stl").check);
+  EXPECT_TRUE(findInspection(*setting.inspections, "b.stl").check);
+  EXPECT_EQ(findInspection(*setting.inspections, "a.stl").picture, "");
+}
+
+TEST(InspectOutputs, SaysOnceThatAToolIsMissing) {
+  const Setting setting;
+  test::writeFile(setting.outputs + "a.stl", "1234");
+  test::writeFile(setting.outputs + "b.stl", "1234");
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 4}, {"b.stl", 4}},
+                             {true, true, 1}, never));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "plenvorith-batch: no --check without admesh (Debian package admesh)\n"
+            "plenvorith-batch: no --thumbnails without f3d and Xvfb (Debian packages f3d and "
+            "xvfb)\n");
+  setting.addAdmesh();
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 4}},
+                             {true, false, 1}, never));
+  EXPECT_TRUE(findInspection(*setting.inspections, "a.stl").check);
+}
+
+TEST(InspectOutputs, DoesWithoutADisplayThatDoesNotComeUp) {
+  const Setting setting;
+  setting.addF3d();
+  setting.addTool("Xvfb", "exit 1");
+  test::writeFile(setting.outputs + "a.stl", "1234");
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 4}},
+                             {false, true, 1}, never));
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Xvfb does not start"));
+}
+
+TEST(InspectOutputs, StopsWhenItIsInterrupted) {
+  const Setting setting;
+  setting.addAdmesh();
+  for (const char* const name : {"a.stl", "b.stl", "c.stl"}) {
+    test::writeFile(setting.outputs + name, "1234");
+  }
+  int calls = 0;
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs,
+                             {{"a.stl", 4}, {"b.stl", 4}, {"c.stl", 4}}, {true, true, 1},
+                             [&] { return ++calls >= 2; }));
+  EXPECT_EQ(setting.checksMade(), ".\n.\n");
+  EXPECT_TRUE(findInspection(*setting.inspections, "b.stl").check);
+  EXPECT_FALSE(findInspection(*setting.inspections, "c.stl").check);
+}
+
+}  // namespace
+}  // namespace plenvorith

@@ -1,0 +1,200 @@
+#include "batch/state/ledger.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "batch/inputs/input_identity.h"
+#include "batch/system/folder.h"
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// An output folder with its state, and inputs beside it.
+class LedgerTest : public testing::Test {
+ protected:
+  LedgerTest() {
+    context.places = placesIn(dir / "out");
+    context.base = dir / "in/";
+    context.settings = "to=stl";
+    context.program = "1";
+    context.run = 1;
+    EXPECT_TRUE(makeFolders(context.places.run) && makeFolders(dir / "in"));
+    std::string problem;
+    state = openState(context.places.database, problem);
+    EXPECT_NE(state, nullptr) << problem;
+  }
+
+  /// A conversion that made files with these names and four bytes each.
+  Finished converted(const std::string& name, const std::vector<std::string>& outputs) {
+    Finished finished;
+    finished.input = test::writeFile(dir / "in/" + name, "input");
+    const timespec times[] = {{1577836800, 0}, {1577836800, 0}};
+    utimensat(AT_FDCWD, finished.input.c_str(), times, 0);
+    finished.outFolder = context.places.run + "/1";
+    EXPECT_TRUE(makeEmptyFolder(finished.outFolder));
+    for (const std::string& output : outputs) {
+      test::writeFile(finished.outFolder + "/" + output, "1234");
+      finished.result.outputs.push_back({output, 4});
+    }
+    int error = 0;
+    finished.result.isConverted = true;
+    finished.result.size = 5;
+    finished.result.mtime = identityOf(finished.input, error)->mtime;
+    finished.result.hash = contentHash(finished.input);
+    return finished;
+  }
+
+  static Finished failed(Finished finished) {
+    finished.result.isConverted = false;
+    finished.result.outputs.clear();
+    finished.result.reason = "why";
+    return finished;
+  }
+
+  FileRecord settleOne(const Finished& finished) {
+    const auto records = settle(*state, context, {finished});
+    EXPECT_EQ(records.size(), 1U);
+    return records.at(0);
+  }
+
+  /// The names in the output folder, but for the state's.
+  std::vector<std::string> outputs() const {
+    std::vector<std::string> names = namesInFolder(dir / "out");
+    std::erase(names, ".plenvorith-batch");
+    return names;
+  }
+
+  bool isUpToDateNow(const std::string& name) {
+    auto record = findFile(*state, dir / "in/" + name);
+    bool isTouched = false;
+    return record && isUpToDate(context, dir / "in/" + name, *record, isTouched);
+  }
+
+  test::TempDir dir;
+  RunContext context;
+  State state;
+};
+
+TEST_F(LedgerTest, MovesOutputsAndKnowsThem) {
+  const FileRecord record = settleOne(converted("a.stp", {"a.stp.stl"}));
+  EXPECT_EQ(record.status, FileStatus::Converted);
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl"));
+  EXPECT_TRUE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, RemovesOutputsThatAreNotMadeAgain) {
+  settleOne(converted("a.stp", {"a.stp.stl_1.stl", "a.stp.stl_2.stl"}));
+  settleOne(converted("a.stp", {"a.stp.stl_1.stl"}));
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl_1.stl"));
+  const FileRecord record = settleOne(failed(converted("a.stp", {})));
+  EXPECT_EQ(record.status, FileStatus::Failed);
+  EXPECT_THAT(outputs(), IsEmpty());
+  EXPECT_THAT(findFile(*state, record.path)->outputs, IsEmpty());
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, FailsWhereAnOutputCannotBeMoved) {
+  ASSERT_TRUE(makeFolders(dir / "out/a_2.stl/x"));
+  const FileRecord record = settleOne(converted("a.stp", {"a_1.stl", "a_2.stl"}));
+  EXPECT_EQ(record.status, FileStatus::Failed);
+  EXPECT_THAT(record.reason, testing::StartsWith("cannot be moved into place: "));
+  EXPECT_THAT(outputs(), ElementsAre("a_2.stl"));
+}
+
+TEST_F(LedgerTest, TakesNothingForConvertedThatWasBeingDelivered) {
+  FileRecord record = settleOne(converted("a.stp", {"a.stp.stl"}));
+  record.status = FileStatus::Delivering;
+  record.outputs.push_back({"a.stp.stl_9.stl", 4});
+  ASSERT_TRUE(putFile(*state, record));
+  test::writeFile(dir / "out/a.stp.stl_9.stl", "1234");
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  settleOne(converted("a.stp", {"a.stp.stl"}));
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl"));
+}
+
+TEST_F(LedgerTest, NeverRemovesWhatAnotherInputMade) {
+  settleOne(converted("a.stp", {"x.stl"}));
+  const Finished again = converted("a.stp", {"y.stl"});
+  Finished other = converted("b.stp", {"x.stl"});
+  test::writeFile(other.outFolder + "/y.stl", "1234");
+  const auto records = settle(*state, context, {other, again});
+  ASSERT_EQ(records.size(), 2U);
+  EXPECT_THAT(outputs(), ElementsAre("x.stl", "y.stl"));
+  EXPECT_TRUE(isUpToDateNow("a.stp") && isUpToDateNow("b.stp"));
+}
+
+TEST_F(LedgerTest, KnowsWhatDiffers) {
+  settleOne(converted("a.stp", {"a.stl"}));
+  const RunContext before = context;
+  context.settings = "to=stp";
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  context = before;
+  context.program = "2";
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  context = before;
+  context.base = dir.path().string() + '/';
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+  context = before;
+  EXPECT_TRUE(isUpToDateNow("a.stp"));
+  fs::resize_file(dir / "out/a.stl", 3);
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, KnowsAnInputByItsContentWhereTheTimeDiffers) {
+  settleOne(converted("a.stp", {"a.stl"}));
+  const timespec older[] = {{946684800, 0}, {946684800, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, (dir / "in/a.stp").c_str(), older, 0), 0);
+  auto record = findFile(*state, dir / "in/a.stp");
+  bool isTouched = false;
+  EXPECT_TRUE(isUpToDate(context, record->path, *record, isTouched));
+  EXPECT_TRUE(isTouched);
+  EXPECT_EQ(record->mtime, 946684800000000000);
+  test::writeFile(dir / "in/a.stp", "other");
+  ASSERT_EQ(utimensat(AT_FDCWD, (dir / "in/a.stp").c_str(), older, 0), 0);
+  EXPECT_FALSE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, TrustsNoTimeThatIsYoungOrInTheFuture) {
+  Finished finished = converted("a.stp", {"a.stl"});
+  for (const std::int64_t seconds : {std::time(nullptr), std::time(nullptr) + 1000000}) {
+    const timespec times[] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, finished.input.c_str(), times, 0), 0);
+    int error = 0;
+    finished.result.mtime = identityOf(finished.input, error)->mtime;
+    test::writeFile(finished.outFolder + "/a.stl", "1234");
+    settleOne(finished);
+    EXPECT_TRUE(isUpToDateNow("a.stp"));
+    test::writeFile(finished.input, "INPUT");
+    ASSERT_EQ(utimensat(AT_FDCWD, finished.input.c_str(), times, 0), 0);
+    EXPECT_FALSE(isUpToDateNow("a.stp"));
+    test::writeFile(finished.input, "input");
+  }
+}
+
+TEST_F(LedgerTest, PrunesWhatVanishedInputsMade) {
+  settleOne(converted("a.stp", {"a.stl"}));
+  settleOne(converted("b.stp", {"b.stl"}));
+  fs::remove(dir / "in/a.stp");
+  EXPECT_EQ(prune(*state, context.places), 1);
+  EXPECT_THAT(outputs(), ElementsAre("b.stl"));
+  EXPECT_FALSE(findFile(*state, dir / "in/a.stp").has_value());
+  EXPECT_EQ(prune(*state, context.places), 0);
+}
+
+TEST(NameBelow, IsThePathBelowTheBase) {
+  EXPECT_EQ(nameBelow("/in/", "/in/sub/a.stp"), "sub/a.stp");
+  EXPECT_EQ(nameBelow("/in/", "/other/a.stp"), "/other/a.stp");
+}
+
+}  // namespace
+}  // namespace plenvorith

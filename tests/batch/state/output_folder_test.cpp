@@ -1,0 +1,126 @@
+#include "batch/state/output_folder.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "batch/state/shard.h"
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+using testing::HasSubstr;
+
+/// Runs that want the same output folder.
+class OutputFolderTest : public testing::Test {
+ protected:
+  Options optionsOf(std::optional<Shard> shard) {
+    Options options;
+    options.output = dir / "out";
+    options.shard = shard;
+    return options;
+  }
+
+  RunContext contextOf(const Options& options) {
+    RunContext context;
+    context.places = placesIn(options.output);
+    if (options.shard) {
+      context.places = placesOfShard(context.places, *options.shard);
+    }
+    context.base = "/in/";
+    context.settings = "settings";
+    return context;
+  }
+
+  /// What is in the way of a run, which keeps its locks.
+  std::string take(const Options& options) {
+    return takeOutputFolder(options, contextOf(options), locks.emplace_back());
+  }
+
+  std::string join(const Options& options, StateHandle* state = nullptr) {
+    files = {{"/in/a.stp", 100}, {"/in/b.stp", 100}};
+    return becomeShard(options, contextOf(options), state, files);
+  }
+
+  /// A division of the folder in two that a run has proposed.
+  void divide() {
+    std::string problem;
+    const Options options = optionsOf(Shard{1, 2});
+    const State state = [&] {
+      EXPECT_EQ(take(options), "");
+      return openState(contextOf(options).places.database, problem);
+    }();
+    ASSERT_NE(state, nullptr) << problem;
+    ASSERT_EQ(join(options, state.get()), "");
+  }
+
+  const test::TempDir dir;
+  std::vector<Locks> locks;
+  std::vector<InputFile> files;
+};
+
+TEST_F(OutputFolderTest, BelongsToOneRun) {
+  EXPECT_EQ(take(optionsOf({})), "");
+  EXPECT_EQ(take(optionsOf({})), "another run is writing to " + dir / "out");
+  EXPECT_EQ(take(optionsOf(Shard{1, 2})),
+            "another run is writing to " + (dir / "out") + ", or to this shard");
+  locks.clear();
+  EXPECT_EQ(take(optionsOf({})), "");
+}
+
+TEST_F(OutputFolderTest, IsSharedByShardsButNotByTwoOfTheSame) {
+  EXPECT_EQ(take(optionsOf(Shard{1, 2})), "");
+  EXPECT_EQ(take(optionsOf(Shard{2, 2})), "");
+  EXPECT_THAT(take(optionsOf(Shard{1, 2})), HasSubstr("or to this shard"));
+  EXPECT_THAT(take(optionsOf({})), HasSubstr("another run is writing to"));
+}
+
+TEST_F(OutputFolderTest, LosesWhatAnEarlierRunLeftUnderWay) {
+  const std::string run = contextOf(optionsOf({})).places.run;
+  std::filesystem::create_directories(run + "/worker1");
+  EXPECT_EQ(take(optionsOf({})), "");
+  EXPECT_TRUE(std::filesystem::is_empty(run));
+}
+
+TEST_F(OutputFolderTest, CannotBeAFile) {
+  test::writeFile(dir / "out", "");
+  EXPECT_EQ(take(optionsOf({})), (dir / "out") + "/.plenvorith-batch: Not a directory");
+}
+
+TEST_F(OutputFolderTest, IsKeptFromWholeRunsUntilItsShardsAreMerged) {
+  divide();
+  locks.clear();
+  EXPECT_EQ(take(optionsOf({})),
+            "there are shards in " + (dir / "out") + " that --merge has not taken in");
+  locks.clear();
+  Options merge = optionsOf({});
+  merge.merge = true;
+  EXPECT_EQ(take(merge), "");
+}
+
+TEST_F(OutputFolderTest, IsKeptFromShardsOfAnotherDivision) {
+  divide();
+  const std::string strange =
+      "the shards in " + (dir / "out") + " are others (2, settings base=/in/): --merge ends them";
+  EXPECT_EQ(take(optionsOf(Shard{1, 3})), strange);
+  EXPECT_EQ(join(optionsOf(Shard{1, 3})), strange);
+  EXPECT_FALSE(
+      std::filesystem::exists(contextOf(optionsOf(Shard{1, 3})).places.state + "/shards/1-of-3"));
+}
+
+TEST_F(OutputFolderTest, GivesEachShardItsFiles) {
+  EXPECT_EQ(join(optionsOf(Shard{1, 2})), "");
+  const std::vector<InputFile> first = files;
+  EXPECT_EQ(join(optionsOf(Shard{2, 2})), "");
+  ASSERT_EQ(first.size(), 1U);
+  ASSERT_EQ(files.size(), 1U);
+  EXPECT_NE(first[0].path, files[0].path);
+  // Nothing was to be written.
+  EXPECT_FALSE(std::filesystem::exists(dir / "out"));
+}
+
+}  // namespace
+}  // namespace plenvorith

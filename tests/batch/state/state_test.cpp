@@ -1,0 +1,258 @@
+#include "batch/state/state.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+State openedAt(const std::string& path) {
+  std::string problem;
+  State state = openState(path, problem);
+  EXPECT_NE(state, nullptr) << problem;
+  return state;
+}
+
+FileRecord fileWithAllValues() {
+  FileRecord file;
+  file.path = "/in/new\nline \xff.stp";
+  file.name = "new\nline \xff.stp";
+  file.run = 3;
+  file.status = FileStatus::Converted;
+  file.reason = "why";
+  file.lastLine = "the \xfe line";
+  file.exitStatus = 0;
+  file.size = std::int64_t{1} << 40;
+  file.mtime = 1234567890123456789;
+  file.hash = std::string("\0\1\2", 3);
+  file.settings = "stl 0.1";
+  file.program = "0.1.0";
+  file.triangles = 12;
+  file.seconds = 0.25;
+  file.cpuSeconds = 0.125;
+  file.peakMemory = 4096;
+  file.bounds = Bounds{{-1.5, 0, 1}, {2, 3, 1e300}};
+  file.host = "here";
+  file.transcript = "transcripts/\xff.txt";
+  file.outputs = {{"a\xff.stl", 684}, {"b.stl", 84}};
+  return file;
+}
+
+std::vector<std::string> pathsOf(const std::vector<OutputRecord>& outputs) {
+  std::vector<std::string> paths;
+  paths.reserve(outputs.size());
+  for (const OutputRecord& output : outputs) {
+    paths.push_back(output.path);
+  }
+  return paths;
+}
+
+void expectEqual(const FileRecord& a, const FileRecord& b) {
+  EXPECT_EQ(a.path, b.path);
+  EXPECT_EQ(a.name, b.name);
+  EXPECT_EQ(a.run, b.run);
+  EXPECT_EQ(a.status, b.status);
+  EXPECT_EQ(a.reason, b.reason);
+  EXPECT_EQ(a.lastLine, b.lastLine);
+  EXPECT_EQ(a.exitStatus, b.exitStatus);
+  EXPECT_EQ(a.signal, b.signal);
+  EXPECT_EQ(a.size, b.size);
+  EXPECT_EQ(a.mtime, b.mtime);
+  EXPECT_EQ(a.hash, b.hash);
+  EXPECT_EQ(a.settings, b.settings);
+  EXPECT_EQ(a.program, b.program);
+  EXPECT_EQ(a.triangles, b.triangles);
+  EXPECT_EQ(a.seconds, b.seconds);
+  EXPECT_EQ(a.cpuSeconds, b.cpuSeconds);
+  EXPECT_EQ(a.peakMemory, b.peakMemory);
+  ASSERT_EQ(a.bounds.has_value(), b.bounds.has_value());
+  if (a.bounds) {
+    EXPECT_EQ(a.bounds->low, b.bounds->low);
+    EXPECT_EQ(a.bounds->high, b.bounds->high);
+  }
+  EXPECT_EQ(a.host, b.host);
+  EXPECT_EQ(a.transcript, b.transcript);
+  EXPECT_EQ(pathsOf(a.outputs), pathsOf(b.outputs));
+}
+
+FileRecord fileNamed(const std::string& path) {
+  FileRecord file;
+  file.path = path;
+  return file;
+}
+
+TEST(State, GivesBackAllValuesOfAFileAfterItIsOpenedAgain) {
+  const test::TempDir dir;
+  const FileRecord file = fileWithAllValues();
+  FileRecord failed = fileNamed("/in/b");
+  failed.signal = 11;
+  {
+    const State state = openedAt(dir / "state.db");
+    EXPECT_TRUE(putFile(*state, file));
+    EXPECT_TRUE(putFile(*state, failed));
+  }
+  const State state = openedAt(dir / "state.db");
+  const auto found = findFile(*state, file.path);
+  ASSERT_TRUE(found.has_value());
+  expectEqual(*found, file);
+  EXPECT_EQ(found->outputs[0].size, 684);
+  const auto other = findFile(*state, "/in/b");
+  ASSERT_TRUE(other.has_value());
+  expectEqual(*other, failed);
+  EXPECT_EQ(findFile(*state, "/in/c").has_value(), false);
+}
+
+TEST(State, LeavesOneFileBesideTheDatabaseOnlyWhileItIsOpen) {
+  const test::TempDir dir;
+  { EXPECT_TRUE(putFile(*openedAt(dir / "state.db"), fileNamed("/a"))); }
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir.path())) {
+    names.push_back(entry.path().filename());
+  }
+  EXPECT_THAT(names, ElementsAre("state.db"));
+}
+
+TEST(State, ReplacesAFileAndItsOutputs) {
+  const test::TempDir dir;
+  const State state = openedAt(dir / "state.db");
+  FileRecord file = fileWithAllValues();
+  EXPECT_TRUE(putFile(*state, file));
+  file.triangles = 7;
+  file.bounds.reset();
+  file.outputs = {{"c.stl", 1}};
+  EXPECT_TRUE(putFile(*state, file));
+  expectEqual(*findFile(*state, file.path), file);
+}
+
+TEST(State, GivesAnOutputToTheLastThatWroteIt) {
+  const test::TempDir dir;
+  const State state = openedAt(dir / "state.db");
+  FileRecord a = fileNamed("/a");
+  a.outputs = {{"x.stl", 1}, {"y.stl", 1}};
+  FileRecord b = fileNamed("/b");
+  b.outputs = {{"x.stl", 2}};
+  EXPECT_TRUE(putFile(*state, a));
+  EXPECT_TRUE(putFile(*state, b));
+  EXPECT_THAT(pathsOf(findFile(*state, "/a")->outputs), ElementsAre("y.stl"));
+  EXPECT_THAT(pathsOf(findFile(*state, "/b")->outputs), ElementsAre("x.stl"));
+}
+
+TEST(State, VisitsFilesInTheOrderOfTheirBytes) {
+  const test::TempDir dir;
+  const State state = openedAt(dir / "state.db");
+  for (const char* path : {"/b", "/a\xff", "/a", "/B"}) {
+    FileRecord file = fileNamed(path);
+    file.outputs = {{std::string(path) + ".stl", 1}};
+    EXPECT_TRUE(putFile(*state, file));
+  }
+  std::vector<std::string> visited;
+  EXPECT_TRUE(forEachFile(*state, [&](const FileRecord& file) {
+    visited.push_back(file.path + ":" + file.outputs.at(0).path);
+  }));
+  EXPECT_THAT(visited, ElementsAre("/B:/B.stl", "/a:/a.stl", "/a\xff:/a\xff.stl", "/b:/b.stl"));
+}
+
+TEST(State, ForgetsAFile) {
+  const test::TempDir dir;
+  const State state = openedAt(dir / "state.db");
+  const FileRecord file = fileWithAllValues();
+  EXPECT_TRUE(putFile(*state, file));
+  EXPECT_TRUE(removeFile(*state, file.path));
+  EXPECT_TRUE(removeFile(*state, "/never there"));
+  EXPECT_FALSE(findFile(*state, file.path).has_value());
+  EXPECT_TRUE(putFile(*state, file));
+  EXPECT_EQ(findFile(*state, file.path)->outputs.size(), 2U);
+}
+
+TEST(State, DropsAChangeThatIsNotCommitted) {
+  const test::TempDir dir;
+  const State state = openedAt(dir / "state.db");
+  EXPECT_TRUE(beginChanges(*state));
+  EXPECT_TRUE(putFile(*state, fileNamed("/a")));
+  dropChanges(*state);
+  EXPECT_FALSE(findFile(*state, "/a").has_value());
+  EXPECT_TRUE(beginChanges(*state));
+  EXPECT_TRUE(putFile(*state, fileNamed("/a")));
+  EXPECT_TRUE(commitChanges(*state));
+  EXPECT_TRUE(findFile(*state, "/a").has_value());
+}
+
+TEST(State, CanBeReadWhileItIsWritten) {
+  const test::TempDir dir;
+  const State writer = openedAt(dir / "state.db");
+  EXPECT_TRUE(putFile(*writer, fileNamed("/a")));
+  EXPECT_TRUE(beginChanges(*writer));
+  EXPECT_TRUE(putFile(*writer, fileNamed("/b")));
+  const State reader = openedAt(dir / "state.db");
+  EXPECT_TRUE(findFile(*reader, "/a").has_value());
+  EXPECT_FALSE(findFile(*reader, "/b").has_value());
+}
+
+TEST(State, KeepsRuns) {
+  const test::TempDir dir;
+  const State state = openedAt(dir / "state.db");
+  RunRecord run;
+  run.start = "2026-03-31T12:00:00Z";
+  run.arguments = {"in \xff", "", "-o", "out"};
+  run.program = "0.1.0";
+  run.host = "here";
+  run.base = "/in/";
+  run.id = putRun(*state, run);
+  EXPECT_EQ(run.id, 1);
+  run.end = "2026-03-31T11:59:00Z";
+  run.seconds = 60;
+  run.result = "finished";
+  EXPECT_EQ(putRun(*state, run), 1);
+  EXPECT_EQ(putRun(*state, RunRecord()), 2);
+  const std::vector<RunRecord> runs = allRuns(*state);
+  ASSERT_EQ(runs.size(), 2U);
+  EXPECT_EQ(runs[0].start, run.start);
+  EXPECT_EQ(runs[0].end, run.end);
+  EXPECT_EQ(runs[0].seconds, 60);
+  EXPECT_EQ(runs[0].result, "finished");
+  EXPECT_EQ(runs[0].arguments, run.arguments);
+  EXPECT_EQ(runs[0].program, "0.1.0");
+  EXPECT_EQ(runs[0].host, "here");
+  EXPECT_EQ(runs[0].base, "/in/");
+  EXPECT_THAT(runs[1].arguments, IsEmpty());
+}
+
+TEST(State, RejectsAFileThatIsNone) {
+  const test::TempDir dir;
+  test::writeFile(dir / "state.db",
+                  "This is no database, but it is longer than a header is.\n"
+                  "It goes on for a while, and then it ends here. It is text.");
+  std::string problem;
+  EXPECT_EQ(openState(dir / "state.db", problem), nullptr);
+  EXPECT_EQ(problem, dir / "state.db: file is not a database");
+}
+
+TEST(State, RejectsAFolderThatIsNotThere) {
+  const test::TempDir dir;
+  std::string problem;
+  EXPECT_EQ(openState(dir / "missing/state.db", problem), nullptr);
+  EXPECT_EQ(problem, dir / "missing/state.db: unable to open database file");
+}
+
+TEST(State, TellsWhyChangesWereDropped) {
+  const test::TempDir dir;
+  openedAt(dir / "state.db").reset();
+  std::string problem;
+  const State state = openState(dir / "state.db", problem, StateUse::Read);
+  ASSERT_NE(state, nullptr) << problem;
+  ASSERT_TRUE(beginChanges(*state));
+  EXPECT_FALSE(putFile(*state, fileWithAllValues()));
+  dropChanges(*state);
+  EXPECT_EQ(stateProblem(*state), "attempt to write a readonly database");
+}
+
+}  // namespace
+}  // namespace plenvorith

@@ -1,0 +1,176 @@
+#include "batch/worker/worker.h"
+
+#include <array>
+#include <csignal>
+#include <string>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "batch/system/descriptor.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/triangle_step.h"
+
+namespace plenvorith {
+namespace {
+
+using test::kTriangleStep;
+using testing::HasSubstr;
+
+/// A worker in a process of its own, as a driver has it.
+class WorkerTest : public testing::Test {
+ protected:
+  WorkerTest() {
+    std::array<int, 2> jobPipe{};
+    std::array<int, 2> resultPipe{};
+    EXPECT_EQ(pipe2(jobPipe.data(), O_CLOEXEC), 0);
+    EXPECT_EQ(pipe2(resultPipe.data(), O_CLOEXEC), 0);
+    worker = fork();
+    if (worker == 0) {
+      close(jobPipe[1]);
+      close(resultPipe[0]);
+      // Without it the exceptions of conversions would end up in the test framework.
+      [&]() noexcept { _exit(runWorker(jobPipe[0], resultPipe[1])); }();
+    }
+    close(jobPipe[0]);
+    close(resultPipe[1]);
+    jobs = Descriptor(jobPipe[1]);
+    results = Descriptor(resultPipe[0]);
+  }
+  ~WorkerTest() override {
+    jobs.close();
+    results.close();
+    end();
+  }
+
+  int end() {
+    int status = 0;
+    if (worker != 0) {
+      waitpid(worker, &status, 0);
+      worker = 0;
+    }
+    return status;
+  }
+
+  Job jobFor(const std::string& name) const {
+    Job job;
+    job.id = 5;
+    job.input = dir / name;
+    job.outFolder = dir / "work/out";
+    job.temporaryFolder = dir / "work/tmp";
+    job.outputName = name + ".stl";
+    job.transcript = dir / "transcripts/" + name + ".txt";
+    return job;
+  }
+
+  void send(const Job& job) const {
+    ASSERT_TRUE(writeAll(jobs.get(), lineFrom(job) + '\n'));
+  }
+
+  JobResult receive() const {
+    std::string line;
+    char c = 0;
+    while (read(results.get(), &c, 1) == 1 && c != '\n') {
+      line += c;
+    }
+    const auto result = resultFrom(line);
+    EXPECT_TRUE(result.has_value()) << line;
+    return result.value_or(JobResult());
+  }
+
+  JobResult convert(const Job& job) const {
+    send(job);
+    return receive();
+  }
+
+  test::TempDir dir;
+  pid_t worker = 0;
+  Descriptor jobs;
+  Descriptor results;
+};
+
+TEST_F(WorkerTest, ConvertsFileAfterFile) {
+  test::writeFile(dir / "a.stp", kTriangleStep);
+  for (int round = 0; round < 3; ++round) {
+    const JobResult result = convert(jobFor("a.stp"));
+    EXPECT_TRUE(result.isConverted) << result.reason;
+    EXPECT_EQ(result.id, 5);
+    EXPECT_EQ(result.triangles, 1);
+    EXPECT_EQ(result.exitStatus, 0);
+    ASSERT_EQ(result.outputs.size(), 1U);
+    EXPECT_EQ(result.outputs[0].path, "a.stp.stl");
+    EXPECT_EQ(result.outputs[0].size, 134);
+    EXPECT_EQ(test::readFile(dir / "work/out/a.stp.stl").size(), 134U);
+    EXPECT_THAT(test::readFile(dir / "transcripts/a.stp.txt"), testing::EndsWith("Done\n"));
+  }
+  jobs.close();
+  EXPECT_EQ(end(), 0);
+}
+
+TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
+  std::string broken = kTriangleStep;
+  broken.replace(broken.find("(1.,0.,0.)"), 10, "(x.,0.,0.)");
+  test::writeFile(dir / "broken.stp", broken);
+  test::writeFile(dir / "a.stp", kTriangleStep);
+  const JobResult result = convert(jobFor("broken.stp"));
+  EXPECT_FALSE(result.isConverted);
+  EXPECT_EQ(result.signal, SIGABRT);
+  EXPECT_EQ(result.reason, "a malformed number");
+  EXPECT_TRUE(convert(jobFor("a.stp")).isConverted);
+}
+
+TEST_F(WorkerTest, EndsAConversionAtItsTimeLimit) {
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
+  Job job = jobFor("pipe.stp");
+  job.settings.timeLimit = std::chrono::seconds(1);
+  const JobResult result = convert(job);
+  EXPECT_EQ(result.reason, "time limit of 1 s");
+  EXPECT_THAT(result.lastLine, HasSubstr("Analyzing"));
+}
+
+TEST_F(WorkerTest, RefusesWhatCannotBeConverted) {
+  test::writeFile(dir / "empty.stp", "");
+  EXPECT_EQ(convert(jobFor("empty.stp")).reason, "empty");
+  EXPECT_EQ(convert(jobFor("missing.stp")).reason, "cannot be read: No such file or directory");
+  test::writeFile(dir / "a.stp", kTriangleStep);
+  Job job = jobFor("a.stp");
+  job.outputName = std::string(256, 'a');
+  EXPECT_EQ(convert(job).reason, "name too long");
+}
+
+TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
+  const std::string program =
+      test::writeFile(dir / "change", "#!/bin/sh\ncp \"$1\" \"$2\"; echo more >>\"$1\"\n");
+  ASSERT_EQ(chmod(program.c_str(), 0755), 0);
+  test::writeFile(dir / "a.stp", kTriangleStep);
+  Job job = jobFor("a.stp");
+  job.settings.program = program;
+  job.outputName = "a.stp";
+  const JobResult result = convert(job);
+  EXPECT_FALSE(result.isConverted);
+  EXPECT_EQ(result.reason, "changed while it was converted");
+}
+
+TEST_F(WorkerTest, EndsWithItsConversionWhenNobodyReadsItsResults) {
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
+  send(jobFor("pipe.stp"));
+  results.close();
+  EXPECT_EQ(end(), 0);
+}
+
+TEST_F(WorkerTest, EndsOnASignal) {
+  ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
+  send(jobFor("pipe.stp"));
+  kill(worker, SIGTERM);
+  int status = 0;
+  ASSERT_EQ(waitpid(worker, &status, 0), worker);
+  worker = 0;
+  // Either it was listening already, or the signal came before.
+  EXPECT_TRUE((WIFEXITED(status) && WEXITSTATUS(status) == 0) || WIFSIGNALED(status));
+}
+
+}  // namespace
+}  // namespace plenvorith
