@@ -2,19 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <ios>
 #include <iostream>
-#include <limits>
 #include <string_view>
+
+#include "common/little_endian.h"
 
 namespace plenvorith {
 namespace {
-
-static_assert(std::numeric_limits<float>::is_iec559, "STL files hold IEEE floats");
 
 constexpr std::string_view kTitle = "Plenvorith binary STL";
 constexpr std::size_t kHeaderSize = 80;
@@ -25,19 +23,10 @@ constexpr std::size_t kRecordSize = 50;
 /// cache.
 constexpr std::size_t kBlockSize = std::size_t{1} << 18;
 
-char* putUint32(char* out, std::uint32_t value) {
-  for (int shift = 0; shift < 32; shift += 8) {
-    *out++ = static_cast<char>(value >> shift & 0xFFU);
-  }
-  return out;
-}
-
-char* putFloat(char* out, double value) {
-  return putUint32(out, std::bit_cast<std::uint32_t>(static_cast<float>(value)));
-}
-
 char* putPoint(char* out, const Point3& point) {
-  return putFloat(putFloat(putFloat(out, point.x), point.y), point.z);
+  out = putFloat(out, static_cast<float>(point.x));
+  out = putFloat(out, static_cast<float>(point.y));
+  return putFloat(out, static_cast<float>(point.z));
 }
 
 char* putRecord(char* out, const Triangle& triangle) {

@@ -12,6 +12,7 @@
 
 #include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
+#include "common/little_endian.h"
 
 namespace plenvorith {
 namespace {
@@ -26,16 +27,16 @@ struct Extent {
 };
 
 void includeCorners(const char* record, Extent& extent) {
-  std::array<float, 12> numbers;  // the normal comes first
-  std::memcpy(numbers.data(), record, sizeof numbers);
-  for (std::size_t i = 3; i < numbers.size(); ++i) {
+  constexpr std::size_t kNumbers = 12;
+  for (std::size_t i = 3; i < kNumbers; ++i) {  // the normal comes first
+    const float number = getFloat(record + 4 * i);
     const std::size_t axis = i % 3;
     // False for what is no number.
-    if (numbers[i] < extent.low[axis]) {
-      extent.low[axis] = numbers[i];
+    if (number < extent.low[axis]) {
+      extent.low[axis] = number;
     }
-    if (numbers[i] > extent.high[axis]) {
-      extent.high[axis] = numbers[i];
+    if (number > extent.high[axis]) {
+      extent.high[axis] = number;
     }
   }
 }
@@ -64,13 +65,11 @@ bool readTriangles(int file, std::int64_t count, Extent& extent) {
 
 /// The number that the four bytes before the first triangle hold; -1 if they are not there.
 std::int64_t triangleCount(int file) {
-  std::array<unsigned char, kHeaderSize> header{};
+  std::array<char, kHeaderSize> header{};
   if (read(file, header.data(), header.size()) != kHeaderSize) {
     return -1;
   }
-  const unsigned char* const bytes = header.data() + 80;
-  return std::int64_t{bytes[0]} | std::int64_t{bytes[1]} << 8 | std::int64_t{bytes[2]} << 16 |
-         std::int64_t{bytes[3]} << 24;
+  return getUint32(header.data() + 80);
 }
 
 bool lookAtStl(int file, std::int64_t size, MadeFiles& made, Extent& extent) {

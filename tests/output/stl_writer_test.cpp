@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include "common/little_endian.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -32,9 +32,7 @@ std::string written(const std::vector<Triangle>& triangles) {
 }
 
 float floatAt(const std::string& bytes, std::size_t offset) {
-  float value = 0;
-  std::memcpy(&value, bytes.data() + offset, sizeof value);
-  return value;
+  return getFloat(bytes.data() + offset);
 }
 
 TEST(StlWriter, WritesHeaderAndZeroForNoTriangles) {

@@ -2,24 +2,21 @@
 
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
 namespace plenvorith::test {
 namespace {
 
-static_assert(std::endian::native == std::endian::little);
-
-template <typename Value>
-void append(std::string& bytes, Value value) {
-  char raw[sizeof value];
-  std::memcpy(raw, &value, sizeof value);
-  bytes.append(raw, sizeof value);
+void append(std::string& bytes, std::uint32_t number) {
+  for (int i = 0; i < 4; ++i) {
+    bytes.push_back(static_cast<char>(number % 256));
+    number /= 256;
+  }
 }
 
 void append(std::string& bytes, const Point3& point) {
-  append(bytes, static_cast<float>(point.x));
-  append(bytes, static_cast<float>(point.y));
-  append(bytes, static_cast<float>(point.z));
+  for (const double coordinate : {point.x, point.y, point.z}) {
+    append(bytes, std::bit_cast<std::uint32_t>(static_cast<float>(coordinate)));
+  }
 }
 
 }  // namespace
@@ -33,7 +30,7 @@ std::string referenceBinaryStl(const std::vector<Triangle>& triangles) {
     append(bytes, triangle.v1);
     append(bytes, triangle.v2);
     append(bytes, triangle.v3);
-    append(bytes, std::uint16_t{0});
+    bytes.append(2, '\0');
   }
   return bytes;
 }

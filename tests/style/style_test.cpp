@@ -41,7 +41,7 @@ const std::map<std::string, Room> kRooms = {
     {"batch/records", {{}, false, true}},
     {"batch/inputs", {{"batch/options.h", "batch/records", "batch/system"}, false, true}},
     {"batch/worker",
-     {{"batch/inputs", "batch/records", "batch/system", "app", "prepare"}, false, true}},
+     {{"batch/inputs", "batch/records", "batch/system", "app", "common", "prepare"}, false, true}},
     {"batch/state",
      {{"batch/inputs", "batch/options.h", "batch/records", "batch/system", "batch/version.h"},
       false,

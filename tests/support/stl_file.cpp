@@ -1,8 +1,8 @@
 #include "tests/support/stl_file.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <stdexcept>
 
 namespace plenvorith::test {
@@ -13,15 +13,30 @@ constexpr std::size_t kHeaderSize = 80;
 constexpr std::size_t kStart = kHeaderSize + 4;
 constexpr std::size_t kStride = sizeof(StlRecord) + 2;
 
+/// The number in four bytes, the least first.
+std::uint32_t numberAt(const std::string& file, std::size_t place) {
+  std::uint32_t number = 0;
+  for (std::size_t i = 4; i-- > 0;) {
+    number = number << 8 | static_cast<unsigned char>(file[place + i]);
+  }
+  return number;
+}
+
 }  // namespace
 
 std::string stlFile(const std::vector<StlRecord>& records) {
   std::string file = "Plenvorith binary STL";
   file.resize(kHeaderSize, '\0');
-  const auto count = static_cast<std::uint32_t>(records.size());
-  file.append(reinterpret_cast<const char*>(&count), sizeof count);
+  const auto append = [&file](std::uint32_t number) {
+    for (int shift = 0; shift < 32; shift += 8) {
+      file.push_back(static_cast<char>(number >> shift & 0xFFU));
+    }
+  };
+  append(static_cast<std::uint32_t>(records.size()));
   for (const StlRecord& record : records) {
-    file.append(reinterpret_cast<const char*>(record.data()), sizeof record);
+    for (const float number : record) {
+      append(std::bit_cast<std::uint32_t>(number));
+    }
     file.append(2, '\0');
   }
   return file;
@@ -30,7 +45,7 @@ std::string stlFile(const std::vector<StlRecord>& records) {
 std::vector<StlRecord> recordsOf(const std::string& file) {
   std::uint32_t count = 0;
   if (file.size() >= kStart) {
-    std::memcpy(&count, file.data() + kHeaderSize, sizeof count);
+    count = numberAt(file, kHeaderSize);
   }
   if (file.size() != kStart + kStride * count) {
     throw std::runtime_error("an STL file of " + std::to_string(file.size()) + " bytes for " +
@@ -38,7 +53,9 @@ std::vector<StlRecord> recordsOf(const std::string& file) {
   }
   std::vector<StlRecord> records(count);
   for (std::size_t i = 0; i < count; ++i) {
-    std::memcpy(records[i].data(), file.data() + kStart + kStride * i, sizeof(StlRecord));
+    for (std::size_t k = 0; k < records[i].size(); ++k) {
+      records[i][k] = std::bit_cast<float>(numberAt(file, kStart + kStride * i + 4 * k));
+    }
   }
   return records;
 }
