@@ -26,7 +26,7 @@ INPUTS = ROOT / "build" / "bench"
 MEGABYTE = 1_000_000
 TARGETS = ("plenvorith_programs", "bench_stages", "generate_exact", "generate_tessellation",
            "baseline_io", "baseline_kernel", "baseline_literal", "baseline_numbers",
-           "baseline_part21", "baseline_stream")
+           "baseline_statements", "baseline_stream")
 
 
 @dataclass

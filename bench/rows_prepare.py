@@ -19,7 +19,7 @@ def measure_prepare(table, runs, scratch):
         return lambda: run(PREPARE, path, ready)
 
     def baseline(mode, path):
-        return lambda: run(BENCH / "baseline_part21", mode, path, copy)
+        return lambda: run(BENCH / "baseline_statements", mode, path, copy)
 
     def prepared(path):
         return lambda: in_a_row(preparing(path), lambda: run(PROGRAM, ready, stl))

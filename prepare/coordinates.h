@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdint>
 
-#include "prepare/body_cursor.h"
+#include "exchange/body_cursor.h"
+#include "exchange/statement_reader.h"
 #include "prepare/output_file.h"
-#include "prepare/part21.h"
-#include "prepare/placement.h"
+#include "product/placement.h"
 
 namespace plenvorith {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "prepare/instance_table.h"
-#include "prepare/product_structure.h"
+#include "exchange/instance_table.h"
+#include "product/product_structure.h"
 
 namespace plenvorith {
 

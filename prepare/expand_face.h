@@ -2,10 +2,10 @@
 
 #include <cstdint>
 
-#include "prepare/entity_types.h"
+#include "exchange/entity_types.h"
+#include "exchange/statement_reader.h"
 #include "prepare/face_triangles.h"
 #include "prepare/output_file.h"
-#include "prepare/part21.h"
 
 namespace plenvorith {
 

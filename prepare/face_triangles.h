@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "prepare/body_cursor.h"
+#include "exchange/body_cursor.h"
 #include "prepare/index_list.h"
 #include "prepare/index_mapping.h"
 #include "prepare/output_file.h"

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "prepare/body_cursor.h"
+#include "exchange/body_cursor.h"
 
 namespace plenvorith {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "prepare/body_cursor.h"
+#include "exchange/body_cursor.h"
 #include "prepare/index_list.h"
 
 namespace plenvorith {

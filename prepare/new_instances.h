@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "prepare/instance_table.h"
+#include "exchange/instance_table.h"
 #include "prepare/orphans.h"
 #include "prepare/output_file.h"
 #include "prepare/tessellation_plan.h"

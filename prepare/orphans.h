@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "prepare/product_structure.h"
+#include "product/product_structure.h"
 
 namespace plenvorith {
 

@@ -4,9 +4,9 @@
 #include <tuple>
 #include <vector>
 
-#include "prepare/occurrences.h"
-#include "prepare/placement.h"
-#include "prepare/product_structure.h"
+#include "product/occurrences.h"
+#include "product/placement.h"
+#include "product/product_structure.h"
 
 namespace plenvorith {
 

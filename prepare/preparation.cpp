@@ -9,18 +9,18 @@
 #include <string_view>
 #include <system_error>
 
+#include "exchange/instance_table.h"
+#include "exchange/statement_reader.h"
 #include "prepare/drop.h"
-#include "prepare/instance_table.h"
-#include "prepare/occurrences.h"
 #include "prepare/orphans.h"
 #include "prepare/output_file.h"
-#include "prepare/part21.h"
 #include "prepare/part_tessellation.h"
-#include "prepare/product_structure.h"
 #include "prepare/progress.h"
 #include "prepare/temporary_file.h"
 #include "prepare/tessellation_plan.h"
 #include "prepare/write_prepared.h"
+#include "product/occurrences.h"
+#include "product/product_structure.h"
 
 namespace plenvorith {
 namespace {

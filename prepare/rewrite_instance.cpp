@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "common/ascii.h"
-#include "prepare/body_cursor.h"
+#include "exchange/body_cursor.h"
 
 namespace plenvorith {
 namespace {

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <functional>
 
-#include "prepare/entity_types.h"
+#include "exchange/entity_types.h"
+#include "exchange/statement_reader.h"
 #include "prepare/output_file.h"
-#include "prepare/part21.h"
 
 namespace plenvorith {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "prepare/body_cursor.h"
+#include "exchange/body_cursor.h"
 #include "prepare/coordinates.h"
 
 namespace plenvorith {

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "exchange/instance_table.h"
+#include "exchange/statement_reader.h"
 #include "prepare/expand_face.h"
-#include "prepare/instance_table.h"
-#include "prepare/part21.h"
 
 namespace plenvorith {
 

@@ -4,9 +4,9 @@
 #include <set>
 #include <vector>
 
-#include "prepare/occurrences.h"
 #include "prepare/part_tessellation.h"
-#include "prepare/placement.h"
+#include "product/occurrences.h"
+#include "product/placement.h"
 
 namespace plenvorith {
 

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/prepare/instances.h"
+#include "tests/support/instances.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {

@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/prepare/instances.h"
+#include "tests/support/instances.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/prepare/instances.h"
+#include "tests/support/instances.h"
 
 namespace plenvorith {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/prepare/step_file.h"
+#include "tests/support/prepared_file.h"
 
 namespace plenvorith {
 namespace {

@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 
 #include "prepare/temporary_file.h"
-#include "tests/prepare/step_file.h"
+#include "tests/support/prepared_file.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_dir.h"
 

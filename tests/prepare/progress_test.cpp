@@ -13,7 +13,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "tests/prepare/step_file.h"
+#include "tests/support/prepared_file.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {

@@ -16,7 +16,7 @@ std::size_t place(const Face& face, const Parameter& index, std::size_t points) 
 }  // namespace
 
 Face faceOf(const Model& model, const std::string& name) {
-  const Part21Instance& instance = *find(model, name);
+  const ExchangeInstance& instance = *find(model, name);
   Parameters all;
   for (const char* base : {"TESSELLATED_FACE", "TESSELLATED_SURFACE_SET"}) {
     if (const Parameters* const record = recordOf(instance, base)) {

@@ -132,13 +132,13 @@ void findAnnotations(Model& model) {
 
 }  // namespace
 
-const Part21Instance* find(const Model& model, const std::string& name) {
+const ExchangeInstance* find(const Model& model, const std::string& name) {
   const auto found = model.instances.find(name);
   return found == model.instances.end() ? nullptr : &found->second;
 }
 
 bool isA(const Model& model, const std::string& name, const std::string& type) {
-  const Part21Instance* const instance = find(model, name);
+  const ExchangeInstance* const instance = find(model, name);
   return instance != nullptr && recordOf(*instance, type) != nullptr;
 }
 
@@ -148,7 +148,7 @@ bool isOneOf(const Model& model, const std::string& name, const Names& types) {
 }
 
 Parameters own(const Model& model, const std::string& name, const std::string& type) {
-  const Part21Instance& instance = *find(model, name);
+  const ExchangeInstance& instance = *find(model, name);
   Parameters parameters = *recordOf(instance, type);
   if (!instance.isComplex) {
     parameters.erase(parameters.begin());
@@ -161,7 +161,7 @@ bool mayHoldParts(const Model& model, const std::string& representation) {
 }
 
 Model referenceModel(std::string_view step) {
-  Model model{parsePart21(step)};
+  Model model{parseInstances(step)};
   findRepresentations(model);
   findRelations(model);
   findProducts(model);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/reference/reference_part21.h"
+#include "tests/reference/reference_instances.h"
 #include "tests/reference/reference_prepare.h"
 
 namespace plenvorith::test {
@@ -21,7 +21,7 @@ struct Relation {
 
 /// The whole file, and what is known of it by name.
 struct Model {
-  Part21Instances instances{};
+  ExchangeInstances instances{};
   std::map<std::string, Parameters> representations{};  ///< name, items, context
   std::map<std::string, std::string> groups{};          ///< by representation: those equal in place
   std::map<std::string, Names> products{};              ///< by group: product definitions
@@ -38,7 +38,7 @@ struct Model {
 Model referenceModel(std::string_view step);
 
 /// An instance, or nullptr where there is none of that name.
-const Part21Instance* find(const Model& model, const std::string& name);
+const ExchangeInstance* find(const Model& model, const std::string& name);
 
 bool isA(const Model& model, const std::string& name, const std::string& type);
 bool isOneOf(const Model& model, const std::string& name, const Names& types);

@@ -11,7 +11,7 @@ Placement between(const Model& model, const std::string& outerItem, const std::s
 }
 
 Placement relative(const Model& model, const Relation& relation, bool partIsFirst) {
-  const Part21Instance& transformation = *find(model, relation.transformation);
+  const ExchangeInstance& transformation = *find(model, relation.transformation);
   const Parameters& items = *recordOf(transformation, "ITEM_DEFINED_TRANSFORMATION");
   const std::string& first = items.at(2).text;
   const std::string& second = items.at(3).text;

@@ -25,15 +25,15 @@ double determinant(const std::array<Point3, 3>& axes) {
   return dot(axes[0], cross(axes[1], axes[2]));
 }
 
-const Part21Instance* find(const Part21Instances& instances, const std::string& name) {
+const ExchangeInstance* find(const ExchangeInstances& instances, const std::string& name) {
   const auto found = instances.find(name);
   return found == instances.end() ? nullptr : &found->second;
 }
 
 /// The numbers of a cartesian_point or a direction.
-Point3 vectorOf(const Part21Instances& instances, const std::string& name) {
+Point3 vectorOf(const ExchangeInstances& instances, const std::string& name) {
   Point3 vector;
-  const Part21Instance* const instance = find(instances, name);
+  const ExchangeInstance* const instance = find(instances, name);
   if (instance != nullptr && !instance->isComplex) {
     const Parameters& numbers = instance->records.begin()->second.at(1).items;
     for (std::size_t i = 0; i < numbers.size() && i < 3; ++i) {
@@ -44,14 +44,14 @@ Point3 vectorOf(const Part21Instances& instances, const std::string& name) {
 }
 
 /// A direction, or `otherwise` where the parameter is no reference.
-Point3 directionOf(const Part21Instances& instances, const Parameter& parameter,
+Point3 directionOf(const ExchangeInstances& instances, const Parameter& parameter,
                    const Point3& otherwise) {
   return parameter.kind == Parameter::Kind::Reference ? vectorOf(instances, parameter.text)
                                                       : otherwise;
 }
 
 /// `first_proj_axis`.
-Point3 firstAxis(const Part21Instances& instances, const Point3& z, const Parameter& reference) {
+Point3 firstAxis(const ExchangeInstances& instances, const Point3& z, const Parameter& reference) {
   const bool alongX = std::abs(z.x) == 1 && z.y == 0 && z.z == 0;
   const Point3 v =
       normalised(directionOf(instances, reference, alongX ? Point3{0, 1, 0} : Point3{1, 0, 0}));
@@ -59,7 +59,7 @@ Point3 firstAxis(const Part21Instances& instances, const Point3& z, const Parame
 }
 
 /// `second_proj_axis`.
-Point3 secondAxis(const Part21Instances& instances, const Point3& z, const Point3& x,
+Point3 secondAxis(const ExchangeInstances& instances, const Point3& z, const Point3& x,
                   const Parameter& reference) {
   const Point3 v = directionOf(instances, reference, {0, 1, 0});
   const Point3 inPlane = difference(v, times(z, dot(v, z)));
@@ -77,8 +77,8 @@ double siFactor(const std::string& prefix) {
 }
 
 /// In millimetres; 0 where it is no unit of length.
-double lengthOfUnit(const Part21Instances& instances, const std::string& name) {
-  const Part21Instance* const unit = find(instances, name);
+double lengthOfUnit(const ExchangeInstances& instances, const std::string& name) {
+  const ExchangeInstance* const unit = find(instances, name);
   if (unit == nullptr || recordOf(*unit, "LENGTH_UNIT") == nullptr) {
     return 0;
   }
@@ -86,7 +86,7 @@ double lengthOfUnit(const Part21Instances& instances, const std::string& name) {
     return siFactor(si->at(0).text);
   }
   if (const Parameters* const conversion = recordOf(*unit, "CONVERSION_BASED_UNIT")) {
-    const Part21Instance* const measure = find(instances, conversion->at(1).text);
+    const ExchangeInstance* const measure = find(instances, conversion->at(1).text);
     for (const char* type : {"LENGTH_MEASURE_WITH_UNIT", "MEASURE_WITH_UNIT"}) {
       const Parameters* const record = measure == nullptr ? nullptr : recordOf(*measure, type);
       if (record != nullptr && record->size() == 2) {
@@ -139,8 +139,8 @@ bool isMirrored(const Placement& placement) {
   return determinant(placement.axes) < 0;
 }
 
-double millimetresPerUnit(const Part21Instances& instances, const std::string& context) {
-  const Part21Instance* const instance = find(instances, context);
+double millimetresPerUnit(const ExchangeInstances& instances, const std::string& context) {
+  const ExchangeInstance* const instance = find(instances, context);
   if (instance != nullptr) {
     for (const std::string& unit : referencesOf(*instance)) {
       const double length = lengthOfUnit(instances, unit);
@@ -152,8 +152,8 @@ double millimetresPerUnit(const Part21Instances& instances, const std::string& c
   return 1;
 }
 
-Placement placementOf(const Part21Instances& instances, const std::string& name, double scale) {
-  const Part21Instance* const instance = find(instances, name);
+Placement placementOf(const ExchangeInstances& instances, const std::string& name, double scale) {
+  const ExchangeInstance* const instance = find(instances, name);
   if (instance == nullptr) {
     return {};
   }

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "common/triangle.h"
-#include "tests/reference/reference_part21.h"
+#include "tests/reference/reference_instances.h"
 
 namespace plenvorith::test {
 
@@ -24,10 +24,10 @@ bool isMirrored(const Placement& placement);
 
 /// Of the length unit of a context, by its SI prefix or by its chain of conversions; 1 where there
 /// is none.
-double millimetresPerUnit(const Part21Instances& instances, const std::string& context);
+double millimetresPerUnit(const ExchangeInstances& instances, const std::string& context);
 
 /// An axis2_placement_3d (`build_axes` of ISO 10303-42) or a cartesian_transformation_operator_3d
 /// (`base_axis`), whose location is in units of `scale` millimetres. Anything else is the identity.
-Placement placementOf(const Part21Instances& instances, const std::string& name, double scale);
+Placement placementOf(const ExchangeInstances& instances, const std::string& name, double scale);
 
 }  // namespace plenvorith::test

@@ -21,7 +21,7 @@ struct Stand {
 };
 
 void addFace(Model& model, const Face& face, const Stand& stand) {
-  const Part21Instance* const list = find(model, face.coordinates.text);
+  const ExchangeInstance* const list = find(model, face.coordinates.text);
   if (list == nullptr) {
     return;
   }

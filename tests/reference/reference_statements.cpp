@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "prepare/part21.h"
-#include "prepare/statement_body.h"
+#include "exchange/statement_body.h"
+#include "exchange/statement_reader.h"
 
 namespace plenvorith::test {
 namespace {

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "exchange/raw_text.h"
+
+namespace plenvorith {
+
+/// A place in a body, to come back to.
+struct BodyPlace {
+  std::uint64_t offset = 0;  ///< in the file, of a place before it that is in no string or comment
+  std::uint64_t ahead = 0;   ///< how many bytes of what is handed out lie between
+};
+
+/// The body of a statement of ISO 10303-21, up to its semicolon, piece by piece.
+///
+/// It is handed out without blanks, control characters and comments, other than in strings ('...',
+/// an apostrophe inside is doubled) and binaries ("..."), from which line ends are taken; a
+/// reference "#007" is written "#7". A slash that begins no comment means nothing and goes, too: it
+/// could begin one once blanks are gone. A string of more than `kLongestString` bytes is handed out
+/// as an empty one.
+///
+/// Errors  a body that has no semicolon ends with the file, which notes what never ended.
+/// Memory  one window, whatever the length of a body.
+class StatementBody {
+ public:
+  static constexpr std::size_t kLongestString = 8192;
+
+  /// The bodies are read of `raw`, which must outlive this.
+  explicit StatementBody(RawText& raw);
+
+  /// Starts with what comes next in the file.
+  void start();
+
+  /// Starts with nothing.
+  void startEmpty();
+
+  /// What comes next: `size` bytes or more, fewer only if the body ends with them. Ends in no
+  /// string. Valid until this is used again.
+  [[nodiscard]] std::string_view peek(std::size_t size) {
+    if (visible_ - begin_ < size && !isWhole_) {
+      fill(size);
+    }
+    return {window_.data() + begin_, visible_ - begin_};
+  }
+
+  /// Whether `peek` gives all that is left.
+  [[nodiscard]] bool isWhole() const {
+    return isWhole_;
+  }
+
+  /// Goes over bytes that `peek` gave.
+  void consume(std::size_t size) {
+    begin_ += size;
+  }
+
+  /// Where what comes next stands. What lies ahead of the place in the file is some ten thousand
+  /// bytes at most where there are no strings and comments.
+  [[nodiscard]] BodyPlace place() const;
+
+  /// Goes on at a place in this body. Strings that lie ahead of it are counted again.
+  void goTo(const BodyPlace& place);
+
+  /// Goes over the rest. Gives the number of parentheses that open in what was not looked at yet.
+  std::uint64_t skip();
+
+  /// Goes over the rest and gives the number of parentheses that open in it, strings aside that were
+  /// not handed out yet. Much faster than a look at all of it.
+  [[nodiscard]] std::uint64_t countOpened();
+
+  /// The number of strings that were emptied in what was handed out so far, of all bodies.
+  [[nodiscard]] std::uint64_t emptiedStrings() const {
+    return emptiedStrings_;
+  }
+
+ private:
+  /// The same place in the file and in the body.
+  struct Mark {
+    std::uint64_t offset = 0;
+    std::uint64_t handedOut = 0;  // how much of the body, since the start, lies before it
+  };
+
+  enum class State { Text, Reference, Slash, Comment, Star, String, Apostrophe, Binary };
+
+  void fill(std::size_t size);
+  void makeRoom(std::size_t size);
+  void normalise(std::size_t size);
+  const char* copyRun(const char* p, const char* end);
+  bool normaliseSpecial(char c);
+  void normaliseInText(char c);
+  bool skipZero(char c);
+  void put(char c) {
+    window_[end_++] = c;
+  }
+  void putInString(char c);
+  void endString();
+  const char* skipPiece(const char* p, const char* end, std::uint64_t& opened);
+  void failUnended();
+
+  RawText& raw_;
+  std::vector<char> window_;
+  std::uint64_t windowStart_ = 0;  // how much of the body lies before the window
+  Mark coming_;                    // the last one
+  Mark passed_;                    // the one before, where that is still ahead
+  std::size_t begin_ = 0;          // of what has not been consumed
+  std::size_t visible_ = 0;        // end of what is handed out
+  std::size_t end_ = 0;            // end of what is written, an unended string perhaps
+  std::size_t stringStart_ = 0;    // in the window
+  std::size_t stringSize_ = 0;     // what the string has with its apostrophes
+  State state_ = State::Text;
+  bool isWhole_ = true;  // the semicolon has been met
+  bool zeros_ = false;   // met in a reference and not written yet
+  std::uint64_t emptiedStrings_ = 0;
+};
+
+}  // namespace plenvorith

@@ -1,0 +1,200 @@
+#include "exchange/statement_reader.h"
+
+#include "common/ascii.h"
+
+namespace plenvorith {
+namespace {
+
+constexpr std::string_view kStart = "ISO-10303-21";
+
+constexpr bool isWordCharacter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' || c == '-' ||
+         c == '!' || c == '&';
+}
+
+}  // namespace
+
+void StatementReader::fail(const char* what) {
+  raw_.fail(what);
+  isEnded_ = true;
+}
+
+/// Goes behind "ISO-10303-21;", which has to be there.
+bool StatementReader::findStart() {
+  while (raw_.ensure(kStart.size() + 1)) {
+    const std::string_view rest = raw_.atHand();
+    const std::size_t found = rest.find(kStart);
+    if (found == std::string_view::npos) {
+      // What is kept may be the byte before the word and all of it but one.
+      raw_.skip(rest.size() - kStart.size());
+      continue;
+    }
+    const bool isEndMark = found > 0 && rest[found - 1] == '-';  // of "END-"
+    raw_.skip(found + kStart.size());
+    if (!isEndMark && raw_.peek() == ';') {
+      raw_.skip(1);
+      return true;
+    }
+  }
+  return false;
+}
+
+/// Reads "#12=", the first of which is next.
+bool StatementReader::readName() {
+  raw_.skip(1);
+  bool hasDigits = false;
+  number_ = 0;
+  int c = raw_.peek();
+  for (; c >= 0 && isDigit(static_cast<char>(c)); c = raw_.peek()) {
+    number_ = number_ * 10 + static_cast<std::uint64_t>(c - '0');
+    hasDigits = true;
+    if (number_ > kLargestNumber) {
+      fail("the number of an instance is too large");
+      return false;
+    }
+    raw_.skip(1);
+  }
+  if (!hasDigits || c != '=') {
+    return false;
+  }
+  raw_.skip(1);
+  return true;
+}
+
+/// Reads a keyword behind blanks; what is longer than any keyword is cut.
+void StatementReader::readWord() {
+  constexpr std::size_t kLongest = 256;
+  word_.clear();
+  (void)raw_.peek();  // skips blanks
+  while (raw_.ensure(1) && isWordCharacter(raw_.atHand().front())) {
+    if (word_.size() < kLongest) {
+      word_ += raw_.atHand().front();
+    }
+    raw_.skip(1);
+  }
+}
+
+Statement StatementReader::next() {
+  if (!body_.isWhole()) {
+    (void)body_.skip();
+  }
+  if (!isStarted_) {
+    isStarted_ = true;
+    if (!findStart()) {
+      fail("not a STEP file");
+    }
+  }
+  while (!isEnded_) {
+    const int c = raw_.peek();
+    if (c < 0) {
+      if (!scopes_.empty()) {
+        raw_.fail("a scope never ends");
+      }
+      isEnded_ = true;
+      break;
+    }
+    const std::optional<Statement> statement = c == '#' ? takeNamed() : takeWord();
+    if (statement) {
+      return *statement;
+    }
+  }
+  return Statement::End;
+}
+
+/// Takes what starts with "#". Gives nothing of what is no instance, and of a scope, whose own
+/// instances come first.
+std::optional<Statement> StatementReader::takeNamed() {
+  const bool isInstance = readName() && section_ == Section::Data;
+  if (isInstance && raw_.peek() == '&') {
+    readWord();
+    scopes_.push_back(number_);
+    return std::nullopt;
+  }
+  if (isInstance) {
+    return startInstance();
+  }
+  if (!isEnded_) {
+    skipStatement();
+  }
+  return std::nullopt;
+}
+
+/// Takes what starts with a keyword, or with anything else. Gives nothing where it is passed over.
+std::optional<Statement> StatementReader::takeWord() {
+  readWord();
+  if (word_ == "ENDSCOPE" && section_ == Section::Data) {
+    return endScope() ? std::optional(startInstance()) : std::nullopt;
+  }
+  if (word_ == "END-ISO-10303-21") {
+    isEnded_ = true;
+    return std::nullopt;
+  }
+  const bool isEntity = section_ == Section::Header && !word_.empty();
+  if (!enterSection() && isEntity) {
+    body_.start();
+    return Statement::HeaderEntity;
+  }
+  skipStatement();
+  return std::nullopt;
+}
+
+/// Whether the keyword begins or ends a section.
+bool StatementReader::enterSection() {
+  if (word_ == "HEADER") {
+    section_ = Section::Header;
+  } else if (word_ == "DATA") {
+    section_ = Section::Data;
+  } else if (word_ == "ENDSEC") {
+    section_ = Section::None;
+  } else if (word_ == "ANCHOR" || word_ == "REFERENCE" || word_ == "SIGNATURE") {
+    section_ = section_ == Section::None ? Section::Other : section_;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void StatementReader::skipStatement() {
+  body_.start();
+  (void)body_.skip();
+}
+
+/// Goes over the export list behind ENDSCOPE, "/#1,#2/", to the body of the scope's instance.
+bool StatementReader::endScope() {
+  if (scopes_.empty()) {
+    return false;
+  }
+  number_ = scopes_.back();
+  scopes_.pop_back();
+  if (raw_.peek() == '/') {
+    raw_.skip(1);
+    int c = raw_.peek();
+    for (; c >= 0 && c != '/' && c != ';'; c = raw_.peek()) {
+      raw_.skip(1);
+    }
+    raw_.skip(c == '/' ? 1 : 0);
+  }
+  return true;
+}
+
+Statement StatementReader::startInstance() {
+  if (raw_.peek() < 0) {
+    fail("an instance never ends");
+    return Statement::End;
+  }
+  offset_ = raw_.offset();
+  body_.start();
+  return Statement::Instance;
+}
+
+void StatementReader::seekBody(std::uint64_t offset) {
+  if (!raw_.seek(offset)) {
+    isEnded_ = true;
+    body_.startEmpty();
+    return;
+  }
+  offset_ = offset;
+  body_.start();
+}
+
+}  // namespace plenvorith
