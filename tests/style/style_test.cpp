@@ -39,6 +39,7 @@ const std::map<std::string, Room> kRooms = {
     {"tessellation", {{"common", "steptext/entity_table.h"}}},
     {"brep", {{"common"}, true}},
     {"app", {{"common", "steptext", "tessellation", "brep", "output"}, true}},
+    {"check", {{"common", "steptext", "tessellation", "brep"}, false, true}},
     {"batch/system", {{}, false, true}},
     {"batch/records", {{}, false, true}},
     {"batch/inputs", {{"batch/options.h", "batch/records", "batch/system"}, false, true}},
