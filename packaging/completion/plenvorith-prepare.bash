@@ -5,7 +5,8 @@ _plenvorith_prepare() {
   local cur prev words cword
   _init_completion || return
   case $cword in
-    1 | 2) _filedir '@(stp|step|p21)' ;;
+    1) _filedir '@(stp|step|p21)' ;;
+    2) _filedir -d ;; # an output is overwritten: no file that is there
   esac
 }
 
