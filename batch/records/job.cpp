@@ -154,7 +154,9 @@ std::optional<Job> jobFrom(const std::string& line) {
 }
 
 std::string lineFrom(const JobResult& result) {
-  Json object = {{"id", result.id},
+  constexpr int kProtocol = 1;  // 2 once a reader of 1 would misread a line
+  Json object = {{"protocol", kProtocol},
+                 {"id", result.id},
                  {"converted", result.isConverted},
                  {"reason", textFrom(result.reason)},
                  {"lastLine", textFrom(result.lastLine)},

@@ -20,6 +20,15 @@ namespace {
 constexpr std::int64_t kHeaderSize = 84;  // with the number of triangles
 constexpr std::size_t kRecordSize = 50;
 
+/// The names in a folder, numbers in them by their value: part 2 comes before part 10.
+std::vector<std::string> namesByNumber(const std::string& folder) {
+  std::vector<std::string> names = namesInFolder(folder);
+  std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+    return strverscmp(a.c_str(), b.c_str()) < 0;
+  });
+  return names;
+}
+
 /// The least and the largest coordinate on each axis; the wrong way round while there are none.
 struct Extent {
   std::array<float, 3> low;
@@ -106,7 +115,7 @@ MadeFiles lookAtOutputs(const std::string& folder) {
   Extent extent{{kInfinity, kInfinity, kInfinity}, {-kInfinity, -kInfinity, -kInfinity}};
   MadeFiles made;
   const std::string prefix = folder + '/';
-  for (const std::string& name : namesInFolder(folder)) {
+  for (const std::string& name : namesByNumber(folder)) {
     const std::string path = prefix + name;
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status {};

@@ -206,6 +206,8 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
 }
 
 int runWorker(int jobs, int results) {
+  // Where whoever starts the worker ignores it, the system would bury the children.
+  (void)signal(SIGCHLD, SIG_DFL);
   const Descriptor listener = listenToSignals({SIGCHLD, SIGHUP, SIGINT, SIGTERM});
   const WorkerSignals signals{listener.get(), results};
   const std::string host = hostName();

@@ -101,6 +101,15 @@ TEST(ResultLine, GivesAllBack) {
   EXPECT_EQ(back->outputs[0].size, 684);
 }
 
+TEST(ResultLine, TellsItsProtocol) {
+  EXPECT_THAT(lineFrom(JobResult()), testing::HasSubstr("\"protocol\":1,"));
+}
+
+TEST(Lines, PassOverUnknownFields) {
+  EXPECT_EQ(jobFrom(R"({"id":3,"input":"a","colour":["red"],"protocol":2})")->input, "a");
+  EXPECT_EQ(resultFrom(R"({"id":3,"converted":true,"parts":{},"reason":"b"})")->reason, "b");
+}
+
 TEST(ResultLine, KeepsWhatIsMissingMissing) {
   const auto back = resultFrom(lineFrom(JobResult()));
   ASSERT_TRUE(back.has_value());

@@ -37,6 +37,19 @@ TEST(LookAtOutputs, AddsUpTrianglesAndBounds) {
   EXPECT_THAT(made.bounds->high, testing::ElementsAre(9999, 7, 3));
 }
 
+TEST(LookAtOutputs, ComesInTheOrderOfTheNumbers) {
+  const test::TempDir dir;
+  for (const char* name : {"a.stl_10.stl", "a.stl_2.stl", "a.stl_1.stl", "a.stl_tess.stl"}) {
+    ASSERT_TRUE(writeBinaryStl(dir / name, triangles(1)));
+  }
+  std::vector<std::string> names;
+  for (const OutputRecord& output : lookAtOutputs(dir.path()).outputs) {
+    names.push_back(output.path);
+  }
+  EXPECT_THAT(names,
+              testing::ElementsAre("a.stl_1.stl", "a.stl_2.stl", "a.stl_10.stl", "a.stl_tess.stl"));
+}
+
 TEST(LookAtOutputs, NamesWhatIsIncomplete) {
   const test::TempDir dir;
   ASSERT_TRUE(writeBinaryStl(dir / "a.stl", triangles(3)));

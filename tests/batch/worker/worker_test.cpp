@@ -110,6 +110,25 @@ TEST_F(WorkerTest, ConvertsFileAfterFile) {
   EXPECT_EQ(end(), 0);
 }
 
+/// Ignores the signal that tells of the end of a child while the fixture behind it starts a worker.
+struct IgnoresChildren {
+  IgnoresChildren() {
+    (void)signal(SIGCHLD, SIG_IGN);
+  }
+};
+
+class WorkerOfCarelessParentTest : private IgnoresChildren, public WorkerTest {
+ protected:
+  WorkerOfCarelessParentTest() {
+    (void)signal(SIGCHLD, SIG_DFL);
+  }
+};
+
+TEST_F(WorkerOfCarelessParentTest, Converts) {
+  test::writeFile(dir / "a.stp", kTriangleStep);
+  EXPECT_TRUE(convert(jobFor("a.stp")).isConverted);
+}
+
 TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
   std::string broken = kTriangleStep;
   broken.replace(broken.find("(1.,0.,0.)"), 10, "(x.,0.,0.)");
