@@ -73,7 +73,7 @@ bool convertPaired(const std::string& inputPath, const std::string& outputPath) 
 }
 
 /// Steps [2] and [3], as far as they need the text.
-std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
+std::vector<Triangle> decodeForCleanStep(const AnalyzedFile& file) {
   std::vector<Triangle> triangles;
   if (file.analysis.status == TessellationStatus::TessellationOnly) {
     std::cout << "[2] No BRep geometry, only tessellation. Converting to STL..." << std::endl;
@@ -146,7 +146,7 @@ bool convertToCleanStep(const std::string& inputPath, const std::string& outputP
   if (splitShapes) {
     return convertSplit(inputPath, outputPath);
   }
-  DecodedFile file = readAndDecode(inputPath, decodeTessellation);
+  DecodedFile file = readAndDecode(inputPath, decodeForCleanStep);
   switch (file.status) {
     case TessellationStatus::NoTessellation:
       return convertExact(inputPath, outputPath);

@@ -27,7 +27,7 @@ void printCounts(const TessellationAnalysis& analysis) {
 }
 
 /// The counts of step [1], and step [2].
-std::vector<Triangle> decodeTessellation(const AnalyzedFile& file) {
+std::vector<Triangle> decodeForStl(const AnalyzedFile& file) {
   printCounts(file.analysis);
   std::vector<Triangle> triangles;
   switch (file.analysis.status) {
@@ -94,7 +94,7 @@ bool writeMerged(std::vector<Triangle> brep, std::vector<Triangle> tessellation,
 
 bool convertToStl(const std::string& inputPath, const std::string& outputPath, double deflection,
                   bool splitShapes) {
-  DecodedFile file = readAndDecode(inputPath, decodeTessellation);
+  DecodedFile file = readAndDecode(inputPath, decodeForStl);
   if (file.status == TessellationStatus::TessellationOnly) {
     return writeMerged({}, std::move(file.tessellation), outputPath);
   }

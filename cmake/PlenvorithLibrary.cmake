@@ -42,14 +42,16 @@ check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 target_compile_options(plenvorith_flags INTERFACE -fno-semantic-interposition)
 
-# plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...] [NOT_INSTALLED])
+# plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...] [NOT_INSTALLED]
+#                    [OPTIMIZED])
 #
 # One static library for one folder of the tree. Its headers are included by their path from the
 # project's root ("steptext/entity_table.h"); USES are the libraries whose headers they include.
 #
-# Other projects find it with find_package(Plenvorith), unless it is NOT_INSTALLED.
+# Other projects find it with find_package(Plenvorith), unless it is NOT_INSTALLED. An OPTIMIZED one
+# is so in builds for debugging, too: its tests compare millions of inputs.
 function(plenvorith_library room)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "NOT_INSTALLED" "" "HEADERS;SOURCES;USES")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "NOT_INSTALLED;OPTIMIZED" "" "HEADERS;SOURCES;USES")
   set(target plenvorith_${room})
   add_library(${target} STATIC ${ARG_SOURCES})
   add_library(plenvorith::${room} ALIAS ${target})
@@ -57,6 +59,9 @@ function(plenvorith_library room)
                                   FILES ${ARG_HEADERS})
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:plenvorith::flags> PUBLIC ${ARG_USES})
   target_compile_features(${target} PUBLIC cxx_std_20)
+  if(ARG_OPTIMIZED)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O1>)
+  endif()
   if(PROJECT_IS_TOP_LEVEL AND NOT ARG_NOT_INSTALLED)
     plenvorith_install_library(${room} "${ARG_USES}")
   endif()

@@ -9,8 +9,8 @@
 namespace plenvorith {
 namespace {
 
-struct Body : test::Instances {
-  explicit Body(const std::string& body) : Instances("#1=" + body + ";\n") {
+struct OneBody : test::Instances {
+  explicit OneBody(const std::string& body) : Instances("#1=" + body + ";\n") {
     reader.seekBody(table.offset((*this)[1]));
   }
   /// What is left for a cursor.
@@ -25,25 +25,25 @@ struct Body : test::Instances {
 };
 
 TEST(BodyCursor, TakesWhatIsNext) {
-  Body body("A(1)");
+  OneBody body("A(1)");
   BodyCursor cursor(body.reader);
   EXPECT_FALSE(cursor.take('B'));
   EXPECT_TRUE(cursor.take('A'));
   EXPECT_EQ(cursor.peek(), '(');
-  EXPECT_EQ(Body::rest(cursor), "(1)");
+  EXPECT_EQ(OneBody::rest(cursor), "(1)");
   EXPECT_EQ(cursor.peek(), '\0');
   EXPECT_FALSE(cursor.take('\0'));
 }
 
 TEST(BodyCursor, TakesKeywords) {
-  Body body("(AB()C_1(2))");
+  OneBody body("(AB()C_1(2))");
   BodyCursor cursor(body.reader);
   ASSERT_TRUE(cursor.take('('));
   EXPECT_EQ(cursor.takeKeyword(), "AB");
   EXPECT_TRUE(cursor.skipRecord());
   EXPECT_EQ(cursor.takeKeyword(), "C_1");
   EXPECT_TRUE(cursor.skipRecord());
-  EXPECT_EQ(Body::rest(cursor), ")");
+  EXPECT_EQ(OneBody::rest(cursor), ")");
 }
 
 TEST(BodyCursor, GoesOverParameters) {
@@ -51,12 +51,12 @@ TEST(BodyCursor, GoesOverParameters) {
        {"$", "1.5E3", "'a,)('", "'it''s,'", "\"0,)\"", "(1,2)", "((1.,2.),(3.,4.))", "()", "(())",
         "((),(1))", "((1),2)", "((1),((2),3),'))')", "((1),$)", "((1),'(')", "(((1)))", "X(1,(2))",
         ""}) {
-    Body body("A(" + std::string(parameter) + ",Z)");
+    OneBody body("A(" + std::string(parameter) + ",Z)");
     BodyCursor cursor(body.reader);
     (void)cursor.takeKeyword();
     ASSERT_TRUE(cursor.take('('));
     cursor.skipParameter();
-    EXPECT_EQ(Body::rest(cursor), ",Z)") << parameter;
+    EXPECT_EQ(OneBody::rest(cursor), ",Z)") << parameter;
   }
 }
 
@@ -65,17 +65,17 @@ TEST(BodyCursor, GoesOverListsOfAnyLength) {
   for (int i = 0; i < 30'000; ++i) {
     normals += ",(0.,0.,1.)";
   }
-  Body body("A((" + normals + "),Z)");
+  OneBody body("A((" + normals + "),Z)");
   BodyCursor cursor(body.reader);
   (void)cursor.takeKeyword();
   ASSERT_TRUE(cursor.take('('));
   cursor.skipParameter();
-  EXPECT_EQ(Body::rest(cursor), ",Z)");
+  EXPECT_EQ(OneBody::rest(cursor), ",Z)");
 }
 
 TEST(BodyCursor, TellsListsThatAreNotEmpty) {
   const auto isAtItems = [](const std::string& text) {
-    Body body(text);
+    OneBody body(text);
     BodyCursor cursor(body.reader);
     return cursor.isAtItems();
   };
@@ -87,18 +87,18 @@ TEST(BodyCursor, TellsListsThatAreNotEmpty) {
 }
 
 TEST(BodyCursor, LeavesTheRestToTheNextOne) {
-  Body body("A(1,2)");
+  OneBody body("A(1,2)");
   {
     BodyCursor cursor(body.reader);
     (void)cursor.takeKeyword();
   }
   BodyCursor cursor(body.reader);
-  EXPECT_EQ(Body::rest(cursor), "(1,2)");
+  EXPECT_EQ(OneBody::rest(cursor), "(1,2)");
 }
 
 TEST(BodyCursor, GoesToTheEndOfWhatIsMalformed) {
   for (const char* text : {"A((1", "A('a'(", "A(\"0\"", "A(((1.,2."}) {
-    Body body(text);
+    OneBody body(text);
     BodyCursor cursor(body.reader);
     (void)cursor.takeKeyword();
     EXPECT_FALSE(cursor.skipRecord()) << text;
@@ -111,7 +111,7 @@ TEST(BodyCursor, GoesToPlacesAndBack) {
   for (int i = 1; i < 50'000; ++i) {
     list += ", " + std::to_string(i);
   }
-  Body body("A(" + list + "))");
+  OneBody body("A(" + list + "))");
   BodyCursor cursor(body.reader);
   ASSERT_EQ(cursor.takeKeyword(), "A");
   ASSERT_TRUE(cursor.take('('));
@@ -119,15 +119,15 @@ TEST(BodyCursor, GoesToPlacesAndBack) {
   EXPECT_EQ(cursor.peek(), '(');
   cursor.skipParameter();
   const BodyPlace end = cursor.place();
-  EXPECT_EQ(Body::rest(cursor), ")");
+  EXPECT_EQ(OneBody::rest(cursor), ")");
   cursor.goTo(start);
   EXPECT_TRUE(cursor.take('('));
   EXPECT_TRUE(cursor.take('0'));
   const BodyPlace second = cursor.place();
   cursor.goTo(end);
-  EXPECT_EQ(Body::rest(cursor), ")");
+  EXPECT_EQ(OneBody::rest(cursor), ")");
   cursor.goTo(second);
-  EXPECT_EQ(Body::rest(cursor).substr(0, 8), ",1,2,3,4");
+  EXPECT_EQ(OneBody::rest(cursor).substr(0, 8), ",1,2,3,4");
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ std::string fatesOf(const std::string& data) {
   return fates;
 }
 
-const std::string kFace = "#1=TRIANGULATED_FACE('',#2,3,(),$,(),());\n";
+const std::string kLoneFace = "#1=TRIANGULATED_FACE('',#2,3,(),$,(),());\n";
 
 TEST(Drop, KeepsAllWhereNothingIsTessellated) {
   EXPECT_EQ(fatesOf("#1=A(#2,(#3));\n#2=B();\n"), "KK");
@@ -36,16 +36,16 @@ TEST(Drop, TakesEveryTessellatedType) {
 }
 
 TEST(Drop, TakesWhatNamesItAsAnAttribute) {
-  EXPECT_EQ(fatesOf(kFace + "#3=A('',#1);\n#4=B(#3,#5);\n#5=C();\n#6=D(#99);\n"), "DDDKK");
+  EXPECT_EQ(fatesOf(kLoneFace + "#3=A('',#1);\n#4=B(#3,#5);\n#5=C();\n#6=D(#99);\n"), "DDDKK");
 }
 
 TEST(Drop, ChangesListsThatHoldIt) {
-  EXPECT_EQ(fatesOf(kFace + "#3=A((#1,#9));\n#4=A((#9,#1),#9);\n#5=A((#1,''));\n#9=C();\n"),
+  EXPECT_EQ(fatesOf(kLoneFace + "#3=A((#1,#9));\n#4=A((#9,#1),#9);\n#5=A((#1,''));\n#9=C();\n"),
             "DCCCK");
 }
 
 TEST(Drop, TakesWhatHasAListOfNothingElse) {
-  EXPECT_EQ(fatesOf(kFace + "#3=A((#1));\n#4=A((#1,#3,#1),#9);\n#5=A((#9),(#4));\n#9=C();\n"),
+  EXPECT_EQ(fatesOf(kLoneFace + "#3=A((#1));\n#4=A((#1,#3,#1),#9);\n#5=A((#9),(#4));\n#9=C();\n"),
             "DDDDK");
 }
 
@@ -55,24 +55,26 @@ TEST(Drop, TakesWhatIsReplacedByALaterInstance) {
 
 TEST(Drop, RetypesShapesThatHoldOtherItems) {
   const std::string point = "#3=CARTESIAN_POINT('',(0.,0.,0.));\n";
-  EXPECT_EQ(fatesOf(kFace + point + "#4=TESSELLATED_SHAPE_REPRESENTATION('',(#1,#3),$);\n"), "DKR");
-  EXPECT_EQ(fatesOf(kFace + point + "#4=TESSELLATED_SHAPE_REPRESENTATION('',(#1),$);\n"), "DKD");
-  EXPECT_EQ(fatesOf(kFace + point +
+  EXPECT_EQ(fatesOf(kLoneFace + point + "#4=TESSELLATED_SHAPE_REPRESENTATION('',(#1,#3),$);\n"),
+            "DKR");
+  EXPECT_EQ(fatesOf(kLoneFace + point + "#4=TESSELLATED_SHAPE_REPRESENTATION('',(#1),$);\n"),
+            "DKD");
+  EXPECT_EQ(fatesOf(kLoneFace + point +
                     "#4=(DRAUGHTING_MODEL()REPRESENTATION('',(#1,#3),$)"
                     "TESSELLATED_SHAPE_REPRESENTATION());\n"),
             "DKD");
 }
 
 TEST(Drop, NeverTakesExactGeometryAndProductStructure) {
-  EXPECT_EQ(fatesOf(kFace + "#3=MANIFOLD_SOLID_BREP('',#1);\n#4=CLOSED_SHELL('',(#1));\n"
-                            "#5=PRODUCT_DEFINITION_SHAPE('','',#1);\n"
-                            "#6=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#1,#1,$);\n"
-                            "#7=SHAPE_REPRESENTATION('',(#3),#1);\n"),
+  EXPECT_EQ(fatesOf(kLoneFace + "#3=MANIFOLD_SOLID_BREP('',#1);\n#4=CLOSED_SHELL('',(#1));\n"
+                                "#5=PRODUCT_DEFINITION_SHAPE('','',#1);\n"
+                                "#6=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#1,#1,$);\n"
+                                "#7=SHAPE_REPRESENTATION('',(#3),#1);\n"),
             "DCCCCC");
 }
 
 TEST(Drop, GoesOnUntilNothingChanges) {
-  std::string chain = kFace;
+  std::string chain = kLoneFace;
   std::string expected = "D";
   for (int i = 100; i < 1'100; ++i) {
     const std::string before = i == 100 ? "#1" : '#' + std::to_string(i - 1);

@@ -17,16 +17,17 @@ using test::stepFile;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr std::string_view kUnit =
+constexpr std::string_view kMillimetre =
     "#1=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
     "#2=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#1))"
     "REPRESENTATION_CONTEXT('',''));\n";
-constexpr std::string_view kBody =
+constexpr std::string_view kOneFace =
     "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
     "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n"
     "#12=TESSELLATED_SOLID('',(#11),$);\n";
-constexpr std::string_view kRepresentation = "#13=TESSELLATED_SHAPE_REPRESENTATION('',(#12),#2);\n";
-constexpr std::string_view kProduct =
+constexpr std::string_view kOnlyRepresentation =
+    "#13=TESSELLATED_SHAPE_REPRESENTATION('',(#12),#2);\n";
+constexpr std::string_view kShown =
     "#20=PRODUCT_DEFINITION('','',#98,#99);\n"
     "#21=PRODUCT_DEFINITION_SHAPE('','',#20);\n"
     "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#13);\n";
@@ -41,10 +42,10 @@ Prepared prepared(std::initializer_list<std::string_view> data) {
 
 TEST(EdgeCases, ReferencesToWhatIsDroppedAreTakenOutOfLists) {
   const Prepared result = prepared(
-      {kUnit, kBody, "#30=STYLED_ITEM('',(#31),#12);\n#32=STYLED_ITEM('',(#31),#33);\n",
+      {kMillimetre, kOneFace, "#30=STYLED_ITEM('',(#31),#12);\n#32=STYLED_ITEM('',(#31),#33);\n",
        "#34=LAYER('',(#12,#33,#30),(#1));\n#35=LAYER('',(#30,#12),#1);\n#36=NOTE(#35);\n",
        "#37=LAYER('',SET((#30,#32)),(#30,1.),((#30),#1));\n#38=LAYER('',((#32,#30),$));\n"});
-  EXPECT_EQ(dataOf(result.file), std::string(kUnit) +
+  EXPECT_EQ(dataOf(result.file), std::string(kMillimetre) +
                                      "#32=STYLED_ITEM('',(#31),#33);\n"
                                      "#34=LAYER('',(#33),(#1));\n"
                                      "#38=LAYER('',((#32),$));\n");
@@ -53,26 +54,26 @@ TEST(EdgeCases, ReferencesToWhatIsDroppedAreTakenOutOfLists) {
 
 TEST(EdgeCases, SkipsTrianglesWithIndicesOfAnyLength) {
   const Prepared result =
-      prepared({kUnit, "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n",
+      prepared({kMillimetre, "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n",
                 "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3),(1,2,999999999999999999),",
                 "(1,2,9999999999999999999),(1,34444444444444444444444444444444,3)));\n",
-                "#12=TESSELLATED_SOLID('',(#11),$);\n", kRepresentation});
+                "#12=TESSELLATED_SOLID('',(#11),$);\n", kOnlyRepresentation});
   EXPECT_THAT(result.out, HasSubstr("1 bodies -> 1 faces, 1 triangles"));
   EXPECT_THAT(result.out, HasSubstr("Skipped triangles: 3\n"));
 }
 
 TEST(EdgeCases, AByteOfZeroInAStringEndsNothing) {
   using namespace std::literals;
-  const Prepared result =
-      prepared({kUnit, kBody, "#13=TESSELLATED_SHAPE_REPRESENTATION('a\0b',(#12,#50),#2);\n"sv,
-                "#14=LAYER(\"\0\",(#12,#50),'\0');\n"sv, "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
+  const Prepared result = prepared(
+      {kMillimetre, kOneFace, "#13=TESSELLATED_SHAPE_REPRESENTATION('a\0b',(#12,#50),#2);\n"sv,
+       "#14=LAYER(\"\0\",(#12,#50),'\0');\n"sv, "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
   EXPECT_THAT(result.file, HasSubstr("\n#13=SHAPE_REPRESENTATION('a\0b',(#50),#2);\n"
                                      "#14=LAYER(\"\0\",(#50),'\0');\n"s));
 }
 
 TEST(EdgeCases, ATessellatedRepresentationOfOtherItemsTooKeepsThose) {
   const Prepared result =
-      prepared({kUnit, kBody, "#13=TESSELLATED_SHAPE_REPRESENTATION('a',(#12,#50),#2);\n",
+      prepared({kMillimetre, kOneFace, "#13=TESSELLATED_SHAPE_REPRESENTATION('a',(#12,#50),#2);\n",
                 "#14=(REPRESENTATION('b',(#50,#12),#2)SHAPE_REPRESENTATION()"
                 "TESSELLATED_SHAPE_REPRESENTATION());\n#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
   EXPECT_THAT(result.file, HasSubstr("\n#13=SHAPE_REPRESENTATION('a',(#50),#2);\n"
@@ -83,7 +84,7 @@ constexpr std::string_view kOutsideItsList =
     "#10=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
     "#11=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,4)));\n"
     "#12=TESSELLATED_SOLID('',(#11),$);\n";
-constexpr std::string_view kExact =
+constexpr std::string_view kExactPart =
     "#30=OPEN_SHELL('',(#31));\n"
     "#32=SHELL_BASED_SURFACE_MODEL('',(#30));\n"
     "#33=SHAPE_REPRESENTATION('',(#32),#2);\n"
@@ -92,7 +93,7 @@ constexpr std::string_view kExact =
     "#36=SHAPE_DEFINITION_REPRESENTATION(#34,#33);\n";
 
 TEST(EdgeCases, NoTessellatedInstanceIsLeftIfNoTriangleIs) {
-  const Prepared result = prepared({kUnit, kExact, kOutsideItsList, kRepresentation});
+  const Prepared result = prepared({kMillimetre, kExactPart, kOutsideItsList, kOnlyRepresentation});
   EXPECT_THAT(result.out,
               HasSubstr("  Part tessellation: 1 bodies -> 1 faces, 0 triangles, 1 placements, "
                         "1 mm a unit\n"
@@ -100,15 +101,15 @@ TEST(EdgeCases, NoTessellatedInstanceIsLeftIfNoTriangleIs) {
                         "  Dropped entities: 4, changed: 0\n"
                         "  Holds now: exact geometry\n"));
   EXPECT_EQ(result.exitStatus, 0);
-  EXPECT_EQ(dataOf(result.file), std::string(kUnit) + std::string(kExact));
+  EXPECT_EQ(dataOf(result.file), std::string(kMillimetre) + std::string(kExactPart));
   EXPECT_EQ(result.files, 2U);
 }
 
 TEST(EdgeCases, NothingIsLeftOfTessellationWithoutATriangleAlone) {
-  const Prepared result = prepared({kUnit, kOutsideItsList, kRepresentation});
+  const Prepared result = prepared({kMillimetre, kOutsideItsList, kOnlyRepresentation});
   EXPECT_THAT(result.out, HasSubstr("  Holds now: no geometry\n"));
   EXPECT_EQ(result.exitStatus, 3);
-  EXPECT_EQ(dataOf(result.file), kUnit);
+  EXPECT_EQ(dataOf(result.file), kMillimetre);
 }
 
 TEST(EdgeCases, MorePlacementsThanCanBeKeptAreAnError) {
@@ -128,7 +129,7 @@ TEST(EdgeCases, MorePlacementsThanCanBeKeptAreAnError) {
     }
     levels << "),#2);\n";
   }
-  const Prepared result = prepared({kUnit, kBody, kRepresentation, levels.str()});
+  const Prepared result = prepared({kMillimetre, kOneFace, kOnlyRepresentation, levels.str()});
   EXPECT_EQ(result.err, "Error: in.stp: too many placements\n");
   EXPECT_EQ(result.exitStatus, 1);
   EXPECT_EQ(result.files, 1U);
@@ -136,7 +137,7 @@ TEST(EdgeCases, MorePlacementsThanCanBeKeptAreAnError) {
 
 TEST(EdgeCases, ALaterInstanceOfTheSameNumberWins) {
   const Prepared result =
-      prepared({kUnit, kBody, kRepresentation, "#007=A();\n#7=B();\n#011=A();\n"});
+      prepared({kMillimetre, kOneFace, kOnlyRepresentation, "#007=A();\n#7=B();\n#011=A();\n"});
   EXPECT_THAT(result.out, HasSubstr("  Read 7 entities\n"));
   EXPECT_THAT(result.file, HasSubstr("\n#7=B();\n"));
   EXPECT_THAT(result.file, Not(HasSubstr("#7=A")));
@@ -144,30 +145,30 @@ TEST(EdgeCases, ALaterInstanceOfTheSameNumberWins) {
 
 TEST(Warnings, NoUnit) {
   constexpr std::string_view kWarning = "  Warning: no unit of length, millimetres are taken\n";
-  EXPECT_THAT(prepared({kBody, kRepresentation}).out, HasSubstr(kWarning));
-  EXPECT_THAT(prepared({kUnit, kBody, kRepresentation}).out, Not(HasSubstr(kWarning)));
+  EXPECT_THAT(prepared({kOneFace, kOnlyRepresentation}).out, HasSubstr(kWarning));
+  EXPECT_THAT(prepared({kMillimetre, kOneFace, kOnlyRepresentation}).out, Not(HasSubstr(kWarning)));
 }
 
 TEST(Warnings, UsageWithoutAPlacement) {
-  EXPECT_THAT(
-      prepared({kUnit, kBody, kRepresentation, kProduct, "#30=PRODUCT_DEFINITION('','',#98,#99);\n",
-                "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"})
-          .out,
-      HasSubstr("  Warning: a usage of a product has no placement, none is taken\n"));
+  EXPECT_THAT(prepared({kMillimetre, kOneFace, kOnlyRepresentation, kShown,
+                        "#30=PRODUCT_DEFINITION('','',#98,#99);\n",
+                        "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n"})
+                  .out,
+              HasSubstr("  Warning: a usage of a product has no placement, none is taken\n"));
 }
 
 TEST(Warnings, ProductInsideItself) {
-  const Prepared result =
-      prepared({kUnit, kBody, kRepresentation, kProduct, "#30=PRODUCT_DEFINITION('','',#98,#99);\n",
-                "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n",
-                "#32=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#20,#30,$);\n"});
+  const Prepared result = prepared({kMillimetre, kOneFace, kOnlyRepresentation, kShown,
+                                    "#30=PRODUCT_DEFINITION('','',#98,#99);\n",
+                                    "#31=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#30,#20,$);\n",
+                                    "#32=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#20,#30,$);\n"});
   EXPECT_THAT(result.out, HasSubstr("  Warning: a product is part of itself\n"));
   EXPECT_EQ(result.exitStatus, 0);
 }
 
 TEST(Warnings, PlacementOfAnUnknownKind) {
   EXPECT_THAT(
-      prepared({kUnit, kBody, kRepresentation,
+      prepared({kMillimetre, kOneFace, kOnlyRepresentation,
                 "#30=REPRESENTATION_MAP(#50,#13);\n#31=MAPPED_ITEM('',#30,#50);\n"
                 "#32=SHAPE_REPRESENTATION('',(#31),#2);\n#50=PLACEMENT('',#51);\n"})
           .out,
@@ -192,10 +193,10 @@ std::string nestedSets(int count) {
 TEST(Warnings, SetsNestedTooDeep) {
   constexpr std::string_view kWarning =
       "  Warning: sets of tessellation in more than 16 placements of sets are left out\n";
-  const Prepared deepest = prepared({kUnit, kBody, nestedSets(16)});
+  const Prepared deepest = prepared({kMillimetre, kOneFace, nestedSets(16)});
   EXPECT_THAT(deepest.out, Not(HasSubstr("Warning")));
   EXPECT_THAT(deepest.file, HasSubstr("((0.,0.,16.),(1.,0.,16.),(0.,1.,16.))"));
-  const Prepared deeper = prepared({kUnit, kBody, nestedSets(17)});
+  const Prepared deeper = prepared({kMillimetre, kOneFace, nestedSets(17)});
   EXPECT_THAT(deeper.out, HasSubstr(kWarning));
   EXPECT_EQ(deeper.exitStatus, 3);
 }
@@ -214,23 +215,24 @@ TEST(Warnings, TooManySets) {
     names += (i == 1 ? "" : ",") + name;
   }
   const Prepared result =
-      prepared({kUnit, kBody, "#15=TESSELLATED_SHELL('',(#11),$);\n", sets,
+      prepared({kMillimetre, kOneFace, "#15=TESSELLATED_SHELL('',(#11),$);\n", sets,
                 "#13=TESSELLATED_SHAPE_REPRESENTATION('',(", names, "),#2);\n"});
   EXPECT_THAT(result.out, HasSubstr(kWarning));
   EXPECT_THAT(result.out, HasSubstr("  Part tessellation: 2 bodies -> 2 faces, 2 triangles"));
 }
 
 TEST(Warnings, CurvedTriangles) {
-  EXPECT_THAT(prepared({kUnit, "#12=CUBIC_BEZIER_TRIANGULATED_FACE('',#10,1,(),$,(),((1)));\n",
-                        kRepresentation})
-                  .out,
-              HasSubstr("  Warning: curved triangles (CUBIC_BEZIER_TRIANGULATED_FACE) are left "
-                        "out\n"));
+  EXPECT_THAT(
+      prepared({kMillimetre, "#12=CUBIC_BEZIER_TRIANGULATED_FACE('',#10,1,(),$,(),((1)));\n",
+                kOnlyRepresentation})
+          .out,
+      HasSubstr("  Warning: curved triangles (CUBIC_BEZIER_TRIANGULATED_FACE) are left "
+                "out\n"));
 }
 
 TEST(Warnings, CoordinatesMissing) {
-  const Prepared result =
-      prepared({kUnit, "#12=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n", kRepresentation});
+  const Prepared result = prepared(
+      {kMillimetre, "#12=TRIANGULATED_FACE('',#10,3,(),$,(),((1,2,3)));\n", kOnlyRepresentation});
   EXPECT_THAT(result.out, HasSubstr("  Warning: a face without coordinates is left out\n"));
   EXPECT_EQ(result.exitStatus, 3);
 }

@@ -27,34 +27,34 @@ std::string orphansOf(const std::string& data) {
 const std::string kShapes =
     "#1=MANIFOLD_SOLID_BREP('',#2);\n#10=SHAPE_REPRESENTATION('',(#1),$);\n"
     "#11=ADVANCED_BREP_SHAPE_REPRESENTATION('',(#1),$);\n#12=SHAPE_REPRESENTATION('',(),$);\n";
-const std::string kProduct =
+const std::string kNamed =
     "#20=PRODUCT_DEFINITION('','',$,$);\n#21=PRODUCT_DEFINITION_SHAPE('','',#20);\n";
 
 TEST(Orphans, AreNoneWithoutExactGeometry) {
-  EXPECT_EQ(orphansOf("#12=SHAPE_REPRESENTATION('',(),$);\n" + kProduct), "-> none");
+  EXPECT_EQ(orphansOf("#12=SHAPE_REPRESENTATION('',(),$);\n" + kNamed), "-> none");
 }
 
 TEST(Orphans, AreAllExactOnesIfNoProductHasOne) {
   EXPECT_EQ(orphansOf(kShapes), "10 11 -> none");
-  EXPECT_EQ(orphansOf(kShapes + kProduct), "10 11 -> 21");
-  EXPECT_EQ(orphansOf(kShapes + kProduct + "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#12);\n"),
+  EXPECT_EQ(orphansOf(kShapes + kNamed), "10 11 -> 21");
+  EXPECT_EQ(orphansOf(kShapes + kNamed + "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#12);\n"),
             "10 11 -> 21");
 }
 
 TEST(Orphans, AreTiedToNoneOfSeveralProducts) {
-  EXPECT_EQ(orphansOf(kShapes + kProduct +
+  EXPECT_EQ(orphansOf(kShapes + kNamed +
                       "#30=PRODUCT_DEFINITION('','',$,$);\n"
                       "#31=PRODUCT_DEFINITION_SHAPE('','',#30);\n"),
             "10 11 -> none");
 }
 
 TEST(Orphans, AreNoneIfAProductHasExactGeometry) {
-  EXPECT_EQ(orphansOf(kShapes + kProduct + "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#10);\n"),
+  EXPECT_EQ(orphansOf(kShapes + kNamed + "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#10);\n"),
             "-> none");
 }
 
 TEST(Orphans, AreNoneIfAnyRelationshipTiesAProductToExactGeometry) {
-  const std::string tied = kShapes + kProduct + "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#12);\n";
+  const std::string tied = kShapes + kNamed + "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#12);\n";
   for (const char* relationship :
        {"SHAPE_REPRESENTATION_RELATIONSHIP('','',#11,#12)",
         "SHAPE_REPRESENTATION_RELATIONSHIP('','',#12,#11)",

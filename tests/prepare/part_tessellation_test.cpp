@@ -63,7 +63,7 @@ const std::string kFaces =
     "#3=TRIANGULATED_SURFACE_SET('',#4,3,(),(),());\n#4=COORDINATES_LIST('',0,());\n";
 
 /// An exact solid #50, which #53 holds, with the face #52; a face #54 that nothing carries.
-const std::string kExact =
+const std::string kSolidPart =
     "#50=MANIFOLD_SOLID_BREP('',#51);\n#51=CLOSED_SHELL('',(#52));\n"
     "#52=ADVANCED_FACE('',(),$,.T.);\n#53=SHAPE_REPRESENTATION('',(#50),$);\n"
     "#54=ADVANCED_FACE('',(),$,.T.);\n";
@@ -79,7 +79,7 @@ TEST(PartTessellation, FacesComeInTheOrderOfTheText) {
 }
 
 TEST(PartTessellation, FacesNameTheirPointsAndWhatTheyLieOn) {
-  const Found in(kExact +
+  const Found in(kSolidPart +
                  "#4=COORDINATES_LIST('',0,());\n#5=AXIS2_PLACEMENT_3D('',$,$,$);\n"
                  "#1=TRIANGULATED_FACE('',#4,3,(),#52,(),());\n"
                  "#2=TRIANGULATED_FACE('',#50,3,(),$,(),());\n"
@@ -135,7 +135,7 @@ TEST(PartTessellation, WhatAPropertyShowsIsLeftOut) {
 }
 
 TEST(PartTessellation, BodiesThatNameTheirExactTwinAreCopies) {
-  const Found in(kFaces + kExact +
+  const Found in(kFaces + kSolidPart +
                  "#10=TESSELLATED_SOLID('',(#1),#50);\n#11=TESSELLATED_SOLID('',(#2),#54);\n"
                  "#20=TESSELLATED_SHAPE_REPRESENTATION('',(#10,#11,#3),$);\n");
   EXPECT_TRUE(in.part.hasExact);
@@ -144,7 +144,7 @@ TEST(PartTessellation, BodiesThatNameTheirExactTwinAreCopies) {
 }
 
 TEST(PartTessellation, BodiesWhoseFacesAllNameExactOnesAreCopies) {
-  const Found in(kExact +
+  const Found in(kSolidPart +
                  "#4=COORDINATES_LIST('',0,());\n"
                  "#1=TRIANGULATED_FACE('',#4,3,(),#52,(),());\n"
                  "#2=TRIANGULATED_FACE('',#4,3,(),$,(),());\n"
@@ -158,10 +158,10 @@ TEST(PartTessellation, BodiesWhoseFacesAllNameExactOnesAreCopies) {
 TEST(PartTessellation, AllBodiesOfAShapeThatIsEqualToAnExactOneAreCopies) {
   const std::string shape = "#20=TESSELLATED_SHAPE_REPRESENTATION('',(#1,#3),$);\n";
   const std::string equal = "#21=SHAPE_REPRESENTATION_RELATIONSHIP('','',#53,#20);\n";
-  const Found paired(kFaces + kExact + shape + equal);
+  const Found paired(kFaces + kSolidPart + shape + equal);
   EXPECT_EQ(paired.bodies(), "");
   EXPECT_THAT(paired.copies(), ElementsAre(1, 3));
-  const Found apart(kFaces + kExact + shape);
+  const Found apart(kFaces + kSolidPart + shape);
   EXPECT_EQ(apart.bodies(), "1 3");
   EXPECT_THAT(apart.copies(), IsEmpty());
 }

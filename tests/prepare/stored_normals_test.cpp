@@ -15,7 +15,7 @@ using test::Prepared;
 using test::stepFile;
 using testing::HasSubstr;
 
-const std::string kUnit =
+const std::string kInMillimetres =
     "#1=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
     "#2=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#1))"
     "REPRESENTATION_CONTEXT('',''));\n";
@@ -24,13 +24,13 @@ const std::string kUnit =
 const std::string kPoints =
     "#10=COORDINATES_LIST('',4,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.),(0.,0.,1.)));\n";
 
-const std::string kBody = "#20=TESSELLATED_SHAPE_REPRESENTATION('',(#19),#2);\n";
+const std::string kBodyShown = "#20=TESSELLATED_SHAPE_REPRESENTATION('',(#19),#2);\n";
 
 const std::string kWarning =
     "  Warning: the stored normals of a body are all against its triangles, which stay\n";
 
 Prepared withFace(const std::string& face) {
-  return prepared(stepFile(kUnit + kPoints + "#19=" + face + ";\n" + kBody));
+  return prepared(stepFile(kInMillimetres + kPoints + "#19=" + face + ";\n" + kBodyShown));
 }
 
 bool isWarned(const Prepared& result) {
@@ -97,16 +97,16 @@ TEST(StoredNormals, OneTriangleThatAgreesIsEnough) {
 }
 
 TEST(StoredNormals, OneFaceThatAgreesIsEnoughForItsBody) {
-  const std::string faces = kUnit + kPoints +
+  const std::string faces = kInMillimetres + kPoints +
                             "#11=TRIANGULATED_FACE('',#10,4,((0.,0.,-1.)),$,(),((1,2,3)));\n"
                             "#12=TRIANGULATED_FACE('',#10,4,((0.,0.,1.)),$,(),((1,2,3)));\n"
                             "#13=TRIANGULATED_FACE('',#10,4,(),$,(),((1,2,3)));\n";
-  EXPECT_FALSE(
-      isWarned(prepared(stepFile(faces + "#19=TESSELLATED_SOLID('',(#11,#12),$);\n" + kBody))));
-  EXPECT_FALSE(
-      isWarned(prepared(stepFile(faces + "#19=TESSELLATED_SOLID('',(#12,#13),$);\n" + kBody))));
-  EXPECT_TRUE(
-      isWarned(prepared(stepFile(faces + "#19=TESSELLATED_SOLID('',(#13,#11),$);\n" + kBody))));
+  EXPECT_FALSE(isWarned(
+      prepared(stepFile(faces + "#19=TESSELLATED_SOLID('',(#11,#12),$);\n" + kBodyShown))));
+  EXPECT_FALSE(isWarned(
+      prepared(stepFile(faces + "#19=TESSELLATED_SOLID('',(#12,#13),$);\n" + kBodyShown))));
+  EXPECT_TRUE(isWarned(
+      prepared(stepFile(faces + "#19=TESSELLATED_SOLID('',(#13,#11),$);\n" + kBodyShown))));
   EXPECT_TRUE(
       isWarned(prepared(stepFile(faces + "#18=TESSELLATED_SOLID('',(#11),$);\n"
                                          "#19=TESSELLATED_SOLID('',(#12),$);\n"
@@ -139,8 +139,8 @@ TEST(StoredNormals, AMirroredPlaceChangesNothing) {
       "#35=MAPPED_ITEM('',#34,#33);\n"
       "#36=SHAPE_REPRESENTATION('',(#35),#2);\n";
   const auto placed = [&mirrored](const char* z) {
-    return prepared(stepFile(kUnit + kPoints + "#19=TRIANGULATED_FACE('',#10,4,((0.,0.," + z +
-                             ")),$,(),((1,2,3)));\n" + mirrored));
+    return prepared(stepFile(kInMillimetres + kPoints + "#19=TRIANGULATED_FACE('',#10,4,((0.,0.," +
+                             z + ")),$,(),((1,2,3)));\n" + mirrored));
   };
   EXPECT_THAT(placed("1.").file, HasSubstr("((1,3,2)),());\n"));
   EXPECT_FALSE(isWarned(placed("1.")));
@@ -156,10 +156,10 @@ TEST(StoredNormals, AreFoundInListsLongerThanABlock) {
   }
   const auto withNormal = [&](const std::string& z) {
     return prepared(
-        stepFile(kUnit + "#10=COORDINATES_LIST('',20003,(" + points +
+        stepFile(kInMillimetres + "#10=COORDINATES_LIST('',20003,(" + points +
                  "(0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n#19=TRIANGULATED_FACE('',#10,20003,(" +
                  normals + "(0.,0.," + z + "),(0.,0.," + z + "),(0.,0.," + z +
-                 ")),$,(),((20001,20002,20003)));\n" + kBody));
+                 ")),$,(),((20001,20002,20003)));\n" + kBodyShown));
   };
   EXPECT_TRUE(isWarned(withNormal("-1.")));
   EXPECT_FALSE(isWarned(withNormal("1.")));
@@ -180,8 +180,9 @@ TEST(StoredNormals, AreNotLookedForWhereTooMuchWouldHaveToBeRead) {
       faces += name + "=TRIANGULATED_FACE('',#10,3,((0.,0.," + (i + 1 < count ? "1." : "-1.") +
                ")),$,(50000,1,2),((1,2,3)));\n";
     }
-    return prepared(stepFile(kUnit + "#10=COORDINATES_LIST('',50000,(" + points + "));\n" + faces +
-                             "#20=TESSELLATED_SHAPE_REPRESENTATION('',(" + names + "),#2);\n"));
+    return prepared(stepFile(kInMillimetres + "#10=COORDINATES_LIST('',50000,(" + points + "));\n" +
+                             faces + "#20=TESSELLATED_SHAPE_REPRESENTATION('',(" + names +
+                             "),#2);\n"));
   };
   EXPECT_TRUE(isWarned(withLastAgainst(10)));
   EXPECT_FALSE(isWarned(withLastAgainst(40)));

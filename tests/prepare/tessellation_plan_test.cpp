@@ -53,7 +53,7 @@ struct Planned : test::Instances {
 
 /// Millimetres #2 and metres #4; placements at the heights 0 (#10) and 5 (#15) of a unit; faces #21
 /// and #22 of the points #20.
-const std::string kParts =
+const std::string kTwoUnits =
     "#1=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
     "#2=(GLOBAL_UNIT_ASSIGNED_CONTEXT((#1))REPRESENTATION_CONTEXT('',''));\n"
     "#3=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT($,.METRE.));\n"
@@ -65,7 +65,7 @@ const std::string kParts =
     "#30=TESSELLATED_SOLID('',(#22,#21),$);\n";
 
 TEST(TessellationPlan, WithoutPlacementsHasOneSolidForEachBody) {
-  const Planned in(kParts + "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#22,#30),#2);\n");
+  const Planned in(kTwoUnits + "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#22,#30),#2);\n");
   EXPECT_EQ(in.lists(), "20:0 ");
   EXPECT_EQ(in.faces(), "21:1:0 22:0:0 22:1:0 ");
   EXPECT_EQ(in.plan.solidCount, 2U);
@@ -80,7 +80,7 @@ TEST(TessellationPlan, WithoutPlacementsHasOneSolidForEachBody) {
 }
 
 TEST(TessellationPlan, ScalesToMillimetres) {
-  const Planned in(kParts + "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#30),#4);\n");
+  const Planned in(kTwoUnits + "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#30),#4);\n");
   ASSERT_EQ(in.plan.placements.size(), 1U);
   EXPECT_FALSE(in.plan.placements[0].isIdentity);
   EXPECT_EQ(in.place(0), "1000.000000 0.000000");
@@ -88,7 +88,7 @@ TEST(TessellationPlan, ScalesToMillimetres) {
 }
 
 TEST(TessellationPlan, HasASolidAndAListForEachPlace) {
-  const Planned in(kParts +
+  const Planned in(kTwoUnits +
                    "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#30),#2);\n"
                    "#41=REPRESENTATION_MAP(#10,#40);\n#42=MAPPED_ITEM('',#41,#10);\n"
                    "#43=MAPPED_ITEM('',#41,#15);\n#44=MAPPED_ITEM('',#41,#15);\n"
@@ -104,7 +104,7 @@ TEST(TessellationPlan, HasASolidAndAListForEachPlace) {
 }
 
 TEST(TessellationPlan, PlacesRepositionedFacesOnTheirOwn) {
-  const Planned in(kParts +
+  const Planned in(kTwoUnits +
                    "#23=(REPOSITIONED_TESSELLATED_ITEM(#15)REPRESENTATION_ITEM('')"
                    "TESSELLATED_FACE(#20,3,(),$)TRIANGULATED_FACE((),()));\n"
                    "#31=TESSELLATED_SHELL('',(#21,#23),$);\n"
@@ -116,7 +116,7 @@ TEST(TessellationPlan, PlacesRepositionedFacesOnTheirOwn) {
 }
 
 TEST(TessellationPlan, TellsMirroredPlaces) {
-  const Planned in(kParts +
+  const Planned in(kTwoUnits +
                    "#17=DIRECTION('',(0.,0.,-1.));\n"
                    "#18=CARTESIAN_TRANSFORMATION_OPERATOR_3D('','',$,$,$,#11,$,#17);\n"
                    "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#30),#2);\n"
@@ -128,7 +128,7 @@ TEST(TessellationPlan, TellsMirroredPlaces) {
 }
 
 TEST(TessellationPlan, LeavesOutFacesWithoutCoordinates) {
-  const Planned in(kParts +
+  const Planned in(kTwoUnits +
                    "#23=TRIANGULATED_FACE('',$,3,(),$,(),());\n"
                    "#31=TESSELLATED_SHELL('',(#23,#21),$);\n"
                    "#40=TESSELLATED_SHAPE_REPRESENTATION('',(#23,#31),#2);\n");
@@ -138,7 +138,7 @@ TEST(TessellationPlan, LeavesOutFacesWithoutCoordinates) {
 }
 
 TEST(TessellationPlan, CountsOnlyTheFacesOfCopies) {
-  const Planned in(kParts +
+  const Planned in(kTwoUnits +
                    "#50=MANIFOLD_SOLID_BREP('',#51);\n#51=CLOSED_SHELL('',());\n"
                    "#52=SHAPE_REPRESENTATION('',(#50),#2);\n"
                    "#31=TESSELLATED_SOLID('',(#21),#50);\n"

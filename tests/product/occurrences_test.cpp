@@ -72,7 +72,7 @@ TEST(Occurrences, MappedItemsPlaceOnceEach) {
 }
 
 /// The product of #101 is used by that of #100 where #11 meets #15.
-const std::string kUsage =
+const std::string kRelated =
     "#50=PRODUCT_DEFINITION('','',$,$);\n#51=PRODUCT_DEFINITION('','',$,$);\n"
     "#52=PRODUCT_DEFINITION_SHAPE('','',#50);\n#53=PRODUCT_DEFINITION_SHAPE('','',#51);\n"
     "#54=SHAPE_DEFINITION_REPRESENTATION(#52,#100);\n"
@@ -85,7 +85,7 @@ const std::string kUsage =
     "#60=ITEM_DEFINED_TRANSFORMATION('','',#11,#15);\n";
 
 TEST(Occurrences, AUsagePlacesThePartInTheWhole) {
-  Placed in(kPlacements + kUsage +
+  Placed in(kPlacements + kRelated +
             "#100=SHAPE_REPRESENTATION('',(),#2);\n#101=SHAPE_REPRESENTATION('',(),#2);\n");
   EXPECT_THAT(in.heightsOf(101), ElementsAre(4.0));
   EXPECT_THAT(in.heightsOf(100), ElementsAre(0.0));
@@ -93,7 +93,7 @@ TEST(Occurrences, AUsagePlacesThePartInTheWhole) {
 }
 
 TEST(Occurrences, EachSideOfAPlacementHasItsOwnUnit) {
-  Placed in(kPlacements + kUsage +
+  Placed in(kPlacements + kRelated +
             "#100=SHAPE_REPRESENTATION('',(),#4);\n#101=SHAPE_REPRESENTATION('',(),#2);\n");
   EXPECT_THAT(in.heightsOf(101), ElementsAre(49.0));
   EXPECT_EQ(in.occurrences.unitOf(in.representation(100)), 10.0);
@@ -101,7 +101,7 @@ TEST(Occurrences, EachSideOfAPlacementHasItsOwnUnit) {
 }
 
 TEST(Occurrences, UsagesOfUsagesMultiply) {
-  Placed in(kPlacements + kUsage +
+  Placed in(kPlacements + kRelated +
             "#100=SHAPE_REPRESENTATION('',(),#2);\n#101=SHAPE_REPRESENTATION('',(),#2);\n"
             "#110=REPRESENTATION_MAP(#10,#100);\n#111=MAPPED_ITEM('',#110,#11);\n"
             "#112=MAPPED_ITEM('',#110,#15);\n#113=SHAPE_REPRESENTATION('',(#111,#112),#2);\n"
@@ -123,7 +123,7 @@ TEST(Occurrences, ATransformationPlacesWhatIsNoProducts) {
 }
 
 TEST(Occurrences, AProductInItselfIsWarnedOf) {
-  Placed in(kPlacements + kUsage +
+  Placed in(kPlacements + kRelated +
             "#100=SHAPE_REPRESENTATION('',(),#2);\n#101=SHAPE_REPRESENTATION('',(),#2);\n"
             "#70=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#51,#50,$);\n");
   EXPECT_EQ(in.heightsOf(101).size(), 1U);

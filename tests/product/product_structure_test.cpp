@@ -128,13 +128,13 @@ TEST(ProductStructure, KeepsUsagesWithoutARelationship) {
   EXPECT_EQ(in.structure.usages[0].relationship, kNoInstance);
 }
 
-const std::string kMapped =
+const std::string kMappedSolid =
     "#50=MANIFOLD_SOLID_BREP('',#51);\n#51=CLOSED_SHELL('',(#52));\n#52=ADVANCED_FACE('',(),$,.T.);"
     "\n#60=SHAPE_REPRESENTATION('',(#50),$);\n#61=REPRESENTATION_MAP(#90,#60);\n"
     "#62=MAPPED_ITEM('',#61,#91);\n#63=SHAPE_REPRESENTATION('',(#62),$);\n";
 
 TEST(ProductStructure, FindsMappings) {
-  const Structure in(kMapped);
+  const Structure in(kMappedSolid);
   ASSERT_EQ(in.structure.mappings.size(), 1U);
   const Mapping& mapping = in.structure.mappings[0];
   EXPECT_EQ(mapping.item, in[62]);
@@ -145,10 +145,10 @@ TEST(ProductStructure, FindsMappings) {
 
 TEST(ProductStructure, FindsWhatIsExactAndWhatMapsThat) {
   EXPECT_THAT(
-      Structure(kMapped + "#70=SHAPE_REPRESENTATION('',(#71),$);\n#71=PLANE('',$);\n").exact(),
+      Structure(kMappedSolid + "#70=SHAPE_REPRESENTATION('',(#71),$);\n#71=PLANE('',$);\n").exact(),
       ElementsAre(60, 63));
-  EXPECT_THAT(Structure(kMapped + "#70=(DRAUGHTING_MODEL()REPRESENTATION('',(#50,#62),$)"
-                                  "SHAPE_REPRESENTATION());\n")
+  EXPECT_THAT(Structure(kMappedSolid + "#70=(DRAUGHTING_MODEL()REPRESENTATION('',(#50,#62),$)"
+                                       "SHAPE_REPRESENTATION());\n")
                   .exact(),
               ElementsAre(60, 63));
 }
@@ -161,7 +161,7 @@ TEST(ProductStructure, TakesNoItemsFromBehindARecord) {
 }
 
 TEST(ProductStructure, WhatIsMappedFromAProductIsOfIt) {
-  const Structure in(kMapped +
+  const Structure in(kMappedSolid +
                      "#1=PRODUCT_DEFINITION('','',$,$);\n"
                      "#11=PRODUCT_DEFINITION_SHAPE('','',#1);\n"
                      "#31=SHAPE_DEFINITION_REPRESENTATION(#11,#63);\n");
@@ -170,7 +170,8 @@ TEST(ProductStructure, WhatIsMappedFromAProductIsOfIt) {
 }
 
 TEST(ProductStructure, FindsWhatExactRepresentationsCarry) {
-  const Structure in(kMapped + "#53=CLOSED_SHELL('',(#54));\n#54=ADVANCED_FACE('',(),$,.T.);\n");
+  const Structure in(kMappedSolid +
+                     "#53=CLOSED_SHELL('',(#54));\n#54=ADVANCED_FACE('',(),$,.T.);\n");
   const std::vector<bool> carried = findCarried(in.table, in.structure);
   for (const std::uint64_t number : {50U, 51U, 52U}) {
     EXPECT_TRUE(carried[in[number]]) << number;

@@ -12,7 +12,7 @@
 namespace plenvorith::test {
 namespace {
 
-struct Face {
+struct StripFace {
   std::string coordinates;
   std::vector<IndexTriple> triples;
 };
@@ -27,9 +27,9 @@ void skipGroupIfAny(StepCursor& cursor) {
   }
 }
 
-Face scanFace(const std::string& parameters) {
+StripFace scanFace(const std::string& parameters) {
   StepCursor cursor{parameters};
-  Face face;
+  StripFace face;
   referenceSkipQuotedString(cursor);
   referenceConsumeIf(cursor, ',');
   face.coordinates = referenceParseReference(cursor);
@@ -92,7 +92,7 @@ std::vector<Triangle> referenceDecode(const EntityTexts& table, const InstanceNa
     if (entry == table.end() || !isFace(entry->second)) {
       continue;
     }
-    const Face face = scanFace(entry->second.substr(26));
+    const StripFace face = scanFace(entry->second.substr(26));
     if (cache.count(face.coordinates) == 0) {
       const auto coordinates = table.find(face.coordinates);
       if (coordinates == table.end()) {

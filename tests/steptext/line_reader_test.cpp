@@ -22,7 +22,7 @@ using testing::IsEmpty;
 
 using namespace std::string_literals;
 
-constexpr std::size_t kPiece = std::size_t{1} << 16U;
+constexpr std::size_t kReadAtOnce = std::size_t{1} << 16U;
 
 /// The lines that a reader hands out, put together from their pieces.
 std::vector<std::string> linesOf(LineReader& reader) {
@@ -119,7 +119,7 @@ TEST(LineReaderAgainstReference, AgreesOnLinesOfAnyLength) {
 
 TEST(LineReader, CutsOnlyLinesOf64KiBOrMore) {
   MemoryFile memory;
-  for (const std::size_t length : {kPiece - 1, 3 * kPiece}) {
+  for (const std::size_t length : {kReadAtOnce - 1, 3 * kReadAtOnce}) {
     BlockReader file(memory.write(std::string(length, 'x') + "\ny\n"));
     LineReader reader(file);
     std::size_t pieces = 0;
@@ -128,7 +128,7 @@ TEST(LineReader, CutsOnlyLinesOf64KiBOrMore) {
       ASSERT_TRUE(reader.next(piece));
       ++pieces;
     } while (!reader.endsLine());
-    EXPECT_EQ(pieces > 1, length >= kPiece) << length;
+    EXPECT_EQ(pieces > 1, length >= kReadAtOnce) << length;
     ASSERT_TRUE(reader.next(piece));
     EXPECT_EQ(piece, "y");
   }
@@ -136,8 +136,8 @@ TEST(LineReader, CutsOnlyLinesOf64KiBOrMore) {
 
 TEST(LineReader, NeverCutsAnInstanceName) {
   MemoryFile memory;
-  const std::string name = "#" + std::string(2 * kPiece + 5, '7');
-  BlockReader file(memory.write(name + "=" + std::string(kPiece, 'x') + "\n"));
+  const std::string name = "#" + std::string(2 * kReadAtOnce + 5, '7');
+  BlockReader file(memory.write(name + "=" + std::string(kReadAtOnce, 'x') + "\n"));
   LineReader reader(file);
   std::string_view piece;
   ASSERT_TRUE(reader.next(piece));
