@@ -20,6 +20,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/reference/reference_number.h"
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -394,21 +395,21 @@ TEST(ReadNumberAgainstReference, AgreesOnEveryByteAtEveryPlace) {
 
 TEST(ReadNumberAgainstReference, AgreesOnRandomTokens) {
   std::mt19937 random(4);
-  for (int i = 0; i < 3'000'000; ++i) {
+  for (int i = 0; i < test::rounds(3'000'000); ++i) {
     expectSameNumber(token(random));
   }
 }
 
 TEST(ReadNumberAgainstReference, AgreesOnDoublesOfEveryMagnitude) {
   std::mt19937 random(5);
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < test::rounds(100'000); ++i) {
     expectSameNumber(printedDouble(random));
   }
 }
 
 TEST(ReadNumberAgainstReference, AgreesOnHalfWayCases) {
   std::mt19937 random(6);
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < test::rounds(100'000); ++i) {
     expectSameNumber(halfWay(random));
   }
 }

@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -17,7 +19,7 @@ namespace {
 std::size_t specialIn(const std::vector<char>& text) {
   for (std::size_t i = 0; i + 1 < text.size(); ++i) {
     const bool isBlank = text[i] >= 0 && text[i] <= ' ';
-    if (isBlank || std::string("'\"/;").find(text[i]) != std::string::npos ||
+    if (isBlank || std::string_view("'\"/;").find(text[i]) != std::string_view::npos ||
         (text[i] == '#' && text[i + 1] == '0')) {
       return i;
     }
@@ -27,7 +29,7 @@ std::size_t specialIn(const std::vector<char>& text) {
 
 std::size_t markIn(const std::vector<char>& text, std::uint64_t& opened) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (std::string("'\"/;").find(text[i]) != std::string::npos) {
+    if (std::string_view("'\"/;").find(text[i]) != std::string_view::npos) {
       return i;
     }
     opened += text[i] == '(' ? 1U : 0U;
@@ -93,7 +95,7 @@ TEST(ByteScan, FindsWhatTheLoopsFindInRandomTexts) {
   std::mt19937 random(1);
   const std::vector<std::string> pieces = {"#0", "#1", "(", ")", ",", "1.5", "ABCDEFGH", "\x80"};
   const std::vector<std::string> ends = {"", "'", "\"", "/", ";", " ", "\n", "#"};
-  for (int i = 0; i < 20'000; ++i) {
+  for (int i = 0; i < test::rounds(20'000); ++i) {
     const std::string text = test::randomText(random, pieces, 60) +
                              ends[test::pick(random, ends.size())] +
                              test::randomText(random, pieces, 10);

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "tests/reference/reference_entity_table.h"
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 #include "tests/support/temp_dir.h"
 
@@ -302,7 +303,7 @@ TEST(EntityTable, AgreesWithTheRegularExpressionOnRandomFiles) {
       "\r\n", "\r",    " ",        "\t",    ";",   "\0"s,   "\xFF",   "'",  "A",
       "(#1)", "\n#6=", "\xC3\xA9", "/* */", "\f",  "\x85",  "\v"};
   std::mt19937 random(1);
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < test::rounds(10'000); ++i) {
     const std::string content = randomText(random, pieces, 40);
     ASSERT_EQ(tableOf(content), referenceEntityTable(content)) << content;
   }

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "tests/support/captured_cout.h"
+#include "tests/support/rounds.h"
 #include "tests/support/scoped_env.h"
 #include "tests/support/step_text.h"
 #include "tests/support/strip_comparison.h"
@@ -402,7 +403,7 @@ TEST(StripTessellationAgainstReference, AgreesOnRandomFiles) {
                                            "/* ; */"};
   StripComparison comparison;
   std::mt19937 random(3);
-  for (int i = 0; i < 4'000; ++i) {
+  for (int i = 0; i < test::rounds(4'000); ++i) {
     expectSame(comparison, randomText(random, pieces, 40));
   }
 }

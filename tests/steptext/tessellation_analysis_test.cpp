@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/reference/reference_analysis.h"
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -262,7 +263,7 @@ TEST(TessellationAnalysis, AgreesWithTheReferenceOnRandomTables) {
                                            "TESSELLATED_SOLID("};
   const std::vector<std::string> names = {"#1", "#2", "#3", "#4", "#5", "#10", "#01", "#"};
   std::mt19937 random(2);
-  for (int i = 0; i < 50'000; ++i) {
+  for (int i = 0; i < test::rounds(50'000); ++i) {
     EntityTexts table;
     for (const std::string& name : names) {
       if (pick(random, 5) != 0) {

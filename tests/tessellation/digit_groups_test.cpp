@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -79,7 +80,7 @@ TEST(DigitGroups, DoNotCareWhatIsInFrontOfThem) {
 
 TEST(DigitGroups, AreRightForRandomDigits) {
   std::mt19937 random(2);
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < test::rounds(100'000); ++i) {
     std::array<Written, 8> written;
     for (Written& one : written) {
       one.count = static_cast<int>(test::pick(random, 9));

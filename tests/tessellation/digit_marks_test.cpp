@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -48,7 +49,7 @@ TEST(DigitMarks, TellDigitsFromEveryOtherByteAtEveryPlace) {
 
 TEST(DigitMarks, AreRightForRandomBytes) {
   std::mt19937 random(1);
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < test::rounds(100'000); ++i) {
     std::string text(64, '0');
     for (char& c : text) {
       c = static_cast<char>(test::pick(random, 2) == 0 ? '0' + test::pick(random, 10)

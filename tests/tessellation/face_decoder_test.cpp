@@ -11,6 +11,7 @@
 #include "tests/reference/reference_face_decoder.h"
 #include "tests/support/outcome.h"
 #include "tests/support/records.h"
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -387,7 +388,7 @@ std::string randomCoordinates(std::mt19937& random) {
 
 TEST(FaceDecoderAgainstReference, AgreesOnRandomTables) {
   std::mt19937 random(8);
-  for (int i = 0; i < 50'000; ++i) {
+  for (int i = 0; i < test::rounds(50'000); ++i) {
     const EntityTexts entities = {{"#1", randomFace(random)},
                                   {"#10", randomFace(random)},
                                   {"#3", randomFace(random)},
@@ -407,7 +408,7 @@ TEST(FaceDecoderAgainstReference, AgreesOnTextsInWhichNothingIsInPlace) {
   const std::vector<std::string> pieces = {"(", ")",  "((", "))", ",", "#2",      "#",
                                            "1", "2.", "'",  "$",  " ", "(1,2,3)", "E"};
   std::mt19937 random(9);
-  for (int i = 0; i < 50'000; ++i) {
+  for (int i = 0; i < test::rounds(50'000); ++i) {
     const EntityTexts entities = {
         {"#1", "COMPLEX_TRIANGULATED_FACE(" + randomText(random, pieces, 20)},
         {"#2", "COORDINATES_LIST(" + randomText(random, pieces, 20)}};

@@ -18,6 +18,7 @@
 #include "tests/reference/reference_step_cursor.h"
 #include "tests/support/outcome.h"
 #include "tests/support/records.h"
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 
 namespace plenvorith {
@@ -488,7 +489,7 @@ void expectSameLists(const std::string& text) {
 
 TEST(ListsAgainstReference, AgreeOnRandomLists) {
   std::mt19937 random(8);
-  for (int i = 0; i < 30'000; ++i) {
+  for (int i = 0; i < test::rounds(30'000); ++i) {
     expectSameLists(list(random, pick(random, 30), i % 2 == 0));
   }
 }
@@ -607,7 +608,7 @@ TEST(StepCursorAgainstReference, AgreesOnRandomTexts) {
                                            "-2147483649.5",
                                            "( 1 , 2 , 3 )"};
   std::mt19937 random(7);
-  for (int i = 0; i < 20'000; ++i) {
+  for (int i = 0; i < test::rounds(20'000); ++i) {
     expectSameEverywhere(randomText(random, pieces, 16));
   }
 }
