@@ -26,7 +26,7 @@
 #include "batch/state/shard.h"
 #include "batch/system/folder.h"
 #include "batch/system/host_name.h"
-#include "batch/system/text.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {

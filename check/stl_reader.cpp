@@ -1,14 +1,13 @@
 #include "check/stl_reader.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 #include <vector>
 
 #include "common/block_reader.h"
+#include "common/little_endian.h"
 
 namespace plenvorith {
 namespace {
@@ -16,25 +15,12 @@ namespace {
 constexpr std::size_t kHeaderSize = 80;
 constexpr std::size_t kStart = kHeaderSize + 4;
 constexpr std::size_t kRecordSize = 50;
-constexpr std::size_t kNumbersSize = sizeof(StlTriangle);
 constexpr std::size_t kBlockTriangles = 4096;
-
-std::uint32_t uint32At(const char* bytes) {
-  std::uint32_t value = 0;
-  for (unsigned i = 0; i < 4; ++i) {
-    value |= std::uint32_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
-  }
-  return value;
-}
 
 StlTriangle triangleAt(const char* record) {
   StlTriangle triangle;
-  if constexpr (std::endian::native == std::endian::little) {
-    std::memcpy(triangle.data(), record, kNumbersSize);
-  } else {
-    for (std::size_t i = 0; i < triangle.size(); ++i) {
-      triangle[i] = std::bit_cast<float>(uint32At(record + 4 * i));
-    }
+  for (std::size_t i = 0; i < triangle.size(); ++i) {
+    triangle[i] = getFloat(record + sizeof(float) * i);
   }
   return triangle;
 }
@@ -47,7 +33,7 @@ std::string counted(std::uint64_t count, const char* noun) {
 /// with the word of the text format, so that the size is what decides.
 std::string problemOf(std::string_view start, std::uint64_t size) {
   if (start.size() >= kStart &&
-      size == kStart + kRecordSize * std::uint64_t{uint32At(start.data() + kHeaderSize)}) {
+      size == kStart + kRecordSize * std::uint64_t{getUint32(start.data() + kHeaderSize)}) {
     return {};
   }
   if (start.starts_with("solid")) {
@@ -57,7 +43,7 @@ std::string problemOf(std::string_view start, std::uint64_t size) {
     return "ends after " + counted(start.size(), "byte") + ", inside the " +
            std::to_string(kStart) + " in front of the first triangle";
   }
-  const std::uint64_t count = uint32At(start.data() + kHeaderSize);
+  const std::uint64_t count = getUint32(start.data() + kHeaderSize);
   const std::uint64_t whole = (size - kStart) / kRecordSize;
   if (whole < count) {
     return "ends after " + std::to_string(whole) + " of the " + counted(count, "triangle") +
@@ -137,7 +123,7 @@ std::string readBinaryStl(const std::string& path, const StlVisitor& visit) {
   if (!problem.empty()) {
     return problem;
   }
-  return readTriangles(file, uint32At(bytes.data() + kHeaderSize), visit);
+  return readTriangles(file, getUint32(bytes.data() + kHeaderSize), visit);
 }
 
 }  // namespace plenvorith

@@ -13,6 +13,7 @@
 #include "batch/options.h"
 #include "batch/system/text.h"
 #include "batch/system/tool.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {

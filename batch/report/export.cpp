@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "batch/system/text.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {

@@ -11,6 +11,7 @@
 
 #include "batch/system/descriptor.h"
 #include "batch/system/text.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {

@@ -14,7 +14,7 @@
 #include "batch/report/mesh_tools.h"
 #include "batch/report/report.h"
 #include "batch/report/report_page.h"
-#include "batch/system/text.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {

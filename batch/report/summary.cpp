@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "batch/system/text.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <string.h>
 
-#include "batch/system/text.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 
