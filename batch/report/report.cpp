@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "batch/report/report_page.h"
-#include "batch/system/json_text.h"
+#include "batch/report/json_text.h"
 
 namespace plenvorith {
 namespace {

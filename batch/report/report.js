@@ -26,7 +26,7 @@
       } else if (kEscapes[letter]) {
         text += kEscapes[letter];
       } else if (kHidden.test(letter)) {
-        text += code < 0x100 ? '\\x' + hex(code, 2) : '\\u' + hex(code, 4);
+        text += code < 0x80 ? '\\x' + hex(code, 2) : '\\u' + hex(code, 4);
       } else {
         text += letter;
       }

@@ -11,6 +11,17 @@ TEST(Printable, EscapesControlCharactersAndBackslashes) {
   EXPECT_EQ(printable(""), "");
 }
 
+TEST(Printable, EscapesTheControlsThatBeginWithOneCharacterOfC1) {
+  EXPECT_EQ(printable("\xc2\x9b"
+                      "31m \xc2\x80\xc2\x9f\xc2\xa0"),
+            "\\u009b31m \\u0080\\u009f\xc2\xa0");
+  // As a terminal takes them that knows no UTF-8; "ě" holds such a byte, but is a letter.
+  EXPECT_EQ(printable("\x9b"
+                      "31m \x80\x9f\xa0 ě"),
+            "\\x9b31m \\x80\\x9f\xa0 ě");
+  EXPECT_EQ(portable("\xc2\x9b"), "\\u009b");
+}
+
 TEST(Portable, EscapesWhatIsNoUtf8) {
   EXPECT_EQ(portable("größe 部品 \xF0\x9F\x98\x80"), "größe 部品 \xF0\x9F\x98\x80");
   EXPECT_EQ(portable("\xff"), "\\xff");

@@ -1,4 +1,4 @@
-#include "batch/system/json_text.h"
+#include "batch/report/json_text.h"
 
 #include <cstddef>
 #include <set>
