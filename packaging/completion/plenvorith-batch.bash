@@ -1,8 +1,9 @@
 # bash completion for plenvorith-batch
 
 _plenvorith_batch() {
-  local cur prev words cword
-  _init_completion || return
+  # shellcheck disable=SC2034 # what _init_completion sets
+  local cur prev words cword split
+  _init_completion -s || return # takes apart --to=stl, too
   case $prev in
     -o | --output | --base) _filedir -d ;;
     --program | --files-from | --export) _filedir ;;

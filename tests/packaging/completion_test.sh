@@ -17,6 +17,7 @@ touch a.step b.STP c.p21 d.stl e.txt
 _init_completion() {
   words=("${COMP_WORDS[@]}") cword=$COMP_CWORD
   cur=${words[cword]} prev=${words[cword - 1]}
+  [[ ${1:-} != -s || $cur != --*=* ]] || prev=${cur%%=*} cur=${cur#*=}
 }
 _filedir() {
   COMPREPLY=(*/)
@@ -49,6 +50,12 @@ NoStepFileIsOfferedAsOutput() {
 
 DeflectionsAreOffered() {
   expect '1.0 0.1 0.01' "$(offered plenvorith a.step a.stl '')"
+}
+
+ValuesAreOfferedBehindAnEqualsSign() {
+  expect 'stl stp' "$(offered plenvorith-batch --to '')"
+  expect 'stl stp' "$(offered plenvorith-batch --to=)"
+  expect 'stp' "$(offered plenvorith-batch --to=stp)"
 }
 
 "$2"
