@@ -176,6 +176,10 @@ std::vector<std::string> check(Options& options, const RawValues& raw) {
   if (options.output.empty()) {
     problems.emplace_back("no output folder: -o DIR is missing");
   }
+  // Who is used to the converter names a file, and would get a folder of that name.
+  if (options.output.ends_with(".stl") || options.output.ends_with(".stp")) {
+    problems.push_back("-o is a folder, not a file like " + options.output);
+  }
   if (settings.to != "stl" && settings.to != "stp") {
     problems.push_back("--to is stl or stp, not " + settings.to);
   }

@@ -70,6 +70,14 @@ TEST(ParseOptions, HaveDefaults) {
                options.followLinks || options.worker);
 }
 
+TEST(ParseOptions, RejectAFileForTheOutputFolder) {
+  EXPECT_EQ(problemOf({"in", "-o", "part.stl"}),
+            "plenvorith-batch: -o is a folder, not a file like part.stl\n");
+  EXPECT_EQ(problemOf({"in", "-o", "x/part.stp"}),
+            "plenvorith-batch: -o is a folder, not a file like x/part.stp\n");
+  EXPECT_EQ(optionsOf({"in", "-o", "stl"}).output, "stl");
+}
+
 TEST(ParseOptions, StandInAnyOrderAndForm) {
   const Options options = optionsOf({"a", "-oDIR", "--to=stp", "b", "--deflection", "2.5e-1",
                                      "--split", "--prepare", "--jobs=3", "--time-limit=5m", "c"});

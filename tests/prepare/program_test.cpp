@@ -49,6 +49,13 @@ class PrepareProgram : public testing::Test {
   std::string input = writeFile(directory / "in.stp", largeFile());
 };
 
+TEST_F(PrepareProgram, WritesNoStepFileUnderTheNameOfAMesh) {
+  const Outcome outcome = run({"in.stp", "out.stl"});
+  EXPECT_EQ(outcome.exitStatus, 2);
+  EXPECT_EQ(outcome.err, "Error: what is written is a STEP file, not an STL file: out.stl\n");
+  EXPECT_EQ(fileCount(), 1);
+}
+
 TEST_F(PrepareProgram, TellsItsUse) {
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{}, {"in.stp"}, {"in.stp", "out.stp", "more"}}) {
