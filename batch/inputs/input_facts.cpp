@@ -23,6 +23,10 @@ constexpr std::array<std::string_view, 4> kExact = {"ADVANCED_FACE", "MANIFOLD_S
                                                     "SHELL_BASED_SURFACE_MODEL", "FACETED_BREP"};
 constexpr std::size_t kOverlap = 32;  // longer than any of them
 
+char toUpper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 bool holds(std::string_view text, std::string_view word) {
   return memmem(text.data(), text.size(), word.data(), word.size()) != nullptr;
 }
@@ -43,6 +47,20 @@ bool holdsStart(std::string_view text) {
     place = text.find(kStart, place + 1);
   }
   return false;
+}
+
+/// What the first bytes of a file tell that is no STEP file; empty if they tell nothing.
+const char* formOf(std::string_view start) {
+  using namespace std::string_view_literals;
+  if (start.starts_with("\x1f\x8b"sv)) {
+    return "packed with gzip";
+  }
+  if (start.starts_with("PK\3\4"sv)) {
+    return "packed with zip";
+  }
+  const bool isUtf16 = start.starts_with("\xff\xfe"sv) || start.starts_with("\xfe\xff"sv) ||
+                       start.starts_with("I\0S\0"sv) || start.starts_with("\0I\0S"sv);
+  return isUtf16 ? "text in UTF-16" : "";
 }
 
 void lookAt(std::string_view text, InputFacts& facts) {
@@ -72,9 +90,17 @@ InputFacts factsOf(const std::string& path) {
   constexpr std::size_t kBlockSize = std::size_t{1} << 18;
   std::vector<char> block(kBlockSize);
   std::size_t kept = 0;  // of the block before, in front: a word may lie across
+  bool isFirst = true;
   ssize_t count = 0;
   while ((count = read(file.get(), block.data() + kept, block.size() - kept)) > 0) {
     const std::size_t size = kept + static_cast<std::size_t>(count);
+    if (isFirst) {
+      facts.form = formOf(std::string_view(block.data(), size));
+      isFirst = false;
+    }
+    // Words of any case tell what the file is meant to be.
+    std::transform(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(size), block.begin(),
+                   toUpper);
     lookAt(std::string_view(block.data(), size), facts);
     kept = std::min(kOverlap, size);
     std::memmove(block.data(), block.data() + size - kept, kept);
@@ -90,7 +116,7 @@ bool endsInTheMiddle(const std::string& path) {
   }
   constexpr std::size_t kEnds = 2048;
   if (holds(readEnds(file.get(), kEnds), kEnd)) {
-    return false;
+    return false;  // as nearly all do
   }
   const InputFacts facts = factsOf(path);
   return facts.isWhole && !facts.hasEnd;

@@ -80,6 +80,9 @@ std::string structureReason(const InputFacts& facts) {
   if (!facts.isWhole) {
     return {};
   }
+  if (!facts.form.empty()) {
+    return "not a STEP file but " + facts.form;
+  }
   if (!facts.hasStart) {
     return "not a STEP file (no ISO-10303-21)";
   }

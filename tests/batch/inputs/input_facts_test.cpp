@@ -27,6 +27,25 @@ TEST(FactsOf, FindsStartAndEnd) {
   EXPECT_FALSE(onlyStart.hasEnd);
 }
 
+TEST(FactsOf, FindsWordsInAnyCase) {
+  const InputFacts facts = factsOfText(
+      "iso-10303-21;\nData;\n#1=Triangulated_Face();#2=advanced_FACE();\nend-iso-10303-21;\n");
+  EXPECT_TRUE(facts.hasStart && facts.hasEnd && facts.hasTessellation && facts.hasExactGeometry);
+  EXPECT_FALSE(factsOfText("end-iso-10303-21;\n").hasStart);
+}
+
+TEST(FactsOf, TellsWhatFilesAreThatAreNoStep) {
+  EXPECT_EQ(factsOfText("\x1f\x8b\x08 and more").form, "packed with gzip");
+  EXPECT_EQ(factsOfText("PK\x03\x04 and more").form, "packed with zip");
+  EXPECT_EQ(factsOfText(std::string("\xff\xfeI\0S\0", 6)).form, "text in UTF-16");
+  EXPECT_EQ(factsOfText(std::string("\xfe\xff\0I\0S", 6)).form, "text in UTF-16");
+  EXPECT_EQ(factsOfText(std::string("I\0S\0O\0", 6)).form, "text in UTF-16");
+  EXPECT_EQ(factsOfText(std::string("\0I\0S\0O", 6)).form, "text in UTF-16");
+  EXPECT_EQ(factsOfText("ISO-10303-21;").form, "");
+  EXPECT_EQ(factsOfText("\xef\xbb\xbfISO-10303-21;").form, "");
+  EXPECT_EQ(factsOfText("").form, "");
+}
+
 TEST(FactsOf, FindsGeometry) {
   EXPECT_TRUE(factsOfText("#1=TRIANGULATED_FACE(").hasTessellation);
   EXPECT_TRUE(factsOfText("#1=COMPLEX_TRIANGULATED_SURFACE_SET(").hasTessellation);
@@ -55,6 +74,7 @@ TEST(EndsInTheMiddle, LooksAtTheEndFirstAndThenAtAll) {
   const test::TempDir dir;
   const std::string end = "END-ISO-10303-21;\n";
   EXPECT_FALSE(endsInTheMiddle(test::writeFile(dir / "a", end)));
+  EXPECT_FALSE(endsInTheMiddle(test::writeFile(dir / "small", "End-Iso-10303-21;\n")));
   EXPECT_FALSE(endsInTheMiddle(test::writeFile(dir / "b", end + std::string(9000, '\0'))));
   EXPECT_TRUE(endsInTheMiddle(test::writeFile(dir / "c", "ISO-10303-21;\nDATA;\n#1=")));
   EXPECT_FALSE(endsInTheMiddle(dir / "missing"));

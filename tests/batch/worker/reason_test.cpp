@@ -35,6 +35,8 @@ TEST(ReasonFor, NamesTheStructureThatIsMissing) {
   EXPECT_EQ(reasonFor(evidence), "ends in the middle (no END-ISO-10303-21)");
   evidence.facts.hasStart = false;
   EXPECT_EQ(reasonFor(evidence), "not a STEP file (no ISO-10303-21)");
+  evidence.facts.form = "packed with zip";
+  EXPECT_EQ(reasonFor(evidence), "not a STEP file but packed with zip");
   evidence.facts.isWhole = false;
   EXPECT_EQ(reasonFor(evidence), "no geometry that the converter takes");
 }
