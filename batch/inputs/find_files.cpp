@@ -24,6 +24,7 @@ namespace plenvorith {
 namespace {
 
 constexpr const char* kStateName = ".plenvorith-batch";
+constexpr const char* kOutputFolders = "folders of outputs";
 
 /// What tells folders apart, whatever their names.
 using FolderId = std::pair<dev_t, ino_t>;
@@ -50,27 +51,40 @@ std::string systemText(int error) {
   return strerror(error);
 }
 
+/// Whether a name ends so, in upper or lower case; the ending is in lower case.
+bool endsWithLetters(const std::string& name, std::string_view ending) {
+  const auto isSameLetter = [](char a, char b) {
+    return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
+  };
+  return name.size() >= ending.size() &&
+         std::equal(ending.begin(), ending.end(),
+                    name.end() - static_cast<std::ptrdiff_t>(ending.size()), isSameLetter);
+}
+
 std::string belowBase(const FoundFiles& found, const std::string& path) {
   return path.substr(std::min(found.base.size(), path.size()));
 }
 
-bool isExcluded(const Walk& walk, const std::string& path) {
-  const auto& globs = walk.options.exclude;
+void skip(Walk& walk, const std::string& what, const std::string& path) {
+  constexpr std::size_t kExamples = 5;
+  Skipped& skipped = walk.found.skipped[what];
+  if (++skipped.count <= static_cast<std::int64_t>(kExamples)) {
+    skipped.examples.push_back(belowBase(walk.found, path));
+  }
+}
+
+bool matchesAny(const Walk& walk, const std::vector<std::string>& globs, const std::string& path,
+                bool isFolder) {
   return std::any_of(globs.begin(), globs.end(), [&](const std::string& glob) {
-    return matchesGlob(glob, belowBase(walk.found, path));
+    return matchesGlob(glob, belowBase(walk.found, path), isFolder);
   });
 }
 
-bool isIncluded(const Walk& walk, const std::string& path) {
-  const auto& globs = walk.options.include;
-  return globs.empty() || std::any_of(globs.begin(), globs.end(), [&](const std::string& glob) {
-           return matchesGlob(glob, belowBase(walk.found, path));
-         });
-}
-
 void addFile(Walk& walk, const std::string& path, std::int64_t size) {
-  if (isExcluded(walk, path) || !isIncluded(walk, path)) {
-    ++walk.found.excluded;
+  const Options& options = walk.options;
+  if (matchesAny(walk, options.exclude, path, false) ||
+      (!options.include.empty() && !matchesAny(walk, options.include, path, false))) {
+    skip(walk, "excluded", path);
   } else {
     walk.found.files.push_back({path, size});
   }
@@ -79,14 +93,14 @@ void addFile(Walk& walk, const std::string& path, std::int64_t size) {
 void walkFolder(Walk& walk, const std::string& path, bool isInput);
 
 void visitFolder(Walk& walk, const std::string& path, const struct stat& status, bool isLink) {
-  if (isExcluded(walk, path)) {
-    ++walk.found.excluded;
+  if (matchesAny(walk, walk.options.exclude, path, true)) {
+    skip(walk, "excluded", path);
   } else if (isLink && !walk.options.followLinks) {
-    ++walk.found.linkedFolders;
+    skip(walk, "links to folders (--follow looks into them)", path);
   } else if (std::find(walk.around.begin(), walk.around.end(), idOf(status)) != walk.around.end()) {
-    ++walk.found.loops;
+    skip(walk, "links to a folder around them", path);
   } else if (idOf(status) == walk.output) {
-    ++walk.found.outputFolders;
+    skip(walk, kOutputFolders, path);
   } else {
     walk.around.push_back(idOf(status));
     walkFolder(walk, path, false);
@@ -94,23 +108,40 @@ void visitFolder(Walk& walk, const std::string& path, const struct stat& status,
   }
 }
 
+/// The ending of a name, in lower case, if it says that there may be geometry, or STEP files, in it.
+std::string_view telltaleEnding(const std::string& name) {
+  constexpr std::array<std::string_view, 15> kEndings = {
+      ".stpz", ".stpx", ".stpxz", ".ste", ".igs", ".iges", ".zip", ".gz",
+      ".bz2",  ".xz",   ".zst",   ".7z",  ".rar", ".tar",  ".tgz"};
+  const auto ending = std::find_if(kEndings.begin(), kEndings.end(), [&](std::string_view one) {
+    return endsWithLetters(name, one);
+  });
+  return ending == kEndings.end() ? std::string_view() : *ending;
+}
+
 void visitEntry(Walk& walk, int folder, const std::string& path, const dirent& entry) {
   const bool mayBeFolder =
       entry.d_type == DT_DIR || entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN;
   const bool isStep = isNamedLikeStep(entry.d_name);
-  if (!isStep && !mayBeFolder) {
+  const std::string_view ending = isStep ? std::string_view() : telltaleEnding(entry.d_name);
+  if (!isStep && !mayBeFolder && ending.empty()) {
     return;
   }
   struct stat itself {};
   struct stat target {};
-  const bool isThere = fstatat(folder, entry.d_name, &itself, AT_SYMLINK_NOFOLLOW) == 0;
+  const bool isLink =
+      fstatat(folder, entry.d_name, &itself, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(itself.st_mode);
   const bool leadsOn = fstatat(folder, entry.d_name, &target, 0) == 0;
   if (leadsOn && S_ISDIR(target.st_mode)) {
-    visitFolder(walk, path, target, isThere && S_ISLNK(itself.st_mode));
+    visitFolder(walk, path, target, isLink);
   } else if (isStep && leadsOn && S_ISREG(target.st_mode)) {
     addFile(walk, path, target.st_size);
+  } else if (isLink && !leadsOn) {
+    skip(walk, "links that lead nowhere", path);
+  } else if (!ending.empty()) {
+    skip(walk, "files that end in " + std::string(ending), path);
   } else if (isStep) {
-    ++walk.found.notRegular;
+    skip(walk, "not regular files", path);
   }
 }
 
@@ -123,7 +154,7 @@ void walkFolder(Walk& walk, const std::string& path, bool isInput) {
   }
   struct stat status {};
   if (!isInput && fstatat(dirfd(folder.get()), kStateName, &status, 0) == 0) {
-    ++walk.found.outputFolders;
+    skip(walk, kOutputFolders, path);
     return;
   }
   errno = 0;
@@ -180,14 +211,13 @@ bool isFolder(const Input& input) {
 
 /// What is wrong with an input; empty if nothing.
 std::string problemOf(const Input& input) {
-  if (!isFolder(input) && !isNamedLikeStep(input.path)) {
-    return "not named like a STEP file: " + input.path;
+  const bool isStep = isNamedLikeStep(input.path);
+  // One that is listed is noted when it is its turn.
+  if (input.error != 0 && !(input.isListed && isStep)) {
+    const bool isMissing = input.error == ENOENT || input.error == ENOTDIR;
+    return isMissing ? "missing: " + input.path : input.path + ": " + systemText(input.error);
   }
-  // One that is listed fails when it is its turn, and is noted then.
-  if (input.error != 0 && !input.isListed) {
-    return input.path + ": " + systemText(input.error);
-  }
-  return {};
+  return isStep || isFolder(input) ? "" : "not named like a STEP file: " + input.path;
 }
 
 /// Makes `base` the deepest folder that holds both what it held and a file or folder.
@@ -282,14 +312,8 @@ FoundFiles findFiles(const Options& options, const std::string& outputFolder) {
 
 bool isNamedLikeStep(const std::string& name) {
   constexpr std::array<std::string_view, 3> kExtensions = {".stp", ".step", ".p21"};
-  const auto isSameLetter = [](char a, char b) {
-    return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
-  };
-  return std::any_of(kExtensions.begin(), kExtensions.end(), [&](std::string_view extension) {
-    return name.size() >= extension.size() &&
-           std::equal(extension.begin(), extension.end(),
-                      name.end() - static_cast<std::ptrdiff_t>(extension.size()), isSameLetter);
-  });
+  return std::any_of(kExtensions.begin(), kExtensions.end(),
+                     [&](std::string_view extension) { return endsWithLetters(name, extension); });
 }
 
 std::vector<std::string> pathsInListing(const std::string& text) {
@@ -297,20 +321,27 @@ std::vector<std::string> pathsInListing(const std::string& text) {
   std::vector<std::string> paths;
   std::size_t start = 0;
   while (start < text.size()) {
-    const std::size_t stop = std::min(text.find(end, start), text.size());
+    const std::size_t next = std::min(text.find(end, start), text.size());
+    // Lines may end as they do elsewhere: no name of a STEP file ends in CR.
+    const std::size_t stop =
+        end == '\n' && next > start && text[next - 1] == '\r' ? next - 1 : next;
     if (stop > start) {
       paths.push_back(text.substr(start, stop - start));
     }
-    start = stop + 1;
+    start = next + 1;
   }
   return paths;
 }
 
-bool matchesGlob(const std::string& glob, const std::string& pathBelowBase) {
-  const bool isOfPath = glob.find('/') != std::string::npos;
+bool matchesGlob(const std::string& glob, const std::string& pathBelowBase, bool isFolder) {
+  std::string plain = glob;
+  if (glob.ends_with('/')) {
+    plain.pop_back();
+  }
+  const bool isOfPath = plain.find('/') != std::string::npos;
   const std::string subject =
       isOfPath ? pathBelowBase : pathBelowBase.substr(pathBelowBase.rfind('/') + 1);
-  return fnmatch(glob.c_str(), subject.c_str(), 0) == 0;
+  return (isFolder || plain == glob) && fnmatch(plain.c_str(), subject.c_str(), 0) == 0;
 }
 
 }  // namespace plenvorith

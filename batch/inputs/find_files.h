@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -9,17 +10,19 @@
 
 namespace plenvorith {
 
+/// Files and folders of one kind that are left out.
+struct Skipped {
+  std::int64_t count = 0;
+  std::vector<std::string> examples;  ///< the first few, below the base
+};
+
 /// What inputs and options come to.
 struct FoundFiles {
   std::string wrongUse;  ///< why nothing can be begun; empty if it can
   std::string base;      ///< folder that the names of the outputs begin in, with a "/" at the end
-  std::vector<InputFile> files;       ///< in the order of their bytes, each once
-  std::vector<std::string> problems;  ///< what could not be looked at, one line each
-  std::int64_t linkedFolders = 0;     ///< links to folders that were not followed
-  std::int64_t loops = 0;             ///< links that lead to a folder around them
-  std::int64_t notRegular = 0;        ///< named like STEP files, but devices, pipes, dead links
-  std::int64_t outputFolders = 0;     ///< folders of this and other runs
-  std::int64_t excluded = 0;          ///< files and folders that the globs leave out
+  std::vector<InputFile> files;            ///< in the order of their bytes, each once
+  std::vector<std::string> problems;       ///< what could not be looked at, one line each
+  std::map<std::string, Skipped> skipped;  ///< by what they are
 };
 
 /// Finds the STEP files among and below the inputs of `options`.
@@ -31,10 +34,12 @@ FoundFiles findFiles(const Options& options, const std::string& outputFolder);
 /// Whether a name ends in .stp, .step or .p21, in upper or lower case.
 bool isNamedLikeStep(const std::string& name);
 
-/// The paths in a listing: each ended by a NUL if there is one, else one a line; none is empty.
+/// The paths in a listing: each ended by a NUL if there is one, else one a line, which LF or CR LF
+/// ends; none is empty.
 std::vector<std::string> pathsInListing(const std::string& text);
 
-/// Whether a name, or a path below the base where the glob holds a "/", matches a glob.
-bool matchesGlob(const std::string& glob, const std::string& pathBelowBase);
+/// Whether a name, or a path below the base where the glob holds a "/", matches a glob. One that ends
+/// in "/" is for folders, and means those without it.
+bool matchesGlob(const std::string& glob, const std::string& pathBelowBase, bool isFolder);
 
 }  // namespace plenvorith

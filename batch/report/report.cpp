@@ -8,8 +8,8 @@
 #include <ostream>
 #include <string_view>
 
-#include "batch/report/report_page.h"
 #include "batch/report/json_text.h"
+#include "batch/report/report_page.h"
 
 namespace plenvorith {
 namespace {

@@ -1,7 +1,7 @@
 #include "batch/report/summary.h"
 
 #include <iostream>
-#include <string_view>
+#include <utility>
 
 #include "batch/system/text.h"
 #include "common/escaped_text.h"
@@ -30,22 +30,15 @@ void printProblems(const FoundFiles& found) {
   }
 }
 
-/// Adds "2 links to folders" to a list if there are any.
-void addCount(std::string& list, std::int64_t count, std::string_view what) {
-  if (count > 0) {
-    list.append(list.empty() ? "" : ", ").append(std::to_string(count)).append(what);
-  }
-}
-
 void printSkipped(const FoundFiles& found) {
-  std::string list;
-  addCount(list, found.linkedFolders, " links to folders (--follow looks into them)");
-  addCount(list, found.loops, " links to a folder around them");
-  addCount(list, found.notRegular, " not regular files");
-  addCount(list, found.outputFolders, " folders of outputs");
-  addCount(list, found.excluded, " excluded");
-  if (!list.empty()) {
-    std::cout << "Skipped: " << list << std::endl;
+  for (const auto& [what, skipped] : found.skipped) {
+    std::cout << "Skipped: " << skipped.count << ' ' << what;
+    const char* separator = ": ";
+    for (const std::string& example : skipped.examples) {
+      std::cout << std::exchange(separator, ", ") << printable(example);
+    }
+    const bool isAll = skipped.count == static_cast<std::int64_t>(skipped.examples.size());
+    std::cout << (isAll ? "" : ", ...") << std::endl;
   }
 }
 

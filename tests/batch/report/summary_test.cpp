@@ -27,8 +27,7 @@ TEST(PrintSummary, TellsAllThatIsNotAsItShouldBe) {
   addToSummary(summary, recordWith(FileStatus::Failed, "/c\n", "disk full", "last\x1b line"));
   FoundFiles found;
   found.problems = {"folder cannot be read: /x\n"};
-  found.linkedFolders = 2;
-  found.excluded = 3;
+  found.skipped = {{"links to folders", {2, {"a\n", "b/c"}}}, {"excluded", {3, {"x"}}}};
   testing::internal::CaptureStdout();
   EXPECT_FALSE(printSummary(summary, found, 61.4, "/out/.plenvorith-batch"));
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
@@ -41,7 +40,8 @@ TEST(PrintSummary, TellsAllThatIsNotAsItShouldBe) {
             "Without a result: 2\n"
             "Not looked at: 1\n"
             "  folder cannot be read: /x\\n\n"
-            "Skipped: 2 links to folders (--follow looks into them), 3 excluded\n"
+            "Skipped: 3 excluded: x, ...\n"
+            "Skipped: 2 links to folders: a\\n, b/c\n"
             "Time: 61 s\n"
             "State and transcripts: /out/.plenvorith-batch\n");
 }
