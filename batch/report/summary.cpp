@@ -32,17 +32,21 @@ void printProblems(const FoundFiles& found) {
 
 void printSkipped(const FoundFiles& found) {
   for (const auto& [what, skipped] : found.skipped) {
-    std::cout << "Skipped: " << skipped.count << ' ' << what;
-    const char* separator = ": ";
-    for (const std::string& example : skipped.examples) {
-      std::cout << std::exchange(separator, ", ") << printable(example);
-    }
-    const bool isAll = skipped.count == static_cast<std::int64_t>(skipped.examples.size());
-    std::cout << (isAll ? "" : ", ...") << std::endl;
+    std::cout << "Skipped: " << skippedText(what, skipped) << std::endl;
   }
 }
 
 }  // namespace
+
+std::string skippedText(const std::string& what, const Skipped& skipped) {
+  std::string text = std::to_string(skipped.count) + ' ' + what;
+  const char* separator = ": ";
+  for (const std::string& example : skipped.examples) {
+    text += std::exchange(separator, ", ") + printable(example);
+  }
+  const bool isAll = skipped.count == static_cast<std::int64_t>(skipped.examples.size());
+  return isAll ? text : text + ", ...";
+}
 
 void addToSummary(Summary& summary, const FileRecord& record) {
   if (record.status != FileStatus::Converted) {

@@ -25,6 +25,9 @@ void addToSummary(Summary& summary, const FileRecord& record);
 /// A file and what is wrong with it, in one line for a person.
 std::string failureLine(const FileRecord& record);
 
+/// What is left out, in one line: "3 files that end in .zip: a.zip, b.zip, c.zip".
+std::string skippedText(const std::string& what, const Skipped& skipped);
+
 /// Prints on standard output what a run would do and what it would leave out.
 void printPlan(const Summary& summary, const FoundFiles& found);
 
