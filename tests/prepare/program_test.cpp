@@ -1,4 +1,3 @@
-#include <csignal>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -7,7 +6,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include "prepare/temporary_file.h"
 #include "tests/support/prepared_file.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temp_dir.h"
@@ -135,37 +133,6 @@ TEST_F(PrepareProgram, WritesToWhatALinkLeadsTo) {
   EXPECT_EQ(run({"in.stp", "out.stp"}).exitStatus, 3);
   EXPECT_TRUE(std::filesystem::is_symlink(directory / "out.stp"));
   EXPECT_EQ(readFile(directory / "real.stp"), largeFile());
-}
-
-/// Writes a temporary file and is ended by a signal.
-void endWhileWriting(const std::string& path, int signal) {
-  const TemporaryFile temporary(path);
-  writeFile(temporary.path(), "half");
-  (void)std::raise(signal);
-}
-
-TEST(TemporaryFileDeathTest, IsRemovedWhenASignalEndsTheProgram) {
-  const TempDir directory;
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    EXPECT_EXIT(endWhileWriting(directory / "out.stp", signal), testing::KilledBySignal(signal),
-                "");
-    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
-  }
-}
-
-TEST(TemporaryFile, TakesItsPlaceOrGoes) {
-  const TempDir directory;
-  {
-    const TemporaryFile temporary(directory / "out.stp");
-    writeFile(temporary.path(), "half");
-  }
-  EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
-  {
-    TemporaryFile temporary(directory / "out.stp");
-    writeFile(temporary.path(), "whole");
-    EXPECT_TRUE(temporary.takePlace());
-  }
-  EXPECT_EQ(readFile(directory / "out.stp"), "whole");
 }
 
 }  // namespace
