@@ -134,6 +134,12 @@ TEST(ReadNumber, LeavesTheErrorNumberAsItWas) {
   EXPECT_EQ(after, EDOM);
 }
 
+TEST(ReadNumber, IsNotMisledByAnErrorNumberThatWasThereBefore) {
+  errno = ERANGE;
+  EXPECT_EQ(numberIn("+0."), 0.0);
+  errno = 0;
+}
+
 TEST(ReadNumber, IgnoresADanglingExponent) {
   EXPECT_EQ(numberIn("1e"), 1.0);
   EXPECT_EQ(numberIn("1.E"), 1.0);

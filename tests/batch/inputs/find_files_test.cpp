@@ -155,6 +155,8 @@ TEST(FindFiles, ReportsWhatIsListedAndWrongAndGoesOn) {
   const FoundFiles found = findFiles(options, dir / "out");
   EXPECT_EQ(found.wrongUse, "");
   EXPECT_THAT(namesOf(found), ElementsAre("a.stp", "no.stp"));
+  EXPECT_EQ(found.files[0].size, 4);
+  EXPECT_EQ(found.files[1].size, 0);  // of what cannot be looked at
   EXPECT_THAT(found.problems, ElementsAre("missing: " + (dir / "no.txt"),
                                           "not named like a STEP file: " + (dir / "x.txt")));
 }

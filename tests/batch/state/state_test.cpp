@@ -242,6 +242,31 @@ TEST(State, RejectsAFolderThatIsNotThere) {
   EXPECT_EQ(problem, dir / "missing/state.db: unable to open database file");
 }
 
+// A folder on a network may have no locks and no memory to share.
+TEST(State, SharesNoMemoryWhereItIsAlone) {
+  const test::TempDir dir;
+  std::string problem;
+  const State state = openState(dir / "state.db", problem, StateUse::Alone);
+  ASSERT_NE(state, nullptr) << problem;
+  EXPECT_TRUE(putFile(*state, fileNamed("/a")));
+  EXPECT_TRUE(std::filesystem::exists(dir / "state.db-wal"));
+  EXPECT_FALSE(std::filesystem::exists(dir / "state.db-shm"));
+}
+
+TEST(State, IsReadBesideAnEmptyLogAndNoOther) {
+  const test::TempDir dir;
+  { EXPECT_TRUE(putFile(*openedAt(dir / "state.db"), fileNamed("/a"))); }
+  test::writeFile(dir / "state.db-wal", "");
+  std::string problem;
+  State state = openState(dir / "state.db", problem, StateUse::Read);
+  ASSERT_NE(state, nullptr) << problem;
+  EXPECT_TRUE(findFile(*state, "/a").has_value());
+  state.reset();
+  test::writeFile(dir / "state.db-wal", "x");
+  EXPECT_EQ(openState(dir / "state.db", problem, StateUse::Read), nullptr);
+  EXPECT_EQ(problem, dir / "state.db: written by a run that was cut short; --merge puts it right");
+}
+
 TEST(State, TellsWhyChangesWereDropped) {
   const test::TempDir dir;
   openedAt(dir / "state.db").reset();

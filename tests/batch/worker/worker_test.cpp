@@ -160,6 +160,20 @@ TEST_F(WorkerTest, RefusesWhatCannotBeConverted) {
   EXPECT_EQ(convert(job).reason, "name too long");
 }
 
+// Of the copy that the converter makes of it, and of the output, at their longest and one longer.
+TEST_F(WorkerTest, ConvertsFilesWhoseNamesAreAsLongAsNamesCanBe) {
+  for (const std::size_t length : {245U, 246U, 251U}) {
+    const std::string name = std::string(length - 4, 'a') + ".stp";
+    test::writeFile(dir / name, kTriangleStep);
+    const JobResult result = convert(jobFor(name));
+    EXPECT_TRUE(result.isConverted) << length << ": " << result.reason;
+    EXPECT_EQ(test::readFile(dir / ("work/out/" + name + ".stl")).size(), 134U) << length;
+  }
+  const std::string name = std::string(248, 'a') + ".stp";
+  test::writeFile(dir / name, kTriangleStep);
+  EXPECT_EQ(convert(jobFor(name)).reason, "name too long");
+}
+
 TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
   const std::string program =
       test::writeFile(dir / "change", "#!/bin/sh\ncp \"$1\" \"$2\"; echo more >>\"$1\"\n");
