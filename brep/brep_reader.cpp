@@ -24,7 +24,7 @@ void addParts(const TopoDS_Shape& shape, TopAbs_ShapeEnum kind, TopTools_Indexed
 }
 
 /// Takes a model apart and prints how many pieces of each kind it has.
-void collectPieces(const TopoDS_Shape& model, Shapes& shapes) {
+void collectPieces(const TopoDS_Shape& model, Shapes& shapes, std::ostream& log) {
   // In these sets two shapes are one when they share geometry and place, whatever their
   // orientation.
   TopTools_IndexedMapOfShape solids;
@@ -54,20 +54,25 @@ void collectPieces(const TopoDS_Shape& model, Shapes& shapes) {
       ++freeFaces;
     }
   });
-  std::cout << "  Solids: " << solids.Extent() << ", free shells: " << freeShells
-            << ", free faces: " << freeFaces << std::endl;
+  log << "  Solids: " << solids.Extent() << ", free shells: " << freeShells
+      << ", free faces: " << freeFaces << std::endl;
 }
 
 }  // namespace
 
 bool readBrepShapes(const std::string& path, Shapes& shapes) {
-  shapes.clear();
   STEPControl_Reader reader;
+  return readBrepShapes(reader, path, shapes, std::cout);
+}
+
+bool readBrepShapes(STEPControl_Reader& reader, const std::string& path, Shapes& shapes,
+                    std::ostream& log) {
+  shapes.clear();
   if (reader.ReadFile(path.c_str()) != IFSelect_RetDone) {
     return false;
   }
   const int roots = reader.TransferRoots(Message_ProgressRange());
-  std::cout << "  BRep: roots=" << roots << ", shapes=" << reader.NbShapes() << std::endl;
+  log << "  BRep: roots=" << roots << ", shapes=" << reader.NbShapes() << std::endl;
   if (reader.NbShapes() == 0) {
     return false;
   }
@@ -75,7 +80,7 @@ bool readBrepShapes(const std::string& path, Shapes& shapes) {
   if (model.IsNull()) {
     return false;
   }
-  collectPieces(model, shapes);
+  collectPieces(model, shapes, log);
   if (shapes.empty()) {
     shapes.push_back(model);
   }

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
 #include <TopoDS_Shape.hxx>
+
+class STEPControl_Reader;
 
 namespace plenvorith {
 
@@ -23,5 +26,10 @@ using Shapes = std::vector<TopoDS_Shape>;
 ///         pieces once it is taken apart. The kernel prints lines of its own.
 /// Errors  those of the kernel pass.
 [[nodiscard]] bool readBrepShapes(const std::string& path, Shapes& shapes);
+
+/// The same by a `reader` of the caller's, which afterwards knows what the file calls its shapes;
+/// the lines go to `log`.
+[[nodiscard]] bool readBrepShapes(STEPControl_Reader& reader, const std::string& path,
+                                  Shapes& shapes, std::ostream& log);
 
 }  // namespace plenvorith

@@ -59,5 +59,6 @@ function(plenvorith_occt_order target)
                                         LINKER:--pop-state)
 endfunction()
 
-plenvorith_occt_target(occt ${occt_data_exchange} TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel)
+plenvorith_occt_target(occt ${occt_data_exchange} TKXSBase TKMesh TKTopAlgo TKBRep TKGeomBase TKG3d TKMath
+                       TKernel)
 message(STATUS "Open CASCADE ${occt_version} in ${OpenCASCADE_LIBRARY_DIR}")
