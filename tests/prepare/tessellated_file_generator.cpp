@@ -42,10 +42,14 @@ void relate(File& file, const std::string& one, const std::string& other) {
       {name(file), "''", isSwapped ? other : one, isSwapped ? one : other});
 }
 
-/// A solid of one face, as the items of an exact representation.
+/// A ball, its shell and its only face, as the items of an exact representation.
 Texts exactSolid(File& file) {
-  const std::string plane = add(file, "PLANE", {"''", axisPlacement(file)});
-  const std::string exactFace = add(file, "ADVANCED_FACE", {"''", "()", plane, ".T."});
+  const std::string sphere = add(file, "SPHERICAL_SURFACE", {"''", axisPlacement(file), "5."});
+  const std::string point = add(file, "CARTESIAN_POINT", {"''", "(0.,0.,5.)"});
+  const std::string vertex = add(file, "VERTEX_POINT", {"''", point});
+  const std::string loop = add(file, "VERTEX_LOOP", {"''", vertex});
+  const std::string bound = add(file, "FACE_BOUND", {"''", loop, ".T."});
+  const std::string exactFace = add(file, "ADVANCED_FACE", {"''", list({bound}), sphere, ".T."});
   const std::string shell = add(file, "CLOSED_SHELL", {"''", list({exactFace})});
   return {add(file, "MANIFOLD_SOLID_BREP", {name(file), shell}), shell, exactFace};
 }

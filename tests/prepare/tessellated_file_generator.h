@@ -8,9 +8,8 @@ namespace plenvorith::test {
 /// Makes a valid STEP file with products, usages, exact geometry and tessellation of every kind, in
 /// random order and layout; the same for the same state of `random`.
 ///
-/// Solids and surfaces of exact geometry are there by name only: no kernel could read them. No file
-/// is ambiguous: a product is used or mapped, not both, and stands at one place in no more than one
-/// way.
+/// Solids of exact geometry are balls that a kernel can read. No file is ambiguous: a product is used
+/// or mapped, not both, and stands at one place in no more than one way.
 std::string generateTessellatedFile(std::mt19937& random);
 
 }  // namespace plenvorith::test

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/support/stl_file.h"
+#include "tests/support/temp_dir.h"
+
+namespace plenvorith::test {
+
+/// What the converter makes of a file.
+struct Conversion {
+  int signal = 0;           ///< that ended it, 0 if it ended by itself
+  bool isReadBrep = false;  ///< whether exact geometry was looked for
+  std::vector<StlRecord> exact;
+  std::vector<StlRecord> decoded;
+};
+
+/// What is said of a file, alone and prepared.
+struct LawCase {
+  Conversion alone;
+  Conversion prepared;
+  int prepareStatus = -1;  ///< exit status of preparing, -1 if it crashed
+  std::string broken;      ///< which part of the law does not hold; empty if all of it does
+};
+
+/// The law of preparing: a prepared file gives all exact triangles that the file gives alone, and
+/// the converter does not crash on it where it reads exact geometry of the file alone and does not.
+/// (A file that it takes for tessellation only keeps the damage of its exact geometry to itself.)
+///
+/// Runs both programs on a file with this content in `directory`, and leaves nothing there.
+LawCase tryLaw(const TempDir& directory, const std::string& content);
+
+}  // namespace plenvorith::test

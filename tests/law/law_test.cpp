@@ -1,0 +1,80 @@
+// The law of preparing, with the programs as they are built: what the converter gives for a file
+// alone it also gives for the prepared file.
+
+#include "tests/law/law.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "tests/prepare/tessellated_file_generator.h"
+#include "tests/support/rounds.h"
+
+namespace plenvorith::test {
+namespace {
+
+std::vector<std::string> filesIn(const std::string& folder) {
+  std::vector<std::string> paths;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.is_regular_file()) {
+      paths.push_back(entry.path());
+    }
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+class Law : public testing::Test {
+ protected:
+  LawCase expectKept(const std::string& content) const {
+    LawCase tried = tryLaw(directory, content);
+    EXPECT_EQ(tried.broken, "");
+    return tried;
+  }
+
+  const TempDir directory;
+};
+
+TEST_F(Law, HoldsForSamples) {
+  std::size_t exact = 0;
+  for (const std::string& path : filesIn(PLENVORITH_SAMPLES)) {
+    if (path.ends_with(".step")) {
+      SCOPED_TRACE(path);
+      exact += expectKept(readFile(path)).alone.exact.empty() ? 0U : 1U;
+    }
+  }
+  EXPECT_GE(exact, 4U);
+}
+
+TEST_F(Law, HoldsForFilesOfTheCorpus) {
+  const char* const folder = std::getenv("PLENVORITH_CORPUS");
+  if (folder == nullptr) {
+    GTEST_SKIP() << "PLENVORITH_CORPUS names no folder of STEP files";
+  }
+  for (const std::string& path : filesIn(folder)) {
+    if (!path.ends_with(".tsv")) {
+      SCOPED_TRACE(path);
+      (void)expectKept(readFile(path));
+    }
+  }
+}
+
+TEST_F(Law, HoldsForGeneratedFiles) {
+  int exact = 0;
+  const int count = rounds(200);
+  for (int seed = 1; seed <= count; ++seed) {
+    std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
+    const std::string content = generateTessellatedFile(random);
+    exact += expectKept(content).alone.exact.empty() ? 0 : 1;
+    ASSERT_FALSE(HasFailure()) << "seed " << seed << "\n" << content;
+  }
+  EXPECT_GT(exact, 0);
+}
+
+}  // namespace
+}  // namespace plenvorith::test
