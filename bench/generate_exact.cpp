@@ -1,11 +1,15 @@
 // Writes a STEP file of exact geometry through the kernel, the same for the same arguments.
 //
 //   generate_exact plates|assembly|surfaces MEGABYTES OUTPUT
+//   generate_exact uses PARTS OUTPUT
+//   generate_exact quilt FACES OUTPUT
 //
 // "plates" are few large plates, each with many drilled holes and rounded edges; "assembly" is many
 // small distinct solids; "surfaces" are free-form faces that belong to no solid. The size comes out
-// roughly as asked for.
+// roughly as asked for. "uses" is an assembly that places each of its parts ten times; "quilt" is one
+// part of so many small free-form faces.
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,10 +17,12 @@
 
 #include <BRepAlgoAPI_Cut.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
+#include <BRepBuilderAPI_Sewing.hxx>
 #include <BRepFilletAPI_MakeFillet.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakeCylinder.hxx>
 #include <Geom_BSplineSurface.hxx>
+#include <Interface_Static.hxx>
 #include <STEPControl_Writer.hxx>
 #include <TColStd_Array1OfInteger.hxx>
 #include <TColStd_Array1OfReal.hxx>
@@ -27,6 +33,7 @@
 #include <TopoDS_Builder.hxx>
 #include <TopoDS_Compound.hxx>
 #include <gp_Ax2.hxx>
+#include <gp_Trsf.hxx>
 
 namespace {
 
@@ -58,11 +65,25 @@ TopoDS_Shape plate(int columns, int rows, double y, double z, std::mt19937_64& r
   return cut.Shape();
 }
 
-/// One wavy free-form face, its corner at (x, y, 0).
+/// A free-form face of n x n poles.
+TopoDS_Shape freeForm(const TColgp_Array2OfPnt& poles) {
+  constexpr int kDegree = 3;
+  const int knotCount = poles.ColLength() - kDegree + 1;
+  TColStd_Array1OfReal knots(1, knotCount);
+  TColStd_Array1OfInteger multiplicities(1, knotCount);
+  for (int i = 1; i <= knotCount; ++i) {
+    knots(i) = i;
+    multiplicities(i) = i == 1 || i == knotCount ? kDegree + 1 : 1;
+  }
+  const Handle(Geom_BSplineSurface) shape = new Geom_BSplineSurface(
+      poles, knots, knots, multiplicities, multiplicities, kDegree, kDegree);
+  constexpr double kTolerance = 1e-6;
+  return BRepBuilderAPI_MakeFace(shape, kTolerance).Face();
+}
+
+/// One wavy face, its corner at (x, y, 0).
 TopoDS_Shape surface(double x, double y, std::mt19937_64& random) {
   constexpr int kPoles = 16;
-  constexpr int kDegree = 3;
-  constexpr int kKnots = kPoles - kDegree + 1;
   std::uniform_real_distribution<double> height(-2.0, 2.0);
   TColgp_Array2OfPnt poles(1, kPoles, 1, kPoles);
   for (int i = 1; i <= kPoles; ++i) {
@@ -70,16 +91,50 @@ TopoDS_Shape surface(double x, double y, std::mt19937_64& random) {
       poles(i, j) = gp_Pnt(x + 5.0 * i, y + 5.0 * j, height(random));
     }
   }
-  TColStd_Array1OfReal knots(1, kKnots);
-  TColStd_Array1OfInteger multiplicities(1, kKnots);
-  for (int i = 1; i <= kKnots; ++i) {
-    knots(i) = i;
-    multiplicities(i) = i == 1 || i == kKnots ? kDegree + 1 : 1;
+  return freeForm(poles);
+}
+
+/// One face with straight edges and its middle higher or lower, its corner at (x, y, 0).
+TopoDS_Shape cushion(double x, double y, double side, std::mt19937_64& random) {
+  constexpr int kPoles = 4;
+  std::uniform_real_distribution<double> height(-2.0, 2.0);
+  TColgp_Array2OfPnt poles(1, kPoles, 1, kPoles);
+  for (int i = 1; i <= kPoles; ++i) {
+    for (int j = 1; j <= kPoles; ++j) {
+      const bool isInside = i > 1 && i < kPoles && j > 1 && j < kPoles;
+      poles(i, j) = gp_Pnt(x + side * (i - 1) / (kPoles - 1), y + side * (j - 1) / (kPoles - 1),
+                           isInside ? height(random) : 0);
+    }
   }
-  const Handle(Geom_BSplineSurface) shape = new Geom_BSplineSurface(
-      poles, knots, knots, multiplicities, multiplicities, kDegree, kDegree);
-  constexpr double kTolerance = 1e-6;
-  return BRepBuilderAPI_MakeFace(shape, kTolerance).Face();
+  return freeForm(poles);
+}
+
+/// A quilt of small free-form faces, sewn along straight seams.
+TopoDS_Shape quilt(int faces, std::mt19937_64& random) {
+  constexpr double kSide = 5.0;
+  const int columns = static_cast<int>(std::ceil(std::sqrt(faces)));
+  BRepBuilderAPI_Sewing sewing;
+  for (int i = 0; i < faces; ++i) {
+    sewing.Add(cushion(kSide * (i % columns), kSide * (i / columns), kSide, random));
+  }
+  sewing.Perform();
+  return sewing.SewedShape();
+}
+
+/// Adds every part ten times, in a row.
+void addUses(TopoDS_Compound& compound, int parts, std::mt19937_64& random) {
+  constexpr int kUses = 10;
+  const TopoDS_Builder builder;
+  for (int part = 0; part < parts; ++part) {
+    const TopoDS_Shape shape =
+        TopExp_Explorer(plate(2, 2, 25.0 * part, 0, random), TopAbs_SOLID).Current();
+    for (int use = 0; use < kUses; ++use) {
+      gp_Trsf move;
+      move.SetTranslation(gp_Vec(25.0 * use, 0, 0));
+      builder.Add(compound, shape.Moved(TopLoc_Location(move)));
+    }
+  }
+  Interface_Static::SetIVal("write.step.assembly", 1);
 }
 
 /// What one solid or face takes in the file, measured.
@@ -97,24 +152,33 @@ TopoDS_Shape piece(const char* kind, int i, std::mt19937_64& random) {
   return plate(side, side, (i % 10) * (10.0 * side + 5), (i / 10) * 10.0, random);
 }
 
+TopoDS_Shape model(const char* kind, double size) {
+  std::mt19937_64 random(kSeed);
+  if (std::strcmp(kind, "quilt") == 0) {
+    return quilt(static_cast<int>(size), random);
+  }
+  TopoDS_Compound compound;
+  const TopoDS_Builder builder;
+  builder.MakeCompound(compound);
+  if (std::strcmp(kind, "uses") == 0) {
+    addUses(compound, static_cast<int>(size), random);
+    return compound;
+  }
+  const int count = std::max(1, static_cast<int>(size / megabytesOf(kind) + 0.5));
+  for (int i = 0; i < count; ++i) {
+    builder.Add(compound, piece(kind, i, random));
+  }
+  return compound;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::fprintf(stderr, "usage: generate_exact plates|assembly|surfaces MEGABYTES OUTPUT\n");
+    std::fprintf(stderr, "usage: generate_exact plates|assembly|surfaces|uses|quilt SIZE OUTPUT\n");
     return 2;
   }
-  const char* const kind = argv[1];
-  const double megabytes = std::strtod(argv[2], nullptr);
-  const int count = std::max(1, static_cast<int>(megabytes / megabytesOf(kind) + 0.5));
-  std::mt19937_64 random(kSeed);
-  TopoDS_Compound compound;
-  const TopoDS_Builder builder;
-  builder.MakeCompound(compound);
-  for (int i = 0; i < count; ++i) {
-    builder.Add(compound, piece(kind, i, random));
-  }
-  STEPControl_Writer writer;
-  writer.Transfer(compound, STEPControl_AsIs);
+  STEPControl_Writer writer;  // sets up the kernel's parameters
+  writer.Transfer(model(argv[1], std::strtod(argv[2], nullptr)), STEPControl_AsIs);
   return writer.Write(argv[3]) == IFSelect_RetDone ? 0 : 1;
 }

@@ -12,11 +12,11 @@ def tessellation(kind, megabytes):
     return path
 
 
-def exact(kind, megabytes):
-    """As the kernel writes it, with "#1 = "."""
-    path = INPUTS / f"exact-{kind}-{megabytes}.stp"
+def exact(kind, size):
+    """As the kernel writes it, with "#1 = ". The size is in megabytes, or as generate_exact says."""
+    path = INPUTS / f"exact-{kind}-{size}.stp"
     if not path.exists():
-        run(BENCH / "generate_exact", kind, megabytes, path)
+        run(BENCH / "generate_exact", kind, size, path)
     return path
 
 
