@@ -42,7 +42,8 @@ std::string skippedText(const std::string& what, const Skipped& skipped) {
   std::string text = std::to_string(skipped.count) + ' ' + what;
   const char* separator = ": ";
   for (const std::string& example : skipped.examples) {
-    text += std::exchange(separator, ", ") + printable(example);
+    text += std::exchange(separator, ", ");
+    text += printable(example);
   }
   const bool isAll = skipped.count == static_cast<std::int64_t>(skipped.examples.size());
   return isAll ? text : text + ", ...";
