@@ -54,9 +54,15 @@ NamesOnlyScriptsThatExist() {
 }
 
 # With the kernel release that the README was written with, and so no test of the build: CI runs it.
+# The commands that follow, in blocks of sh, run in the same folder.
 to_the_letter() {
   run_first_transcript
   diff shown printed || fail "the program prints other lines"
+  ln -s "$root/build" build
+  awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$readme" >commands
+  (($(wc -l <commands) >= 4)) || fail "only these commands: $(cat commands)"
+  bash -euxo pipefail commands >printed || fail "a command ends with status $?"
+  [[ -s coupling.stl && -s meshes/bracket.step.stl && -s meshes/index.html ]] || fail "$(ls . meshes)"
 }
 
 "$case"
