@@ -1,14 +1,19 @@
 #include "batch/report/report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <ostream>
+#include <span>
 #include <string_view>
+#include <utility>
 
 #include "batch/report/json_text.h"
+#include "batch/report/reason_kinds.h"
 #include "batch/report/report_page.h"
 
 namespace plenvorith {
@@ -73,8 +78,48 @@ void writeNumber(std::ostream& page, const char* key, const std::optional<int>& 
   }
 }
 
+/// The counts above the files.
+void writeTotals(std::ostream& page, const std::vector<Total>& totals) {
+  const char* separator = ",\n\"totals\":{";
+  for (const FileStatus status :
+       {FileStatus::Converted, FileStatus::Failed, FileStatus::Delivering}) {
+    Total sum;
+    for (const Total& total : totals) {
+      if (total.status == status) {
+        sum.files += total.files;
+        sum.size += total.size;
+        sum.triangles += total.triangles;
+        sum.seconds += total.seconds;
+      }
+    }
+    page << std::exchange(separator, ",") << '"' << statusName(status)
+         << "\":{\"files\":" << sum.files << ",\"size\":" << sum.size
+         << ",\"triangles\":" << sum.triangles << ",\"seconds\":" << jsonNumber(sum.seconds) << '}';
+  }
+  page << '}';
+}
+
+/// A kind whose reasons name files may have as many of them as files: only the first are listed.
+void writeKinds(std::ostream& page, const std::vector<ReasonKind>& kinds) {
+  constexpr std::size_t kMostReasons = 10;
+  page << ",\n\"kinds\":[";
+  const char* separator = "\n";
+  for (const ReasonKind& kind : kinds) {
+    page << std::exchange(separator, ",\n") << "{\"title\":" << jsonText(kind.title)
+         << ",\"count\":" << kind.count << ",\"reasons\":[";
+    const char* comma = "";
+    for (const auto& [reason, count] :
+         std::span(kind.reasons).first(std::min(kMostReasons, kind.reasons.size()))) {
+      page << std::exchange(comma, ",") << '[' << jsonText(reason) << ',' << count << ']';
+    }
+    page << "]}";
+  }
+  page << ']';
+}
+
 /// One file on a line. What is not known is left out.
-void writeFile(std::ostream& page, const ReportFile& file, const std::string& base) {
+void writeFile(std::ostream& page, const ReportFile& file, const std::string& base,
+               const std::map<std::string_view, std::size_t>& kinds) {
   const FileRecord& record = file.record;
   page << "{\"name\":" << jsonText(record.name) << ",\"status\":\"" << statusName(record.status)
        << "\",\"size\":" << record.size << ",\"seconds\":" << jsonNumber(record.seconds)
@@ -82,10 +127,12 @@ void writeFile(std::ostream& page, const ReportFile& file, const std::string& ba
   // Nearly always the base and the name.
   writeText(page, "path", record.path == base + record.name ? "" : record.path);
   writeText(page, "reason", record.reason);
-  writeText(page, "lastLine", record.lastLine);
+  if (const auto kind = kinds.find(beginningOf(record.reason)); kind != kinds.end()) {
+    page << ",\"kind\":" << kind->second;
+  }
+  writeText(page, "transcriptEnd", file.transcriptEnd);
   writeNumber(page, "exitStatus", record.exitStatus);
   writeNumber(page, "signal", record.signal);
-  writeText(page, "transcript", record.transcript);
   writeText(page, "host", record.host);
   if (record.bounds) {
     writeBounds(page, *record.bounds);
@@ -107,19 +154,46 @@ void writeUpTo(std::ostream& page, std::string_view mark, std::string_view& rest
   rest.remove_prefix(place + mark.size());
 }
 
+std::vector<ReasonKind> kindsIn(const std::vector<Total>& totals) {
+  ReasonCounts counts;
+  for (const Total& total : totals) {
+    if (!total.reason.empty()) {
+      counts[total.reason] += total.files;
+    }
+  }
+  return kindsOf(counts);
+}
+
+/// What stands before the files.
+void writeHead(std::ostream& page, const ReportHead& head, const std::vector<ReasonKind>& kinds) {
+  page << "{\"about\":" << jsonText(head.about) << ",\"base\":" << jsonText(head.base)
+       << ",\"notes\":[";
+  const char* separator = "";
+  for (const std::string& note : head.notes) {
+    page << std::exchange(separator, ",") << jsonText(note);
+  }
+  page << ']';
+  writeTotals(page, head.totals);
+  writeKinds(page, kinds);
+}
+
 /// False if not all files could be read.
 bool writePage(std::ostream& page, const ReportHead& head, const ReportFiles& files) {
+  const std::vector<ReasonKind> kinds = kindsIn(head.totals);
+  std::map<std::string_view, std::size_t> kindNumbers;
+  for (const ReasonKind& kind : kinds) {
+    kindNumbers.emplace(kind.beginning, kindNumbers.size());
+  }
   std::string_view rest = kReportHtml;
   writeUpTo(page, "@STYLE@", rest);
   page << kReportStyle;
   writeUpTo(page, "@DATA@", rest);
-  page << "{\"about\":" << jsonText(head.about) << ",\"base\":" << jsonText(head.base)
-       << ",\"files\":[";
+  writeHead(page, head, kinds);
+  page << ",\n\"files\":[";
   const char* separator = "\n";
   const bool isWhole = files([&](const ReportFile& file) {
-    page << separator;
-    writeFile(page, file, head.base);
-    separator = ",\n";
+    page << std::exchange(separator, ",\n");
+    writeFile(page, file, head.base, kindNumbers);
   });
   page << "\n]}\n";
   writeUpTo(page, "@SCRIPT@", rest);

@@ -6,18 +6,22 @@
 
 #include "batch/records/file_record.h"
 #include "batch/report/inspection.h"
+#include "batch/state/totals.h"
 
 namespace plenvorith {
 
 /// What stands above the files.
 struct ReportHead {
-  std::string about;  ///< one line: releases, host, time, arguments
-  std::string base;   ///< the folder that the names of the files begin in, with its slash
+  std::string about;          ///< one line: releases, host, time, arguments
+  std::string base;           ///< the folder that the names of the files begin in, with its slash
+  std::vector<Total> totals;  ///< of all files, of which the page may show a part
+  std::vector<std::string> notes;  ///< what the last run left out, one printable line each
 };
 
 struct ReportFile {
   FileRecord record;
   std::vector<Inspection> inspections;  ///< one for each output, in their order; or none at all
+  std::string transcriptEnd;            ///< its last lines, where they tell something; any bytes
 };
 
 /// Calls a function with every file, one after the other; false if not all could be read.

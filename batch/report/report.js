@@ -3,7 +3,6 @@
 'use strict';
 (() => {
   const kPageRows = 100;
-  const kMostReasons = 10; // of one kind, in a list
   const byId = (id) => document.getElementById(id);
   const data = JSON.parse(byId('data').textContent);
 
@@ -87,7 +86,7 @@
       reason: shown(record.reason || ''),
       openEdges: sumOf(outputs, 'openEdges'),
       volume: sumOf(outputs, 'volume'),
-      kind: '', // of the reason
+      kind: record.kind === undefined ? '' : shown(data.kinds[record.kind].title),
       open: false, // whether its details are shown
       key: '',
     };
@@ -99,53 +98,53 @@
   const hasChecks = files.some((file) => file.openEdges !== null);
   const kNames = { converted: 'converted', failed: 'failed', delivering: 'interrupted' };
 
-  // Reasons of a kind have the same beginning; what stands behind it differs from file to file: a
-  // limit, a signal, a name, an advice.
-  const kindOf = (reason) => reason.replace(/(: |; | \(| (of )?\d)[^]*$/, '');
-
-  // The kinds of reasons, the most frequent first, each with its reasons in the same order.
-  const byCount = (a, b) => b.count - a.count || (a.text < b.text ? -1 : 1);
-  const kinds = new Map();
-  for (const file of files) {
-    if (file.reason) {
-      const text = kindOf(file.reason);
-      const kind = kinds.get(text) || { text, count: 0, reasons: new Map() };
-      kinds.set(text, kind);
-      kind.count += 1;
-      kind.reasons.set(file.reason, (kind.reasons.get(file.reason) || 0) + 1);
-      file.kind = text;
-    }
-  }
-  const kindList = [...kinds.values()].sort(byCount);
+  // The kinds of reasons, the most frequent first; of the reasons in each, the most frequent.
+  const kindList = data.kinds.map((kind) => ({
+    title: shown(kind.title),
+    count: kind.count,
+    reasons: kind.reasons.map(([text, count]) => ({ text: shown(text), count })),
+  }));
   const reasonRank = new Map();
   for (const kind of kindList) {
-    kind.reasons = [...kind.reasons].map(([text, count]) => ({ text, count })).sort(byCount);
     kind.reasons.forEach(({ text }) => reasonRank.set(text, reasonRank.size));
-    // What all files of a kind have in common is said whole.
-    kind.title = kind.reasons.length === 1 ? kind.reasons[0].text : kind.text;
   }
 
-  function extent(file) {
+  // Coordinates are of single precision: what is that much smaller than others of its file is 0.
+  const kNoise = 1e-7;
+  const without = (noise, number) => (Math.abs(number) <= noise ? 0 : number);
+  function bounds(file) {
     const b = file.record.bounds;
+    const noise = b ? kNoise * Math.max(...b.map(Math.abs)) : 0;
+    return b ? b.map((number) => without(noise, number)) : null;
+  }
+  function extent(file) {
+    const b = bounds(file);
     return b ? [b[3] - b[0], b[4] - b[1], b[5] - b[2]] : null;
   }
+  function volume(file, number) {
+    const largest = file.record.bounds ? Math.max(...extent(file)) : 0;
+    return digits(without(kNoise * largest ** 3, number));
+  }
   const known = (value) => (value === undefined ? null : value);
+
+  // Reasons that are too rare to be listed come after the others.
+  const reasonKey = (f) => (!f.reason ? null : reasonRank.has(f.reason) ? reasonRank.get(f.reason) : reasonRank.size);
 
   // `key` gives the number that a column is sorted by; null goes to the end in both directions.
   const columns = [
     { id: 'status', title: 'Status', key: (f) => ['failed', 'delivering', 'converted'].indexOf(f.record.status) },
     { id: 'name', title: 'File', key: (f) => f.index }, // the records come in the order of the names
+    { id: 'reason', title: 'Reason', key: reasonKey },
     { id: 'size', title: 'Size', number: true, key: (f) => known(f.record.size) },
-    { id: 'seconds', title: 'Seconds', number: true, key: (f) => known(f.record.seconds) },
+    { id: 'seconds', title: 'Time, s', number: true, key: (f) => known(f.record.seconds) },
     { id: 'triangles', title: 'Triangles', number: true, key: (f) => known(f.record.triangles) },
     {
-      id: 'bounds', title: 'Extent', number: true,
+      id: 'bounds', title: 'Extent, mm', number: true,
       key: (f) => (extent(f) ? Math.hypot(...extent(f)) : null),
     },
     { id: 'check', title: 'Closed', key: (f) => f.openEdges },
-    { id: 'volume', title: 'Volume', number: true, key: (f) => f.volume },
+    { id: 'volume', title: 'Volume, mm³', number: true, key: (f) => f.volume },
     { id: 'memory', title: 'Memory', number: true, key: (f) => known(f.record.peakMemory) },
-    { id: 'reason', title: 'Reason', key: (f) => (f.reason ? reasonRank.get(f.reason) : null) },
   ].filter((column) => hasChecks || (column.id !== 'check' && column.id !== 'volume'));
 
   // --------------------------------------------------------------------------------------- the view
@@ -197,7 +196,7 @@
     return element('img', { src: 'data:image/png;base64,' + output.picture, alt: '', loading: 'lazy' });
   }
 
-  const checkText = (openEdges) => (openEdges === 0 ? 'closed' : count(openEdges) + ' open edges');
+  const checkText = (openEdges) => (openEdges === 0 ? 'closed' : count(openEdges) + (openEdges === 1 ? ' open edge' : ' open edges'));
 
   const cells = {
     status(file, cell) {
@@ -220,7 +219,7 @@
       cell.classList.add(file.openEdges === 0 ? 'closed' : 'holed');
       cell.append(checkText(file.openEdges));
     },
-    volume: (file, cell) => cell.append(digits(file.volume)),
+    volume: (file, cell) => cell.append(volume(file, file.volume)),
     memory: (file, cell) => cell.append(bytes(file.record.peakMemory)),
     // An option is not broken between its dashes.
     reason: (file, cell) => cell.append(...file.reason.split(/(--[a-z-]+)/).map((part) =>
@@ -238,15 +237,12 @@
     if (file.reason) {
       add('Reason', file.reason);
     }
-    if (record.lastLine) {
-      add('Last line', element('pre', {}, shown(record.lastLine)));
+    if (record.transcriptEnd) {
+      add('Transcript', element('pre', {}, record.transcriptEnd.split('\n').map(shown).join('\n')));
     }
     if (record.bounds) {
-      const b = record.bounds.map(digits);
-      add('Bounds', `x ${b[0]} … ${b[3]},  y ${b[1]} … ${b[4]},  z ${b[2]} … ${b[5]}`);
-    }
-    if (record.transcript) {
-      add('Transcript', element('a', { href: linkTo('.plenvorith-batch/' + record.transcript) }, 'what the program printed'));
+      const b = bounds(file).map(digits);
+      add('Bounds', `x ${b[0]} … ${b[3]},  y ${b[1]} … ${b[4]},  z ${b[2]} … ${b[5]} mm`);
     }
     if (file.outputs.length) {
       add(file.outputs.length === 1 ? 'Output' : 'Outputs', element('ul', { className: 'outputs' },
@@ -254,7 +250,7 @@
           ...(output.picture ? [picture(output)] : []),
           element('a', { href: linkTo(output.path) }, element('bdi', {}, shown(output.path.slice(output.path.lastIndexOf('/') + 1)))),
           element('small', {}, bytes(output.size) +
-            (output.openEdges === undefined ? '' : ', ' + checkText(output.openEdges) + ', volume ' + digits(output.volume)))))));
+            (output.openEdges === undefined ? '' : ', ' + checkText(output.openEdges) + ', volume ' + volume(file, output.volume) + ' mm³'))))));
     }
     return element('tr', { className: 'more' }, element('td', { colSpan: columns.length + (hasPictures ? 1 : 0) }, list));
   }
@@ -375,25 +371,29 @@
   }
 
   function fillSummary() {
-    const number = { converted: 0, failed: 0, delivering: 0 };
-    let size = 0, triangles = 0, time = 0;
-    for (const { record } of files) {
-      number[record.status] += 1;
-      size += record.size || 0;
-      triangles += record.triangles || 0;
-      time += record.seconds || 0;
+    const number = {};
+    const sum = { files: 0, size: 0, triangles: 0, seconds: 0 };
+    for (const [status, total] of Object.entries(data.totals)) {
+      number[status] = total.files;
+      Object.keys(sum).forEach((key) => { sum[key] += total[key]; });
     }
     const card = (value, title, kind) => byId('cards').append(
       element('div', { className: 'card ' + (kind || '') }, element('b', {}, value), element('span', {}, title)));
-    card(count(files.length), 'files');
+    card(count(sum.files), 'files');
     card(count(number.converted), 'converted', 'converted');
     card(count(number.failed), 'failed', number.failed ? 'failed' : '');
     if (number.delivering) {
       card(count(number.delivering), 'interrupted', 'delivering');
     }
-    card(bytes(size), 'of input');
-    card(count(triangles), 'triangles');
-    card(duration(time), 'of conversion');
+    card(bytes(sum.size), 'of input');
+    card(count(sum.triangles), 'triangles');
+    card(duration(sum.seconds), 'of conversion');
+    byId('cut').hidden = files.length >= sum.files;
+    byId('cut').append(`This page holds ${count(files.length)} of ${count(sum.files)} files, first those that failed or are doubtful. ` +
+      'plenvorith-batch --export writes a table of all of them; the counts above are of all.');
+    byId('notes').hidden = data.notes.length === 0;
+    byId('notes').querySelector('summary').append(`Left out by the last run (${data.notes.length})`);
+    byId('notes').querySelector('ul').append(...data.notes.map((note) => element('li', {}, note)));
     for (const status of ['converted', 'failed', 'delivering']) {
       const part = element('i', { className: status });
       part.style.flexGrow = number[status];
@@ -408,8 +408,7 @@
     const option = (text, number) => element('option', { value: text }, `${text} (${count(number)})`);
     byId('reason').append(element('option', { value: '' }, 'Any reason'));
     for (const kind of kindList) {
-      // A kind whose reasons name files has as many of them as files: only the first are listed.
-      const several = kind.reasons.length > 1 ? kind.reasons.slice(0, kMostReasons) : [];
+      const several = kind.reasons.length > 1 ? kind.reasons : [];
       const made = several.map((reason) => option(reason.text, reason.count));
       made.forEach((one) => one.prepend('\u2003'));
       byId('reason').append(option(kind.title, kind.count), ...made);
@@ -417,7 +416,7 @@
     for (const kind of kindList.slice(0, 8)) {
       const button = element('button', { type: 'button' }, element('b', {}, count(kind.count)), ' ' + kind.title);
       if (kind.reasons.length > 1) {
-        button.title = kind.reasons.slice(0, kMostReasons).map((reason) => `${count(reason.count)} ${reason.text}`).join('\n');
+        button.title = kind.reasons.map((reason) => `${count(reason.count)} ${reason.text}`).join('\n');
       }
       button.addEventListener('click', () => {
         byId('reason').value = byId('reason').value === kind.title ? '' : kind.title;

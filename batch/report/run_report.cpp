@@ -2,9 +2,11 @@
 
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,11 +15,14 @@
 #include "batch/report/inspection.h"
 #include "batch/report/mesh_tools.h"
 #include "batch/report/report.h"
-#include "batch/report/report_page.h"
+#include "batch/state/totals.h"
 #include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {
+
+/// More would make a page that no browser likes; those that need attention come first.
+constexpr std::int64_t kMostRows = 10000;
 
 /// Whether a signal that ends a run has come since the conversions, which have left them blocked.
 bool isInterrupted() {
@@ -33,10 +38,12 @@ bool mayReplace(const std::string& path) {
   if (access(path.c_str(), F_OK) != 0) {
     return true;
   }
-  std::string start(kReportHtml.find("@STYLE@"), '\0');
+  // All releases have it in the head, which has grown and may again.
+  constexpr std::string_view kMark = "\n<title>Plenvorith report</title>\n";
+  std::string start(4096, '\0');
   std::ifstream file(path, std::ios::binary);
   file.read(start.data(), static_cast<std::streamsize>(start.size()));
-  return file && kReportHtml.starts_with(start);
+  return start.find(kMark) != std::string::npos;
 }
 
 bool inspectAll(const Options& options, StateHandle& state, const Places& places,
@@ -48,6 +55,15 @@ bool inspectAll(const Options& options, StateHandle& state, const Places& places
   const InspectionWish wish{options.checks, options.pictures,
                             static_cast<std::size_t>(options.jobs)};
   return isRead && inspectOutputs(inspections, places.output + '/', outputs, wish, isInterrupted);
+}
+
+ReportFile reportedFile(const FileRecord& record, InspectionsHandle* inspections) {
+  ReportFile file{record, {}, record.lastLine};
+  for (const OutputRecord& output : record.outputs) {
+    file.inspections.push_back(inspections != nullptr ? findInspection(*inspections, output.path)
+                                                      : Inspection());
+  }
+  return file;
 }
 
 std::string aboutRuns(const std::vector<RunRecord>& runs) {
@@ -90,15 +106,10 @@ bool reportState(const Options& options, StateHandle& state, const Places& place
     std::cerr << "plenvorith-batch: " << printable(problem) << std::endl;
   }
   const std::vector<RunRecord> runs = allRuns(state);
-  const ReportHead head{aboutRuns(runs), runs.empty() ? "" : runs.back().base};
+  const ReportHead head{aboutRuns(runs), runs.empty() ? "" : runs.back().base, totalsOf(state), {}};
   const bool isWritten = writeReport(path, head, [&](const auto& visit) {
-    return forEachFile(state, [&](const FileRecord& record) {
-      ReportFile file{record, {}};
-      for (const OutputRecord& output : record.outputs) {
-        file.inspections.push_back(inspections ? findInspection(*inspections, output.path)
-                                               : Inspection());
-      }
-      visit(file);
+    return forEachFileToShow(state, kMostRows, [&](const FileRecord& record) {
+      visit(reportedFile(record, inspections.get()));
     });
   });
   if (isWritten) {

@@ -10,6 +10,7 @@
 #include "batch/state/state_columns.h"
 #include "batch/state/state_queries.h"
 #include "batch/state/statement.h"
+#include "batch/state/totals.h"
 
 namespace plenvorith {
 
@@ -111,6 +112,17 @@ bool putOutputs(StateHandle& state, std::int64_t id, const std::vector<OutputRec
     }
   }
   return true;
+}
+
+/// Goes through the files that a statement gives.
+bool visitAll(StateHandle& state, StatementUse& use,
+              const std::function<void(const FileRecord&)>& visit) {
+  while (use.step()) {
+    auto [file, id] = fileFrom(use);
+    file.outputs = outputsOf(state, id);
+    visit(file);
+  }
+  return use.finish();
 }
 
 }  // namespace
@@ -226,12 +238,29 @@ std::optional<FileRecord> findFile(StateHandle& state, const std::string& path) 
 
 bool forEachFile(StateHandle& state, const std::function<void(const FileRecord&)>& visit) {
   StatementUse use(statementOf(state, Query::AllFiles));
+  return visitAll(state, use, visit);
+}
+
+bool forEachFileToShow(StateHandle& state, std::int64_t atMost,
+                       const std::function<void(const FileRecord&)>& visit) {
+  StatementUse use(statementOf(state, Query::FilesToShow));
+  use.bind(atMost);
+  return visitAll(state, use, visit);
+}
+
+std::vector<Total> totalsOf(StateHandle& state) {
+  std::vector<Total> totals;
+  StatementUse use(statementOf(state, Query::Totals));
   while (use.step()) {
-    auto [file, id] = fileFrom(use);
-    file.outputs = outputsOf(state, id);
-    visit(file);
+    Total& total = totals.emplace_back();
+    total.status = statusFrom(use.bytes());
+    total.reason = use.bytes();
+    total.files = use.integer();
+    total.size = use.integer();
+    total.triangles = use.integer();
+    total.seconds = use.real();
   }
-  return use.finish();
+  return totals;
 }
 
 std::vector<RunRecord> allRuns(StateHandle& state) {

@@ -47,15 +47,6 @@ std::optional<Bounds> boundsFrom(StatementUse& use) {
   return isNull ? std::nullopt : std::optional(bounds);
 }
 
-FileStatus statusFrom(std::string_view name) {
-  for (const FileStatus status : {FileStatus::Converted, FileStatus::Delivering}) {
-    if (name == statusName(status)) {
-      return status;
-    }
-  }
-  return FileStatus::Failed;
-}
-
 std::vector<std::string> cutApart(std::string_view text) {
   std::vector<std::string> arguments;
   while (!text.empty()) {
@@ -67,6 +58,15 @@ std::vector<std::string> cutApart(std::string_view text) {
 }
 
 }  // namespace
+
+FileStatus statusFrom(std::string_view name) {
+  for (const FileStatus status : {FileStatus::Converted, FileStatus::Delivering}) {
+    if (name == statusName(status)) {
+      return status;
+    }
+  }
+  return FileStatus::Failed;
+}
 
 void bindFile(StatementUse& use, const FileRecord& file) {
   use.bindBytes(file.path);

@@ -12,6 +12,9 @@ namespace plenvorith {
 
 class StatementUse;
 
+/// The status with this name.
+FileStatus statusFrom(std::string_view name);
+
 /// Binds the values of a file in the order of the queries, all but its outputs.
 void bindFile(StatementUse& use, const FileRecord& file);
 

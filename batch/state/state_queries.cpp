@@ -73,6 +73,11 @@ std::array<std::string, kQueryCount> allQueries() {
       "SELECT " + columns + ", id FROM file ORDER BY path",
       "SELECT path, size FROM output WHERE file = ? ORDER BY path",
       "SELECT * FROM run ORDER BY id",
+      "SELECT " + columns +
+          ", id FROM file WHERE id IN (SELECT id FROM file "
+          "ORDER BY status = 'converted' AND reason = '', path LIMIT ?) ORDER BY path",
+      "SELECT status, reason, count(*), sum(size), sum(triangles), sum(seconds) FROM file "
+      "GROUP BY status, reason",
   };
 }
 

@@ -24,6 +24,8 @@ enum class Query {
   AllFiles,
   FindOutputs,
   AllRuns,
+  FilesToShow,
+  Totals,
   Count,
 };
 constexpr auto kQueryCount = static_cast<std::size_t>(Query::Count);

@@ -2,7 +2,9 @@
 //
 //   report_pages odd FILE           names of any bytes
 //   report_pages many FILE COUNT    COUNT files of all kinds
+//   report_pages part FILE COUNT    the first four of them, as of a run of very many
 //   report_pages reasons FILE       files that failed for all kinds of reasons
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -34,7 +36,6 @@ ReportFile oddFile(std::size_t i) {
   file.record.name = kOddNames[i];
   file.record.status = plenvorith::FileStatus::Converted;
   file.record.outputs = {{kOddNames[i] + ".stl", 134}};
-  file.record.transcript = "transcripts/" + kOddNames[i] + ".txt";
   return file;
 }
 
@@ -71,16 +72,15 @@ ReportFile plainFile(std::size_t i, std::size_t count) {
   file.record.seconds = static_cast<double>(count - i) / 8;
   if (i % 10 == 3) {
     file.record.reason = i % 20 == 3 ? "ends in the middle" : "kernel crashed (signal 11)";
-    file.record.lastLine = "Reading: part";
+    file.transcriptEnd = "Reading: part\n  \x1b[31mError: <none>\nFailed";
     file.record.exitStatus = 1;
     return file;
   }
   file.record.status = plenvorith::FileStatus::Converted;
   file.record.exitStatus = 0;
   file.record.triangles = static_cast<std::int64_t>(i * 7919 % 10007);
-  file.record.bounds = {{0, 0, 0}, {10, 20, 30.5}};
+  file.record.bounds = {{-1.77636e-15, 0, 0}, {10, 20, 30.5}};
   file.record.outputs = {{file.record.name + ".stl", 84 + 50 * file.record.triangles}};
-  file.record.transcript = "transcripts/" + file.record.name + ".txt";
   file.inspections = {{{{static_cast<std::int64_t>(i % 4), 1.5}}, i == 0 ? "picture" : ""}};
   return file;
 }
@@ -89,7 +89,7 @@ ReportFile plainFile(std::size_t i, std::size_t count) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::cerr << "usage: report_pages odd|many|reasons FILE [COUNT]" << std::endl;
+    std::cerr << "usage: report_pages odd|many|part|reasons FILE [COUNT]" << std::endl;
     return 2;
   }
   const std::string kind = argv[1];
@@ -97,11 +97,22 @@ int main(int argc, char** argv) {
                             : kind == "reasons"
                                 ? kReasons.size()
                                 : std::strtoul(argc > 3 ? argv[3] : "30", nullptr, 10);
-  const auto files = [&](const std::function<void(const ReportFile&)>& visit) {
-    for (std::size_t i = 0; i < count; ++i) {
-      visit(kind == "odd" ? oddFile(i) : kind == "reasons" ? failedFile(i) : plainFile(i, count));
-    }
+  plenvorith::ReportHead head{"Plenvorith of the tests", "/in/", {}, {}};
+  std::vector<ReportFile> files;
+  for (std::size_t i = 0; i < count; ++i) {
+    files.push_back(kind == "odd"       ? oddFile(i)
+                    : kind == "reasons" ? failedFile(i)
+                                        : plainFile(i, count));
+    const plenvorith::FileRecord& file = files.back().record;
+    head.totals.push_back({file.status, file.reason, 1, file.size, file.triangles, file.seconds});
+  }
+  if (kind == "part") {
+    files.erase(files.begin() + 4, files.end());
+    head.notes = {"3 files that end in .zip: a.zip, <b>.zip, ...", "folder cannot be read: /x"};
+  }
+  const auto visitAll = [&files](const std::function<void(const ReportFile&)>& visit) {
+    std::ranges::for_each(files, visit);
     return true;
   };
-  return plenvorith::writeReport(argv[2], {"Plenvorith of the tests", "/in/"}, files) ? 0 : 1;
+  return plenvorith::writeReport(argv[2], head, visitAll) ? 0 : 1;
 }

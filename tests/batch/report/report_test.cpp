@@ -50,24 +50,38 @@ TEST(Report, HoldsOneLineForEachFile) {
   converted.record.peakMemory = 60000000;
   converted.record.bounds = {{0, -1.5, 0}, {10, 1.5, 0.1}};
   converted.record.outputs = {{"sub/a.stp.stl", 27484}};
-  converted.record.transcript = "transcripts/sub/a.stp.txt";
   ReportFile failed;
   failed.record.path = "/elsewhere/b.stp";
   failed.record.name = "b.stp";
   failed.record.reason = "kernel crashed (signal 11)";
-  failed.record.lastLine = "Reading: b.stp";
+  failed.transcriptEnd = "Reading: b.stp\nFailed";
   failed.record.signal = 11;
   failed.record.host = "alpha";
-  EXPECT_EQ(dataOf({"Plenvorith", "/parts/"}, {converted, failed}),
-            "{\"about\":\"Plenvorith\",\"base\":\"/parts/\",\"files\":[\n"
+  const ReportHead head{"Plenvorith",
+                        "/parts/",
+                        {{FileStatus::Converted, "", 7, 1234, 548, 0.25},
+                         {FileStatus::Converted, "doubtful", 1, 1, 12, 0.5},
+                         {FileStatus::Failed, "kernel crashed (signal 11)", 1, 0, 0, 0.0}},
+                        {"1 <other>"}};
+  EXPECT_EQ(dataOf(head, {converted, failed}),
+            "{\"about\":\"Plenvorith\",\"base\":\"/parts/\",\"notes\":[\"1 \\u003cother>\"],\n"
+            "\"totals\":{"
+            "\"converted\":{\"files\":8,\"size\":1235,\"triangles\":560,\"seconds\":0.75},"
+            "\"failed\":{\"files\":1,\"size\":0,\"triangles\":0,\"seconds\":0},"
+            "\"delivering\":{\"files\":0,\"size\":0,\"triangles\":0,\"seconds\":0}},\n"
+            "\"kinds\":[\n"
+            "{\"title\":\"doubtful\",\"count\":1,\"reasons\":[[\"doubtful\",1]]},\n"
+            "{\"title\":\"kernel crashed (signal 11)\",\"count\":1,"
+            "\"reasons\":[[\"kernel crashed (signal 11)\",1]]}],\n"
+            "\"files\":[\n"
             "{\"name\":\"sub/a.stp\",\"status\":\"converted\",\"size\":1234,\"seconds\":0.25,"
             "\"triangles\":548,\"peakMemory\":60000000,\"exitStatus\":0,"
-            "\"transcript\":\"transcripts/sub/a.stp.txt\","
             "\"bounds\":[0,-1.5,0,10,1.5,0.1],"
             "\"outputs\":[{\"path\":\"sub/a.stp.stl\",\"size\":27484}]},\n"
             "{\"name\":\"b.stp\",\"status\":\"failed\",\"size\":0,\"seconds\":0,"
             "\"triangles\":0,\"peakMemory\":0,\"path\":\"/elsewhere/b.stp\","
-            "\"reason\":\"kernel crashed (signal 11)\",\"lastLine\":\"Reading: b.stp\","
+            "\"reason\":\"kernel crashed (signal 11)\",\"kind\":1,"
+            "\"transcriptEnd\":\"Reading: b.stp\\u000aFailed\","
             "\"signal\":11,\"host\":\"alpha\"}\n]}\n");
 }
 

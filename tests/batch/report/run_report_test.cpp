@@ -86,6 +86,16 @@ TEST_F(RunReportTest, ReplacesAReport) {
   EXPECT_EQ(test::readFile(page), first);
 }
 
+TEST_F(RunReportTest, ReplacesAReportOfAnotherRelease) {
+  test::writeFile(page,
+                  "<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+                  "<title>Plenvorith report</title>\n<style>\nbody {}");
+  std::string output;
+  std::string errors;
+  EXPECT_TRUE(report(output, errors));
+  EXPECT_EQ(errors, "");
+}
+
 TEST_F(RunReportTest, LeavesAPageAloneThatIsNoReport) {
   test::writeFile(page, "<!doctype html>\n<html>mine");
   std::string output;
