@@ -1,7 +1,10 @@
 #include "tests/reference/reference_analysis.h"
 
+#include <algorithm>
+#include <map>
 #include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace plenvorith::test {
@@ -35,30 +38,27 @@ InstanceNames namesOfTextsThatStartWith(const EntityTexts& table, const std::str
   return names;
 }
 
-InstanceNames pairedOnes(const EntityTexts& table, const InstanceNames& tessellated,
-                         const InstanceNames& exact) {
-  InstanceNames paired;
-  for (const auto& [name, text] : table) {
-    if (text.find("SHAPE_REPRESENTATION_RELATIONSHIP") == std::string::npos) {
-      continue;
-    }
-    bool hasExact = false;
-    bool hasTessellated = false;
-    std::string remembered;
-    for (const std::string& reference : referencesIn(text)) {
-      if (exact.count(reference) == 1) {
-        hasExact = true;
-      }
-      if (tessellated.count(reference) == 1) {
-        hasTessellated = true;
-        remembered = reference;
-      }
-    }
-    if (hasExact && hasTessellated) {
-      paired.insert(remembered);
-    }
-  }
-  return paired;
+/// The tessellated representation that a relationship pairs with an exact one; empty if it pairs none.
+std::string pairedBy(const std::string& relationship, const InstanceNames& tessellated,
+                     const InstanceNames& exact) {
+  const std::vector<std::string> references = referencesIn(relationship);
+  const auto isIn = [](const InstanceNames& names) {
+    return [&names](const std::string& name) { return names.count(name) == 1; };
+  };
+  // Of several tessellated ones the last counts.
+  const auto last = std::find_if(references.rbegin(), references.rend(), isIn(tessellated));
+  const bool hasExact = std::any_of(references.begin(), references.end(), isIn(exact));
+  return hasExact && last != references.rend() ? *last : "";
+}
+
+/// Whether there is a relationship that pairs the representation.
+bool isPaired(const EntityTexts& table, const std::string& representation,
+              const InstanceNames& tessellated, const InstanceNames& exact) {
+  return std::any_of(table.begin(), table.end(), [&](const auto& entity) {
+    const std::string& text = entity.second;
+    return text.find("SHAPE_REPRESENTATION_RELATIONSHIP") != std::string::npos &&
+           pairedBy(text, tessellated, exact) == representation;
+  });
 }
 
 InstanceNames facesOf(const EntityTexts& table, const InstanceNames& representations) {
@@ -81,27 +81,23 @@ InstanceNames facesOf(const EntityTexts& table, const InstanceNames& representat
 }  // namespace
 
 TessellationAnalysis referenceAnalysis(const EntityTexts& table) {
-  TessellationAnalysis analysis;
+  // What a status means: whether some representation is paired, and whether some is not.
+  const std::map<std::pair<bool, bool>, TessellationStatus> statuses = {
+      {{false, false}, TessellationStatus::NoTessellation},
+      {{true, false}, TessellationStatus::AllPaired},
+      {{true, true}, TessellationStatus::PartiallyUnique},
+      {{false, true}, TessellationStatus::TessellationOnly},
+  };
   const InstanceNames tessellated =
       namesOfTextsThatStartWith(table, "TESSELLATED_SHAPE_REPRESENTATION(");
-  if (tessellated.empty()) {
-    return analysis;
-  }
   const InstanceNames exact = namesOfTextsThatStartWith(table, "SHAPE_REPRESENTATION(");
-  analysis.pairedReps = pairedOnes(table, tessellated, exact);
+  TessellationAnalysis analysis;
   for (const std::string& name : tessellated) {
-    if (analysis.pairedReps.count(name) == 0) {
-      analysis.uniqueReps.insert(name);
-    }
+    (isPaired(table, name, tessellated, exact) ? analysis.pairedReps : analysis.uniqueReps)
+        .insert(name);
   }
   analysis.uniqueFaces = facesOf(table, analysis.uniqueReps);
-  if (analysis.uniqueReps.empty()) {
-    analysis.status = TessellationStatus::AllPaired;
-  } else if (analysis.pairedReps.empty()) {
-    analysis.status = TessellationStatus::TessellationOnly;
-  } else {
-    analysis.status = TessellationStatus::PartiallyUnique;
-  }
+  analysis.status = statuses.at({!analysis.pairedReps.empty(), !analysis.uniqueReps.empty()});
   return analysis;
 }
 
