@@ -59,6 +59,11 @@ function(plenvorith_library room)
                                   FILES ${ARG_HEADERS})
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:plenvorith::flags> PUBLIC ${ARG_USES})
   target_compile_features(${target} PUBLIC cxx_std_20)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)
+    # Without machine code beside what the linker optimises, only this very compiler could use what is
+    # installed, and every test program would be optimised anew.
+    target_compile_options(${target} PRIVATE -ffat-lto-objects)
+  endif()
   if(ARG_OPTIMIZED)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O1>)
   endif()
@@ -72,10 +77,6 @@ endfunction()
 # Rooms above the kernel, in the second of two export sets, are offered only where it is found.
 function(plenvorith_install_library room uses)
   set(target plenvorith_${room})
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)
-    # Without machine code beside what the linker optimises, only this very compiler could use it.
-    target_compile_options(${target} PRIVATE -ffat-lto-objects)
-  endif()
   set(export Plenvorith)
   get_property(kernel_rooms GLOBAL PROPERTY PlenvorithKernel_rooms)
   list(TRANSFORM kernel_rooms PREPEND plenvorith:: OUTPUT_VARIABLE kernel_targets)

@@ -22,17 +22,22 @@ function(plenvorith_precompile_gmock target)
 endfunction()
 
 # plenvorith_test(<room> SOURCES <file>... [USES <target>...] [LABEL <label>] [PREFIX <prefix>]
-#                 [PROPERTIES <name> <value>...])
+#                 [READS_SAMPLES] [PROPERTIES <name> <value>...])
 #
 # One test program for one room of the tree; the properties are those of each test in it, and the
-# prefix stands in front of their names.
+# prefix stands in front of their names. READS_SAMPLES gives it copies (tests/support/sample_copies.h).
 function(plenvorith_test room)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "LABEL;PREFIX" "SOURCES;USES;PROPERTIES")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "READS_SAMPLES" "LABEL;PREFIX" "SOURCES;USES;PROPERTIES")
   set(target plenvorith_${room}_test)
   add_executable(${target} ${ARG_SOURCES})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PRIVATE plenvorith::flags ${ARG_USES} GTest::gmock_main)
   plenvorith_precompile_gmock(${target})
+  if(ARG_READS_SAMPLES)
+    target_compile_definitions(${target}
+                               PRIVATE PLENVORITH_SAMPLES="${PROJECT_SOURCE_DIR}/samples")
+    list(APPEND ARG_PROPERTIES FIXTURES_REQUIRED checkout)
+  endif()
   if(NOT ARG_LABEL)
     set(ARG_LABEL ${room})
   endif()
@@ -54,6 +59,20 @@ function(plenvorith_script_test subject script)
   foreach(case IN LISTS cases)
     string(REPLACE "() {" "" case "${case}")
     add_test(NAME ${subject}.${case} COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/${script} ${ARGN} ${case})
-    set_tests_properties(${subject}.${case} PROPERTIES LABELS ${label} SKIP_RETURN_CODE 77)
+    set_tests_properties(${subject}.${case} PROPERTIES LABELS ${label} SKIP_RETURN_CODE 77
+                                                          FIXTURES_REQUIRED checkout)
   endforeach()
+endfunction()
+
+# plenvorith_checkout_tests()
+#
+# Before the first test that knows where files of the checkout lie, and behind the last: none of them
+# may have changed. Tests are given copies, and yet a fault in the product could reach the original.
+function(plenvorith_checkout_tests)
+  set(script ${CMAKE_CURRENT_SOURCE_DIR}/support/checkout.sh)
+  set(list ${CMAKE_CURRENT_BINARY_DIR}/checkout.sha256)
+  add_test(NAME Checkout.IsRemembered COMMAND ${script} remember ${PROJECT_SOURCE_DIR} ${list})
+  add_test(NAME Checkout.IsAsItWas COMMAND ${script} compare ${PROJECT_SOURCE_DIR} ${list})
+  set_tests_properties(Checkout.IsRemembered PROPERTIES LABELS checkout FIXTURES_SETUP checkout)
+  set_tests_properties(Checkout.IsAsItWas PROPERTIES LABELS checkout FIXTURES_CLEANUP checkout)
 endfunction()

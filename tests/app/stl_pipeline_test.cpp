@@ -7,6 +7,7 @@
 
 #include "tests/support/dir_listing.h"
 #include "tests/support/kernel_shapes.h"
+#include "tests/support/sample_copies.h"
 #include "tests/support/scoped_tmpdir.h"
 #include "tests/support/temp_dir.h"
 
@@ -53,12 +54,13 @@ TEST(WriteShapesAsStl, WritesNothingForNoShapes) {
 }
 
 TEST(ConvertToStl, SplitReportsFilesThatCannotBeWrittenAndSucceeds) {
+  const test::SampleCopies samples;
   const test::TempDir dir;
   const test::ScopedTmpdir tmpdir(dir.path());
   const std::string output = dir / "missing/out.stl";
   testing::internal::CaptureStderr();
   const std::string printed = test::printedBy(
-      [&] { EXPECT_TRUE(convertToStl(PLENVORITH_SAMPLES "/mixed.step", output, 0.5, true)); });
+      [&] { EXPECT_TRUE(convertToStl(samples / "mixed.step", output, 0.5, true)); });
   (void)testing::internal::GetCapturedStderr();
   EXPECT_THAT(printed, EndsWith("  Read 1 BRep shapes\n"
                                 "  Saved: " +

@@ -10,6 +10,7 @@
 #include "prepare/preparation.h"
 #include "tests/support/captured_cout.h"
 #include "tests/support/exact_geometry.h"
+#include "tests/support/sample_copies.h"
 #include "tests/support/scoped_tmpdir.h"
 #include "tests/support/temp_dir.h"
 
@@ -21,10 +22,6 @@ using test::readFile;
 /// Those that the program converts in full as they are.
 const std::vector<std::string> kPlain = {"bracket", "assembly", "tessellated", "paired", "mixed"};
 
-std::string sample(const std::string& name) {
-  return PLENVORITH_SAMPLES "/" + name + ".step";
-}
-
 void prepare(const std::string& input, const std::string& output) {
   const test::CapturedCout report;
   EXPECT_EQ(prepareFile(input, output), 0) << input;
@@ -32,6 +29,10 @@ void prepare(const std::string& input, const std::string& output) {
 
 class PreparedSamples : public testing::Test {
  protected:
+  std::string sample(const std::string& name) const {
+    return samples / (name + ".step");
+  }
+
   /// The STL file made of a STEP file.
   std::string convert(const std::string& input) const {
     (void)test::printedBy([&] { EXPECT_TRUE(convertToStl(input, dir / "out.stl", 0.1, false)); });
@@ -43,6 +44,7 @@ class PreparedSamples : public testing::Test {
     return convert(dir / "ready.stp");
   }
 
+  const test::SampleCopies samples;
   const test::TempDir dir;
   const test::ScopedTmpdir tmpdir{dir.path()};
 };

@@ -2,6 +2,7 @@
 #include <cctype>
 #include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
@@ -84,16 +85,54 @@ struct SourceFile {
   std::string code;  ///< without comments
 };
 
-/// Replaces comments by nothing; strings and characters stay.
-std::string withoutComments(const std::string& text) {
-  static const std::regex comment(R"re(("(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*')|//[^\n]*)re");
-  return std::regex_replace(text, comment, "$1");
+/// Where the string or character ends that begins at `start`; `start` if it does not end in its line,
+/// or if its apostrophe stands between digits.
+std::size_t endOfLiteral(const std::string& text, std::size_t start) {
+  const bool isInNumber = text[start] == '\'' && start > 0 &&
+                          std::isalnum(static_cast<unsigned char>(text[start - 1])) != 0;
+  for (std::size_t i = start + 1; !isInNumber && i < text.size() && text[i] != '\n'; ++i) {
+    if (text[i] == '\\') {
+      ++i;
+    } else if (text[i] == text[start]) {
+      return i + 1;
+    }
+  }
+  return start;
 }
 
-/// Replaces strings and characters by nothing.
-std::string withoutLiterals(const std::string& code) {
-  static const std::regex literal(R"re("(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*')re");
-  return std::regex_replace(code, literal, "");
+/// Calls `use` with each piece of code, in order, and whether it is a string or character; leaves out
+/// comments.
+template <typename Use>
+void forEachPiece(const std::string& text, Use use) {
+  std::size_t i = 0;
+  while (i < text.size()) {
+    const std::size_t start = i;
+    if (text[i] == '/' && text.compare(i, 2, "//") == 0) {
+      i = std::min(text.find('\n', i), text.size());
+      continue;
+    }
+    if (text[i] == '"' || text[i] == '\'') {
+      i = endOfLiteral(text, i);
+    }
+    const bool isLiteral = i > start;
+    i = isLiteral ? i : std::min(text.find_first_of("\"'/", i + 1), text.size());
+    use(std::string_view(text).substr(start, i - start), isLiteral);
+  }
+}
+
+std::string withoutComments(const std::string& text) {
+  std::string code;
+  forEachPiece(text, [&code](std::string_view piece, bool) { code += piece; });
+  return code;
+}
+
+/// Leaves out strings and characters.
+std::string withoutLiterals(const std::string& text) {
+  std::string code;
+  forEachPiece(text, [&code](std::string_view piece, bool isLiteral) {
+    code += isLiteral ? std::string_view() : piece;
+  });
+  return code;
 }
 
 const std::vector<SourceFile>& productFiles() {
@@ -186,6 +225,77 @@ TEST(Style, SourcesAreInRoomsOnly) {
     for (const auto& file : std::filesystem::recursive_directory_iterator(entry)) {
       EXPECT_NE(file.path().extension(), ".cpp") << file.path();
     }
+  }
+}
+
+/// The files below a folder of the project with this ending, by their paths from that folder.
+std::vector<std::string> filesBelow(const std::string& folder, const std::string& ending) {
+  const std::filesystem::path root = std::filesystem::path(PLENVORITH_SOURCE_DIR) / folder;
+  std::vector<std::string> paths;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    std::string path = std::filesystem::relative(entry.path(), root);
+    if (path.ends_with(ending)) {
+      paths.push_back(std::move(path));
+    }
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+std::string fileOf(const std::string& path) {
+  return readFile(std::filesystem::path(PLENVORITH_SOURCE_DIR) / path);
+}
+
+TEST(Style, EverySourceOfTheTestsIsInTheListOfSomeProgram) {
+  std::istringstream words(
+      std::regex_replace(fileOf("tests/CMakeLists.txt"), std::regex("[()]"), " "));
+  const std::set<std::string> listed{std::istream_iterator<std::string>(words), {}};
+  for (const std::string& path : filesBelow("tests", ".cpp")) {
+    if (path.starts_with("cmake/")) {
+      continue;  // projects of their own
+    }
+    EXPECT_EQ(listed.count(path), 1U) << path;
+  }
+}
+
+TEST(Style, EveryScriptOfTestsIsInTheList) {
+  const std::string list = fileOf("tests/CMakeLists.txt");
+  for (const std::string& path : filesBelow("tests", "_test.sh")) {
+    EXPECT_TRUE(contains(list, std::regex("plenvorith_script_test\\([A-Za-z]+ " + path + "\\s")))
+        << path;
+  }
+}
+
+// As cmake/PlenvorithTest.cmake looks for them.
+TEST(Style, EveryCaseOfAScriptLooksLikeOne) {
+  static const std::regex line(R"re((^|\n)[ \t]*(function[ \t]+)?[A-Z]\w*[ \t]*\(\).*)re");
+  static const std::regex found(R"re((^|\n)[A-Z][A-Za-z0-9]*\(\) \{)re");
+  for (const std::string& path : filesBelow("tests", "_test.sh")) {
+    const std::string script = fileOf("tests/" + path);
+    int cases = 0;
+    for (std::sregex_iterator match(script.begin(), script.end(), line), end; match != end;
+         ++match) {
+      EXPECT_TRUE(std::regex_match(match->str(), found)) << path << ": " << match->str();
+      ++cases;
+    }
+    EXPECT_GT(cases, 0) << path;
+  }
+}
+
+// Those of whole programs are found where they lie, shared texts by their names.
+TEST(Style, EveryCaseOfAProgramIsRunAndEverySharedTextIsUsed) {
+  std::string cases;
+  for (const std::string& path : filesBelow("tests/cli/cases", "")) {
+    if (!path.starts_with("common")) {
+      EXPECT_TRUE(std::regex_match(path, std::regex("[a-z0-9_]+\\.txt"))) << path;
+    }
+    if (path.ends_with(".txt")) {
+      cases += fileOf("tests/cli/cases/" + path);
+    }
+  }
+  for (const std::string& path : filesBelow("tests/cli/cases/common", ".txt")) {
+    EXPECT_TRUE(contains(cases, std::regex("<use " + path.substr(0, path.size() - 4) + "[ >]")))
+        << path;
   }
 }
 
@@ -287,7 +397,8 @@ TEST(Style, NothingUsesCStyleLineEndsToFlush) {
 /// The statements that begin with a standard stream, up to their semicolons; strings are emptied
 /// of semicolons first. A stream that is handed on or asked for its state prints nothing.
 std::vector<std::string> printsOf(const SourceFile& file) {
-  static const std::regex print(R"re(std::c(out|err)\b(?!\s*[),.])(?:"(?:\\.|[^"\\\n])*"|[^;"])*;)re");
+  static const std::regex print(
+      R"re(std::c(out|err)\b(?!\s*[),.])(?:"(?:\\.|[^"\\\n])*"|[^;"])*;)re");
   std::vector<std::string> prints;
   for (std::sregex_iterator match(file.code.begin(), file.code.end(), print), end; match != end;
        ++match) {
