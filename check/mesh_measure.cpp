@@ -46,22 +46,26 @@ void addTriangle(MeshMeasure& measure, const Point3& v1, const Point3& v2, const
   const Point3 a = difference(v1, measure.start);
   const Point3 b = difference(v2, measure.start);
   const Point3 c = difference(v3, measure.start);
-  const double volume = dot(a, normal) / 6;
-  measure.volume += volume;
+  const double sixfold = dot(a, normal);
+  measure.sixfoldVolume += sixfold;
   // The centre of a tetrahedron is the mean of its four corners, one of which is the start.
-  measure.volumeMoment.x += volume * (a.x + b.x + c.x) / 4;
-  measure.volumeMoment.y += volume * (a.y + b.y + c.y) / 4;
-  measure.volumeMoment.z += volume * (a.z + b.z + c.z) / 4;
+  measure.sixfoldMoment.x += sixfold * (a.x + b.x + c.x) / 4;
+  measure.sixfoldMoment.y += sixfold * (a.y + b.y + c.y) / 4;
+  measure.sixfoldMoment.z += sixfold * (a.z + b.z + c.z) / 4;
+}
+
+double volumeOf(const MeshMeasure& measure) {
+  return measure.sixfoldVolume / 6;
 }
 
 Point3 centroidOf(const MeshMeasure& measure) {
-  if (measure.volume == 0.0) {
+  if (measure.sixfoldVolume == 0.0) {
     return {(measure.low.x + measure.high.x) / 2, (measure.low.y + measure.high.y) / 2,
             (measure.low.z + measure.high.z) / 2};
   }
-  return {measure.start.x + measure.volumeMoment.x / measure.volume,
-          measure.start.y + measure.volumeMoment.y / measure.volume,
-          measure.start.z + measure.volumeMoment.z / measure.volume};
+  return {measure.start.x + measure.sixfoldMoment.x / measure.sixfoldVolume,
+          measure.start.y + measure.sixfoldMoment.y / measure.sixfoldVolume,
+          measure.start.z + measure.sixfoldMoment.z / measure.sixfoldVolume};
 }
 
 }  // namespace plenvorith
