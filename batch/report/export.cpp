@@ -1,13 +1,13 @@
 #include "batch/report/export.h"
 
 #include <array>
-#include <charconv>
 #include <cstddef>
-#include <fstream>
+#include <ostream>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include "batch/report/write_aside.h"
 #include "common/escaped_text.h"
 
 namespace plenvorith {
@@ -85,21 +85,21 @@ std::string rowFrom(const Json& object, bool isTitle) {
 }  // namespace
 
 bool exportState(StateHandle& state, const std::string& path) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
   const bool isTable = path.ends_with(".csv");
-  file << (isTable ? rowFrom(objectFrom(FileRecord()), true) : "[");
-  const char* separator = "\n";
-  const bool isRead = forEachFile(state, [&](const FileRecord& record) {
-    const Json object = objectFrom(record);
-    if (isTable) {
-      file << rowFrom(object, false);
-    } else {
-      file << std::exchange(separator, ",\n") << object.dump();
-    }
+  return writeAside(path, [&](std::ostream& file) {
+    file << (isTable ? rowFrom(objectFrom(FileRecord()), true) : "[");
+    const char* separator = "\n";
+    const bool isRead = forEachFile(state, [&](const FileRecord& record) {
+      const Json object = objectFrom(record);
+      if (isTable) {
+        file << rowFrom(object, false);
+      } else {
+        file << std::exchange(separator, ",\n") << object.dump();
+      }
+    });
+    file << (isTable ? "" : "\n]\n");
+    return isRead;
   });
-  file << (isTable ? "" : "\n]\n");
-  file.close();
-  return isRead && !file.fail();
 }
 
 }  // namespace plenvorith

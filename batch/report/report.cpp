@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
-#include <cstdio>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <ostream>
@@ -15,6 +13,7 @@
 #include "batch/report/json_text.h"
 #include "batch/report/reason_kinds.h"
 #include "batch/report/report_page.h"
+#include "batch/report/write_aside.h"
 
 namespace plenvorith {
 namespace {
@@ -204,13 +203,7 @@ bool writePage(std::ostream& page, const ReportHead& head, const ReportFiles& fi
 }  // namespace
 
 bool writeReport(const std::string& path, const ReportHead& head, const ReportFiles& files) {
-  // A reader of the page never meets half of one.
-  const std::string unfinished = path + ".new";
-  std::ofstream page(unfinished, std::ios::binary | std::ios::trunc);
-  const bool isWhole = writePage(page, head, files);
-  page.close();
-  if (!isWhole || !page || std::rename(unfinished.c_str(), path.c_str()) != 0) {
-    (void)std::remove(unfinished.c_str());  // it may never have been made
+  if (!writeAside(path, [&](std::ostream& page) { return writePage(page, head, files); })) {
     std::cerr << "plenvorith-batch: the report could not be written: " << path << std::endl;
     return false;
   }

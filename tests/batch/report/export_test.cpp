@@ -1,5 +1,6 @@
 #include "batch/report/export.h"
 
+#include <filesystem>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -58,7 +59,11 @@ TEST(ExportState, WritesObjects) {
 TEST(ExportState, SaysWhereItCannotWrite) {
   const test::TempDir dir;
   EXPECT_FALSE(exportState(*filledState(dir), dir / "missing/log.csv"));
-  EXPECT_FALSE(exportState(*filledState(dir), "/dev/full"));
+  // What stood there is still there.
+  std::filesystem::create_directory(dir / "log.csv.new");
+  test::writeFile(dir / "log.csv", "before");
+  EXPECT_FALSE(exportState(*filledState(dir), dir / "log.csv"));
+  EXPECT_EQ(test::readFile(dir / "log.csv"), "before");
 }
 
 }  // namespace
