@@ -42,21 +42,29 @@ check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 target_compile_options(plenvorith_flags INTERFACE -fno-semantic-interposition)
 
-# plenvorith_library(<room> HEADERS <file>... SOURCES <file>... [USES <target>...] [NOT_INSTALLED]
-#                    [OPTIMIZED])
+# plenvorith_library(<room> [PUBLIC <file>...] [HEADERS <file>...] SOURCES <file>...
+#                    [USES <target>...] [NOT_INSTALLED] [OPTIMIZED])
 #
 # One static library for one folder of the tree. Its headers are included by their path from the
 # project's root ("steptext/entity_table.h"); USES are the libraries whose headers they include.
 #
-# Other projects find it with find_package(Plenvorith), unless it is NOT_INSTALLED. An OPTIMIZED one
-# is so in builds for debugging, too: its tests compare millions of inputs.
+# Other projects find it with find_package(Plenvorith), unless it is NOT_INSTALLED. Of its headers they
+# get those that are PUBLIC, which include no others. An OPTIMIZED one is so in builds for debugging, too:
+# its tests compare millions of inputs.
 function(plenvorith_library room)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "NOT_INSTALLED;OPTIMIZED" "" "HEADERS;SOURCES;USES")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "NOT_INSTALLED;OPTIMIZED" "" "PUBLIC;HEADERS;SOURCES;USES")
   set(target plenvorith_${room})
   add_library(${target} STATIC ${ARG_SOURCES})
   add_library(plenvorith::${room} ALIAS ${target})
   target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
-                                  FILES ${ARG_HEADERS})
+                                  FILES ${ARG_PUBLIC})
+  # A library of their own, so that each is compiled alone where that is asked for, as the public ones.
+  if(ARG_HEADERS)
+    add_library(${target}_headers INTERFACE)
+    target_sources(${target}_headers INTERFACE FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}
+                                               FILES ${ARG_HEADERS})
+    target_link_libraries(${target}_headers INTERFACE ${target})
+  endif()
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:plenvorith::flags> PUBLIC ${ARG_USES})
   target_compile_features(${target} PUBLIC cxx_std_20)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_INTERPROCEDURAL_OPTIMIZATION)

@@ -119,8 +119,46 @@ OtherProjectsDecodeWithoutTheKernel() {
   example cpp 1 >decode/decode.cpp
   example cmake 1 >decode/CMakeLists.txt
   build_project decode -DCMAKE_DISABLE_FIND_PACKAGE_OpenCASCADE=ON
-  decode/build/decode "$source/samples/tessellated.step" knot.stl
+  decode/build/decode "$source/samples/tessellated.step" knot.stl >report
   expect_knot knot.stl
+  ! decode/build/decode missing.step missing.stl >report 2>errors || fail 'decoded what is not there'
+  grep -q '^Error: .*missing.step' errors || fail "$(cat errors)"
+  ! decode/build/decode $doc/samples/bracket.step none.stl >report 2>errors || fail 'decoded nothing'
+  [[ $(<errors) == 'no tessellation' ]] || fail "$(cat errors)"
+  [[ $(echo -- *.stl*) == '-- knot.stl' ]] || fail "left: $(echo ./*.stl*)"
+}
+
+OtherProjectsGetTheTriangles() {
+  has_kernel || exit 77
+  install
+  mkdir triangles
+  example cpp 3 >triangles/triangles.cpp
+  example cmake 3 >triangles/CMakeLists.txt
+  build_project triangles -DOpenCASCADE_DIR="$(setting OpenCASCADE_DIR)"
+  local sample count
+  for sample in bracket mixed tessellated; do
+    usr/bin/plenvorith "$doc/samples/$sample.step" out.stl >transcript
+    count=$(od -An -tu1 -j80 -N4 out.stl | awk '{ print $1 + 256 * ($2 + 256 * ($3 + 256 * $4)) }')
+    triangles/build/triangles "$doc/samples/$sample.step" | tail -n 1 >said
+    grep -qE "^$count triangles, the highest point at [0-9.]+$" said || fail "$sample: $(cat said)"
+  done
+  ! triangles/build/triangles missing.step >said 2>errors || fail 'triangles of what is not there'
+  [[ $(<errors) == 'no geometry: missing.step' ]] || fail "$(cat errors)"
+  [[ ! $(ls tmp) ]] || fail "left in the temporary directory: $(ls tmp)"
+}
+
+InstalledHeadersCompileAlone() {
+  install
+  local header count=0
+  for header in usr/include/plenvorith/**/*.h; do
+    header=${header#usr/include/plenvorith/}
+    [[ $header != brep/* && $header != app/* ]] || continue
+    count=$((count + 1))
+    "$compiler" -std=c++20 -fsyntax-only -I usr/include/plenvorith -include "$header" -x c++ /dev/null
+  done
+  ((count >= 8)) || fail "only $count headers"
+  [[ ! -e usr/include/plenvorith/exchange && ! -e usr/include/plenvorith/common/number.h ]] ||
+    fail "$(find usr/include)"
 }
 
 OtherProjectsConvert() {
@@ -157,7 +195,7 @@ PkgConfigKnowsTheLibraries() {
   example cpp 1 >decode.cpp
   # shellcheck disable=SC2086 # several flags
   "$compiler" -std=c++20 ${sanitize:+-fsanitize=$sanitize} decode.cpp $flags -o decode
-  ./decode "$source/samples/tessellated.step" knot.stl
+  ./decode "$source/samples/tessellated.step" knot.stl >report
   expect_knot knot.stl
 }
 
@@ -170,12 +208,12 @@ project(decode LANGUAGES CXX)
 set(PLENVORITH_WITH_KERNEL OFF)
 add_subdirectory("$source" plenvorith)
 add_executable(decode decode.cpp)
-target_link_libraries(decode PRIVATE plenvorith::tessellation plenvorith::output)
+target_link_libraries(decode PRIVATE plenvorith::prepare plenvorith::tessellation plenvorith::output)
 install(TARGETS decode)
 END
   build_project decode
   "$cmake" --install decode/build --prefix "$scratch/usr" >installed
-  usr/bin/decode "$source/samples/tessellated.step" knot.stl
+  usr/bin/decode "$source/samples/tessellated.step" knot.stl >report
   expect_knot knot.stl
   [[ $(find usr -type f) == usr/bin/decode ]] || fail "$(find usr -type f)"
 }
