@@ -14,14 +14,14 @@ namespace plenvorith {
 namespace {
 
 /// What may be looked at behind an item, and what in front of it.
-constexpr std::string_view kBehind =
+constexpr std::string_view kRest =
     ",(9.,9.,9.),(9.,9.,9.),(9.,9.,9.),(9.,9.,9.),(9.,9.,9.),(9.,9.,9.)";
 constexpr std::string_view kInFront = "((9.,9.,9.),";
 
 /// Reads the point by one of the two ways alone.
 template <typename Read>
 std::optional<Point3> pointFrom(const std::string& written, Read read) {
-  const std::string text = std::string(kInFront) + written + std::string(kBehind);
+  const std::string text = std::string(kInFront) + written + std::string(kRest);
   const char* const first = text.data() + kInFront.size() + 1;
   Point3 point;
   const char* const end = read(first, markNonDigits<64>(first), point);
@@ -93,7 +93,7 @@ TEST(LongPoint, RejectsWhatIsLongerOrNoSuchPoint) {
 
 TEST(ShortTriple, ReadsAPointWithOrWithoutRoomInFrontOfIt) {
   for (const std::string inFront : {"", "(", "1234567", "12345678", "((9.,9.,9.),"}) {
-    const std::string text = inFront + "(1.5,-2.25,3.)" + std::string(kBehind);
+    const std::string text = inFront + "(1.5,-2.25,3.)" + std::string(kRest);
     Point3 point;
     const char* const first = text.data() + inFront.size();
     ASSERT_EQ(shorttriple::readPoint(first, text, 0, point), first + 14) << inFront;
@@ -104,8 +104,8 @@ TEST(ShortTriple, ReadsAPointWithOrWithoutRoomInFrontOfIt) {
 }
 
 TEST(ShortTriple, ReadsNothingThatEndsBehindTheText) {
-  const std::string all = "(1.5,-2.25,3.)" + std::string(kBehind);
-  const std::string indices = "(1,2,3)" + std::string(kBehind);
+  const std::string all = "(1.5,-2.25,3.)" + std::string(kRest);
+  const std::string indices = "(1,2,3)" + std::string(kRest);
   Point3 point;
   IndexTriple triple;
   EXPECT_EQ(shorttriple::readPoint(all.data(), std::string_view(all).substr(0, 13), 100, point),
@@ -121,7 +121,7 @@ TEST(ShortTriple, ReadsNothingThatEndsBehindTheText) {
 }
 
 TEST(ShortTriple, ReadsIndicesOfUpToEightDigits) {
-  const std::string text = "(1,12345678,99999999)" + std::string(kBehind);
+  const std::string text = "(1,12345678,99999999)" + std::string(kRest);
   IndexTriple triple;
   ASSERT_EQ(shorttriple::readIndices(text.data(), text, 0, triple), text.data() + 21);
   EXPECT_EQ(triple.i, 1);
@@ -132,7 +132,7 @@ TEST(ShortTriple, ReadsIndicesOfUpToEightDigits) {
 TEST(ShortTriple, RejectsIndicesThatAreNoneOrLonger) {
   for (const char* const written : {"(123456789,1,1)", "(,1,1)", "(1,2)", "(1,2,3,4)", "(1,-2,3)",
                                     "(1.,2,3)", "(1, 2,3)", "(1,2;3)"}) {
-    const std::string text = written + std::string(kBehind);
+    const std::string text = written + std::string(kRest);
     IndexTriple triple;
     EXPECT_EQ(shorttriple::readIndices(text.data(), text, 0, triple), nullptr) << written;
   }
