@@ -32,7 +32,7 @@ double deflectionFrom(const char* argument) {
 
 }  // namespace
 
-int runConverter(int argc, char** argv) {
+int runConverter(int argc, char** argv, std::vector<PartName>* names) {
   if (argc < 3) {
     return 1;
   }
@@ -44,7 +44,7 @@ int runConverter(int argc, char** argv) {
   const std::string extension = extensionOf(outputPath);
   bool converted = false;
   if (extension == "stl") {
-    converted = convertToStl(inputPath, outputPath, deflection, splitShapes);
+    converted = convertToStl(inputPath, outputPath, deflection, splitShapes, names);
   } else if (extension == "step" || extension == "stp") {
     converted = convertToCleanStep(inputPath, outputPath, deflection, splitShapes);
   } else {

@@ -93,7 +93,7 @@ bool writeMerged(std::vector<Triangle> brep, std::vector<Triangle> tessellation,
 }  // namespace
 
 bool convertToStl(const std::string& inputPath, const std::string& outputPath, double deflection,
-                  bool splitShapes) {
+                  bool splitShapes, std::vector<PartName>* names) {
   DecodedFile file = readAndDecode(inputPath, decodeForStl);
   if (file.status == TessellationStatus::TessellationOnly) {
     return writeMerged({}, std::move(file.tessellation), outputPath);
@@ -103,7 +103,8 @@ bool convertToStl(const std::string& inputPath, const std::string& outputPath, d
   const std::string cleanPath = stripTessellation(inputPath);
   Shapes shapes;
   std::vector<Triangle> brep;
-  if (!readBrepShapes(cleanPath, shapes)) {
+  if (!(names == nullptr ? readBrepShapes(cleanPath, shapes)
+                         : readNamedShapes(cleanPath, shapes, *names))) {
     std::cout << "  No BRep geometry found" << std::endl;
   } else {
     std::cout << "  Read " << shapes.size() << " BRep shapes" << std::endl;

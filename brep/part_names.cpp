@@ -1,6 +1,7 @@
 #include "brep/part_names.h"
 
 #include <cstddef>
+#include <iostream>
 #include <map>
 #include <utility>
 
@@ -118,6 +119,15 @@ class NamedShapes {
 };
 
 }  // namespace
+
+bool readNamedShapes(const std::string& path, Shapes& shapes, std::vector<PartName>& names) {
+  STEPControl_Reader reader;
+  if (!readBrepShapes(reader, path, shapes, std::cout)) {
+    return false;
+  }
+  names = namesOfParts(reader, shapes);
+  return true;
+}
 
 std::vector<PartName> namesOfParts(const STEPControl_Reader& reader, const Shapes& shapes) {
   const Entities entities = entitiesOf(reader);

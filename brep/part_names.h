@@ -13,6 +13,10 @@ struct PartName {
   std::string name;               ///< that of the solid, shell or face
 };
 
+/// Reads a STEP file as `readBrepShapes` does, and `names` of its shapes in the same pass.
+[[nodiscard]] bool readNamedShapes(const std::string& path, Shapes& shapes,
+                                   std::vector<PartName>& names);
+
 /// The names of shapes that a reader has just read.
 ///
 /// Takes   the `reader`, and the `shapes` as `readBrepShapes` gives them.

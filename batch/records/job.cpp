@@ -5,6 +5,9 @@
 #include <nlohmann/json.hpp>
 
 namespace plenvorith {
+
+const char* const kNamesFile = "names.json";
+
 namespace {
 
 using Json = nlohmann::json;
@@ -120,6 +123,7 @@ std::string lineFrom(const Job& job) {
                  {"temporaryFolder", textFrom(job.temporaryFolder)},
                  {"output", textFrom(job.outputName)},
                  {"transcript", textFrom(job.transcript)},
+                 {"names", job.names},
                  {"to", textFrom(settings.to)},
                  {"deflection", textFrom(settings.deflection)},
                  {"split", settings.split},
@@ -142,6 +146,7 @@ std::optional<Job> jobFrom(const std::string& line) {
   get(*object, "temporaryFolder", job.temporaryFolder);
   get(*object, "output", job.outputName);
   get(*object, "transcript", job.transcript);
+  get(*object, "names", job.names);
   get(*object, "to", job.settings.to);
   get(*object, "deflection", job.settings.deflection);
   get(*object, "split", job.settings.split);
@@ -182,6 +187,18 @@ std::string lineFrom(const JobResult& result) {
     object["outputs"].push_back({{"path", textFrom(output.path)}, {"size", output.size}});
   }
   return lineOf(object);
+}
+
+std::string lineFrom(const std::vector<ShapeName>& names) {
+  Json shapes = Json::array();
+  for (const ShapeName& name : names) {
+    Json path = Json::array();
+    for (const std::string& product : name.path) {
+      path.push_back(textFrom(product));
+    }
+    shapes.push_back({{"number", name.number}, {"path", path}, {"name", textFrom(name.name)}});
+  }
+  return lineOf(shapes);
 }
 
 std::optional<JobResult> resultFrom(const std::string& line) {

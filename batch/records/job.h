@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@ struct Job {
   std::string temporaryFolder;  ///< emptied for each job: those of one worker may share it
   std::string outputName;       ///< of the file that the converter is asked for
   std::string transcript;       ///< where standard output and error go; its folder is made
+  bool names = false;  ///< whether to leave the names of the exact shapes in the temporary folder
   ConversionSettings settings;
 };
 
@@ -42,10 +44,23 @@ struct JobResult {
       outputs;  ///< names in the job's folder of outputs; none if it is not converted
 };
 
+/// The file in the temporary folder of a job that holds the names.
+extern const char* const kNamesFile;
+
+/// The name of an exact shape, whose number is that in the names of split outputs.
+struct ShapeName {
+  std::size_t number = 0;
+  std::vector<std::string> path;  ///< of the products that it is used in, from the root down
+  std::string name;
+};
+
 /// A job, and its result, as one line of ASCII without its end. Bytes of no known encoding go
 /// through, each as the character of its number.
 std::string lineFrom(const Job& job);
 std::string lineFrom(const JobResult& result);
+
+/// All names as one line, in the same form.
+std::string lineFrom(const std::vector<ShapeName>& names);
 
 /// The other way; nothing for a line that is none of these.
 std::optional<Job> jobFrom(const std::string& line);

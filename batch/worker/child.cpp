@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <limits>
 
@@ -18,7 +19,9 @@
 #include <unistd.h>
 
 #include "app/command_line.h"
+#include "batch/records/job.h"
 #include "batch/system/signals.h"
+#include "brep/part_names.h"
 #include "prepare/preparation.h"
 
 namespace plenvorith {
@@ -81,6 +84,19 @@ void prepareInput(const ChildSettings& child, std::vector<std::string>& argument
   arguments.front() = child.preparedPath;
 }
 
+/// Without a path, and for a file without exact shapes, there is nothing to write.
+void writeNames(const std::string& path, const std::vector<PartName>& names) {
+  if (path.empty() || names.empty()) {
+    return;
+  }
+  std::vector<ShapeName> shapes;
+  shapes.reserve(names.size());
+  for (const PartName& name : names) {
+    shapes.push_back({shapes.size() + 1, name.path, name.name});
+  }
+  std::ofstream(path) << lineFrom(shapes) << '\n';  // of a full disk the outputs tell
+}
+
 [[noreturn]] void becomeConverter(const ChildSettings& child, pid_t worker) {
   if (!setUpChild(child, worker)) {
     std::cerr << "plenvorith-batch: cannot set up the conversion" << std::endl;
@@ -92,7 +108,11 @@ void prepareInput(const ChildSettings& child, std::vector<std::string>& argument
   arguments.insert(arguments.begin(), program.empty() ? "plenvorith" : program);
   std::vector<char*> pointers = pointersTo(arguments);
   if (program.empty()) {
-    endChild(runConverter(static_cast<int>(arguments.size()), pointers.data()));
+    std::vector<PartName> names;
+    std::vector<PartName>* const wanted = child.namesPath.empty() ? nullptr : &names;
+    const int status = runConverter(static_cast<int>(arguments.size()), pointers.data(), wanted);
+    writeNames(child.namesPath, names);
+    endChild(status);
   }
   execv(program.c_str(), pointers.data());
   std::cerr << "plenvorith-batch: cannot start " << program << std::endl;

@@ -16,6 +16,7 @@ struct ChildSettings {
   int transcript = -1;          ///< descriptor for its standard output and error
   ConversionSettings settings;
   std::vector<std::string> arguments;  ///< of the converter, behind the program's name
+  std::string namesPath;  ///< where the built-in converter's names of shapes go, if they are to
   std::string
       preparedPath;  ///< where the prepared input goes, if it is to be; the converter's then
 };

@@ -123,10 +123,10 @@ MadeFiles lookAtOutputs(const std::string& folder) {
       continue;
     }
     made.outputs.push_back({name, status.st_size});
-    const bool isWhole = name.ends_with(".stl")
-                             ? lookAtStl(file.get(), status.st_size, made, extent)
-                         : name.ends_with(".stp") ? endsLikeStep(file.get())
-                                                  : true;
+    const bool isWhole =
+        name.ends_with(".stl") ? lookAtStl(file.get(), status.st_size, made, extent)
+        : name.ends_with(".stp") || name.ends_with(".step") ? endsLikeStep(file.get())
+                                                            : true;
     if (!isWhole && made.incomplete.empty()) {
       made.incomplete = name;
     }

@@ -78,6 +78,9 @@ ChildSettings childFor(const Job& job, int transcript) {
   if (job.settings.prepare) {
     child.preparedPath = job.temporaryFolder + "/prepared.stp";
   }
+  if (job.names) {
+    child.namesPath = job.temporaryFolder + '/' + kNamesFile;
+  }
   if (job.settings.split) {
     child.arguments.emplace_back("yes");
   }

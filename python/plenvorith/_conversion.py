@@ -11,7 +11,7 @@ import numpy as np
 
 from ._errors import ConversionError, Source, shown
 from ._folder import roomy_base, temporary_base
-from ._job import Place, Result, Settings
+from ._job import Place, Result, Settings, ShapeName, names_of
 from ._mesh import FACET, Mesh, read_facets
 from ._worker import Worker
 
@@ -117,6 +117,14 @@ class Conversion:
             )
         return {name: os.path.join(self._place.out, name) for name in result.outputs}
 
+    def _names(self) -> dict[int, ShapeName]:
+        assert self._place
+        try:
+            with open(self._place.names, "rb") as file:
+                return names_of(file.read())
+        except FileNotFoundError:
+            return {}
+
     def load(self, result: Result) -> Loaded:
         """The mesh, or those of the parts by number. Raises ConversionError."""
         outputs = self.outputs(result)
@@ -128,11 +136,15 @@ class Conversion:
             transcript=_ends_of(self._place.transcript),
             doubt=result.reason,
         )
+        names = self._names()
         meshes = []
-        for name, path in outputs.items():
-            part = re.fullmatch(r"out\.stl_(\d+)\.stl", name)
+        for output, path in outputs.items():
+            part = re.fullmatch(r"out\.stl_(\d+)\.stl", output)
+            number = int(part[1]) if part else None
+            name = names.get(number or 0, ShapeName())
+            facets = read_facets(path)
             meshes.append(
-                replace(about, facets=read_facets(path), number=int(part[1]) if part else None)
+                replace(about, facets=facets, number=number, name=name.name, path=name.path)
             )
             os.unlink(path)
         return meshes if self._settings.split else meshes[0]

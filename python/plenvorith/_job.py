@@ -92,6 +92,11 @@ class Place:
     transcript: str
     content: str  # for an input that is given as bytes
 
+    @property
+    def names(self) -> str:
+        """The file that the names of shapes are in, if there are any."""
+        return os.path.join(self.temporary, "names.json")
+
 
 def job_line(number: int, source: bytes, output: str, place: Place, settings: Settings) -> bytes:
     job = {
@@ -103,11 +108,32 @@ def job_line(number: int, source: bytes, output: str, place: Place, settings: Se
         "transcript": text_of(place.transcript),
         "deflection": repr(settings.deflection),
         "split": settings.split,
+        "names": settings.split,
         "prepare": settings.prepare,
         "timeLimit": settings.time_limit,
         "memoryLimit": settings.memory_limit,
     }
     return json.dumps(job).encode() + b"\n"
+
+
+@dataclass(frozen=True)
+class ShapeName:
+    """What a file calls a part."""
+
+    path: tuple[str, ...] = ()
+    name: str = ""
+
+
+def names_of(line: bytes) -> dict[int, ShapeName]:
+    """The names of exact shapes by number, from the file that a worker leaves of them."""
+    return {
+        shape["number"]: ShapeName(tuple(map(_text, shape["path"])), _text(shape["name"]))
+        for shape in json.loads(line)
+    }
+
+
+def _text(characters: str) -> str:
+    return shown(characters.encode("latin-1"))
 
 
 @dataclass(frozen=True)
@@ -156,7 +182,7 @@ def result_of(line: bytes, number: int, asked: str) -> Result:
     outputs = _field(answer, "outputs", list, [])
     return Result(
         answer.get("converted") is True,
-        shown(_field(answer, "reason", str, "").encode("latin-1", "replace")),
+        _text(_field(answer, "reason", str, "")),
         _field(answer, "exitStatus", int, None),
         _field(answer, "signal", int, None),
         float(_field(answer, "seconds", (int, float), 0.0)),

@@ -135,6 +135,21 @@ def test_parts_come_by_number_and_are_the_whole(sample):
     np.testing.assert_allclose(np.max([part.bounds[1] for part in parts], axis=0), whole.bounds[1])
 
 
+def test_parts_have_the_names_of_the_file(sample, tmp_path):
+    parts = plenvorith.load(sample("assembly"), split=True)
+    assert [part.path for part in parts] == [
+        ("lamp", "foot"),
+        ("lamp", "pole"),
+        ("lamp", "bulb"),
+        ("lamp", "shade"),
+    ]
+    content = Path(sample("assembly")).read_bytes()
+    content = content.replace(b"PRODUCT('foot','foot'", b"PRODUCT('foot','Fu\xc3\x9f \"1\"'")
+    foot = plenvorith.load(content, split=True)[0]
+    assert foot.path == ("lamp", 'Fu\u00df "1"')
+    assert plenvorith.load(sample("assembly")).path == ()
+
+
 def test_stored_triangles_are_the_last_part(sample):
     parts = plenvorith.load(sample("mixed"), split=True)
     assert [part.number for part in parts] == [1, None]

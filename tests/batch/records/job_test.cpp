@@ -22,6 +22,7 @@ Job oddJob() {
   job.outFolder = "/run/1/out";
   job.temporaryFolder = "/run/1/tmp";
   job.outputName = "a.stp.stl";
+  job.names = true;
   job.transcript = "/t/\xff.txt";
   job.settings.to = "stp";
   job.settings.deflection = "2.5e-1";
@@ -48,6 +49,7 @@ TEST(JobLine, IsAsciiAndGivesAllBack) {
   EXPECT_EQ(back->temporaryFolder, job.temporaryFolder);
   EXPECT_EQ(back->outputName, job.outputName);
   EXPECT_EQ(back->transcript, job.transcript);
+  EXPECT_TRUE(back->names);
   EXPECT_EQ(back->settings.to, "stp");
   EXPECT_EQ(back->settings.deflection, "2.5e-1");
   EXPECT_TRUE(back->settings.split);
@@ -108,6 +110,12 @@ TEST(ResultLine, TellsItsProtocol) {
 TEST(Lines, PassOverUnknownFields) {
   EXPECT_EQ(jobFrom(R"({"id":3,"input":"a","colour":["red"],"protocol":2})")->input, "a");
   EXPECT_EQ(resultFrom(R"({"id":3,"converted":true,"parts":{},"reason":"b"})")->reason, "b");
+}
+
+TEST(NamesLine, KeepsEveryByte) {
+  EXPECT_EQ(
+      lineFrom(std::vector<ShapeName>{{1, {"a\xff", "\n"}, "\""}, {3, {}, ""}}),
+      R"([{"name":"\"","number":1,"path":["a\u00ff","\n"]},{"name":"","number":3,"path":[]}])");
 }
 
 TEST(ResultLine, KeepsWhatIsMissingMissing) {

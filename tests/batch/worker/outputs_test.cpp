@@ -60,6 +60,9 @@ TEST(LookAtOutputs, NamesWhatIsIncomplete) {
   ASSERT_TRUE(writeBinaryStl(dir / "a.stl", triangles(3)));
   test::writeFile(dir / "b.stp", "ISO-10303-21;\nDATA;\n");
   EXPECT_EQ(lookAtOutputs(dir.path()).incomplete, "b.stp");
+  test::writeFile(dir / "a.step", "ISO-10303-21;\nDATA;\n");
+  EXPECT_EQ(lookAtOutputs(dir.path()).incomplete, "a.step");
+  std::filesystem::remove(dir / "a.step");
   test::writeFile(dir / "b.stp", "ISO-10303-21;\nDATA;\nENDSEC;\nEND-ISO-10303-21;\n");
   EXPECT_EQ(lookAtOutputs(dir.path()).incomplete, "");
 }

@@ -129,6 +129,18 @@ TEST_F(WorkerOfCarelessParentTest, Converts) {
   EXPECT_TRUE(convert(jobFor("a.stp")).isConverted);
 }
 
+TEST_F(WorkerTest, LeavesTheNamesOfShapesWhereTheyAreAskedFor) {
+  Job job = jobFor("lamp.step");
+  job.input = std::string(PLENVORITH_SAMPLES) + "/assembly.step";
+  job.settings.split = true;
+  EXPECT_EQ(convert(job).outputs.size(), 4U);
+  EXPECT_EQ(access((job.temporaryFolder + "/names.json").c_str(), F_OK), -1);
+  job.names = true;
+  EXPECT_EQ(convert(job).outputs.size(), 4U);
+  EXPECT_THAT(test::readFile(job.temporaryFolder + "/names.json"),
+              testing::StartsWith(R"([{"name":"","number":1,"path":["lamp","foot"]},)"));
+}
+
 TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
   std::string broken = kTriangleStep;
   broken.replace(broken.find("(1.,0.,0.)"), 10, "(x.,0.,0.)");
