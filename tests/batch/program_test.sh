@@ -602,12 +602,13 @@ ConvertsNamesUpToTheLongest() {
 # Files in a random order, one after the other in the same workers, and each of them in a process of
 # its own: the same bytes, lines and exit statuses.
 GivesTheSameBytesAndLinesAsSingleRuns() {
-  local sample name number=0
+  local sample name number=0 times=(1)
+  [[ -z ${PLENVORITH_THOROUGH:-} ]] || times=(1 2 3)
   mkdir in
   while read -r sample; do
     number=$((number + 1))
     cp "$sample" "in/$number-${sample##*/}"
-  done < <(for _ in 1 2 3; do printf '%s\n' "$samples"/*.step "$samples"/../tests/data/*.step; done |
+  done < <(for _ in "${times[@]}"; do printf '%s\n' "$samples"/*.step "$samples"/../tests/data/*.step; done |
     shuf)
   for name in broken cut; do
     head -c 3000 "$samples/bracket.step" >"in/5-$name.stp"
@@ -769,14 +770,15 @@ GoesOnOnceADiskIsNoLongerFull() {
     ((${#way[@]})) || skip 'cannot mount a file system'
     PLENVORITH_MOUNTS=yes exec "${way[@]}" "$self" "$batch" "$converter" "$prepare" "$samples" "$case"
   fi
-  local number size failed=0
+  local number size failed=0 step=120
+  [[ -z ${PLENVORITH_THOROUGH:-} ]] || step=40
   mkdir in out
   for number in {1..6}; do
     cp "$samples/mixed.step" "in/$number.step"
     step_file "in/$number.stp" "$number"
   done
   "$converter" "$samples/mixed.step" mixed.stl >/dev/null
-  for ((size = 130; size <= 890; size += 40)); do
+  for ((size = 130; size <= 890; size += step)); do
     mount -t tmpfs -o "size=${size}k" none out || skip 'cannot mount a file system'
     "$batch" in -o out --jobs 2 >stdout 2>stderr && status=0 || status=$?
     ((status <= 2)) || fail "exit status $status with ${size}k"
@@ -796,7 +798,7 @@ GoesOnOnceADiskIsNoLongerFull() {
     done
     umount out
   done
-  ((failed > 5)) || fail "only $failed runs met a full disk"
+  ((failed > 1)) || fail "only $failed runs met a full disk"
 }
 
 PreparesFilesFirst() {

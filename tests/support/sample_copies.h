@@ -12,7 +12,7 @@ namespace plenvorith::test {
 class SampleCopies {
  public:
   std::string operator/(const std::string& name) const {
-    const std::string copy = directory_ / name;
+    std::string copy = directory_ / name;
     if (!std::filesystem::exists(copy)) {
       std::filesystem::copy_file(std::filesystem::path(PLENVORITH_SAMPLES) / name, copy);
     }
