@@ -43,6 +43,12 @@ execute_process(COMMAND strip --strip-debug --enable-deterministic-archives
                         --remove-section=.gnu.lto_* --remove-section=.gnu.debuglto_*
                         --remove-section=.comment ${archives} COMMAND_ERROR_IS_FATAL ANY)
 
+set(python ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/python/usr)
+set(python_doc ${python}/share/doc/python3-plenvorith)
+write_copyright(${doc}/LICENSE ${python_doc})
+write_changelog(python3-plenvorith ${python_doc})
+write_overrides(python3-plenvorith ${python})
+
 write_copyright(${doc}/LICENSE ${doc})
 write_changelog(plenvorith ${doc})
 write_overrides(plenvorith ${programs})
