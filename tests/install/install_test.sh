@@ -67,6 +67,7 @@ ProgramsConvertASample() {
   usr/bin/plenvorith-batch --help | grep -q '^usage: plenvorith-batch' || fail 'no help'
   usr/bin/plenvorith-batch $doc/samples/tessellated.step -o meshes >summary
   cmp knot.stl meshes/tessellated.step.stl
+  usr/bin/plenvorith-check knot.stl | grep -q '"closed":true' || fail 'no closed knot'
 }
 
 PreparedFilesConvert() {
@@ -81,7 +82,7 @@ PreparedFilesConvert() {
 EveryProgramHasItsPageAndCompletions() {
   install
   local program page version expected=plenvorith-prepare
-  ! has_kernel || expected='plenvorith plenvorith-batch plenvorith-prepare'
+  ! has_kernel || expected='plenvorith plenvorith-batch plenvorith-check plenvorith-prepare'
   [[ $(cd usr/bin && echo *) == "$expected" ]] || fail "$(ls usr/bin)"
   version=$(setting CMAKE_PROJECT_VERSION)
   for program in $expected; do

@@ -48,6 +48,13 @@ NoStepFileIsOfferedAsOutput() {
   expect 'parts/' "$(offered plenvorith-prepare a.step '')"
 }
 
+WhatIsCheckedIsOffered() {
+  expect 'parts/ a.step b.STP c.p21 d.stl' "$(offered plenvorith-check '')"
+  expect '--all --exact --text' "$(offered plenvorith-check -)"
+  expect 'parts/ d.stl' "$(offered plenvorith-check --exact a.step '')"
+  expect '1.0 0.1 0.01' "$(offered plenvorith-check a.step d.stl '')"
+}
+
 DeflectionsAreOffered() {
   expect '1.0 0.1 0.01' "$(offered plenvorith a.step a.stl '')"
 }
