@@ -52,8 +52,11 @@ holds all INPUTs, then the file's full name, then the new extension.
       --version          print version and kernel release
   -h, --help             this text
 
---export, --prune and --merge need no INPUT. Exit status: 0 all files converted,
-1 some not, 2 nothing was begun.)";
+--export, --prune and --merge need no INPUT.
+
+Exit status: 0 all files are converted; 1 some are not, or could not be looked
+at, or a report or table not written; 2 nothing was begun; 129, 130 and 143 ended
+by SIGHUP, SIGINT and SIGTERM.)";
 
 std::optional<std::int64_t> numberFrom(std::string_view text) {
   std::int64_t number = 0;

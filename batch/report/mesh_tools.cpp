@@ -1,19 +1,24 @@
 #include "batch/report/mesh_tools.h"
 
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <optional>
+#include <string>
 #include <system_error>
 
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "batch/report/progress.h"
+#include "batch/system/text.h"
 #include "batch/system/tool.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {
@@ -58,37 +63,62 @@ bool makeAlias(const WorkFolder& work, const std::string& folder, const std::str
   return symlink((folder + path).c_str(), aliasOf(work, number).c_str()) == 0;
 }
 
-void reportFailures(const char* tool, std::size_t failures) {
-  if (failures > 0) {
-    std::cerr << "plenvorith-batch: " << tool << " gave nothing for " << failures << " files"
-              << std::endl;
-  }
-}
+/// What one tool is called for.
+struct Task {
+  const char* tool;
+  const char* progress;  ///< in front of how far it is
+  const char* done;      ///< in front of what it came to
+  std::function<ToolStart(std::size_t)> startOf;
+  /// Keeps what the tool gave for a mesh, and says why that is nothing; false if it cannot be kept.
+  std::function<bool(std::size_t, const ToolResult&, std::string& problem)> keep;
+};
 
-/// Runs a tool on every task and keeps what it gives; false if that cannot be kept.
-bool runOnAll(InspectionsHandle& inspections, const char* tool, std::size_t count,
-              std::size_t atOnce, const std::function<bool()>& isInterrupted,
-              const std::function<ToolStart(std::size_t)>& startOf,
-              const std::function<bool(std::size_t, const ToolResult&, bool& isGood)>& keep) {
-  constexpr std::size_t kTogether = 64;  // results that are written to the disk at once
-  std::size_t failures = 0;
-  std::size_t kept = 0;
+/// Runs a tool on every mesh and keeps what it gives; false if that cannot be kept.
+bool runOnAll(InspectionsHandle& inspections, const std::vector<OutputRecord>& meshes,
+              const InspectionWish& wish, const std::function<bool()>& isInterrupted,
+              const Task& task) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::int64_t kTogether = 64;  // results that are written to the disk at once
+  constexpr std::int64_t kMostNamed = 20;
+  ProgressDisplay display;
+  display.isLine = wish.isLine;
+  ProgressState progress;
+  progress.what = task.progress;
+  progress.files = static_cast<std::int64_t>(meshes.size());
+  for (const OutputRecord& mesh : meshes) {
+    progress.bytes += mesh.size;
+  }
+  const Clock::time_point start = Clock::now();
   bool isKept = beginKeeping(inspections);
-  runTools(count, atOnce, kLimit, startOf, [&](std::size_t number, const ToolResult& result) {
-    bool isGood = false;
-    isKept = isKept && keep(number, result, isGood);
-    failures += isGood ? 0 : 1;
-    if (isKept && ++kept % kTogether == 0) {
+  const auto take = [&](std::size_t number, const ToolResult& result) {
+    std::string problem = result.ending;
+    isKept = isKept && task.keep(number, result, problem);
+    ++progress.done;
+    progress.doneBytes += meshes[number].size;
+    if (!problem.empty() && ++progress.failed <= kMostNamed) {
+      showMessage(display, std::string("plenvorith-batch: ") + task.tool + " gave nothing for " +
+                               printable(meshes[number].path) + ": " + problem);
+    }
+    progress.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    showProgress(display, progress);
+    if (isKept && progress.done % kTogether == 0) {
       isKept = endKeeping(inspections) && beginKeeping(inspections);
     }
     return isKept && !isInterrupted();
-  });
-  reportFailures(tool, failures);
+  };
+  runTools(meshes.size(), wish.atOnce, kLimit, task.startOf, take);
+  endProgress(display, progress);
+  if (progress.failed > kMostNamed) {
+    std::cerr << "plenvorith-batch: " << task.tool << " gave nothing for "
+              << progress.failed - kMostNamed << " more" << std::endl;
+  }
+  std::cout << task.done << progress.done - progress.failed << " of " << meshes.size()
+            << " meshes, in " << durationText(std::llround(progress.seconds)) << std::endl;
   return endKeeping(inspections) && isKept;
 }
 
 bool checkAll(InspectionsHandle& inspections, const std::string& folder,
-              const std::vector<std::string>& paths, const InspectionWish& wish,
+              const std::vector<OutputRecord>& meshes, const InspectionWish& wish,
               const std::function<bool()>& isInterrupted) {
   const std::string admesh = findTool("admesh");
   if (admesh.empty()) {
@@ -97,18 +127,21 @@ bool checkAll(InspectionsHandle& inspections, const std::string& folder,
   }
   const WorkFolder work;
   const auto startOf = [&](std::size_t number) {
-    (void)makeAlias(work, folder, paths[number], number);  // the tool fails without it
+    (void)makeAlias(work, folder, meshes[number].path, number);  // the tool fails without it
     // Edges that match to the last bit only: a finished mesh has no others.
     return ToolStart{.arguments = {admesh, "--exact", aliasOf(work, number)}};
   };
-  const auto keep = [&](std::size_t number, const ToolResult& result, bool& isGood) {
+  const auto keep = [&](std::size_t number, const ToolResult& result, std::string& problem) {
     const std::optional<MeshCheck> check =
         result.succeeded ? checkFrom(result.output) : std::nullopt;
-    isGood = check.has_value();
+    if (result.succeeded && !check) {
+      problem = "it does not say what is asked";
+    }
     (void)unlink(aliasOf(work, number).c_str());
-    return keepCheck(inspections, paths[number], check);
+    return keepCheck(inspections, meshes[number].path, check);
   };
-  return runOnAll(inspections, "admesh", paths.size(), wish.atOnce, isInterrupted, startOf, keep);
+  return runOnAll(inspections, meshes, wish, isInterrupted,
+                  {"admesh", "check: ", "Checked: ", startOf, keep});
 }
 
 /// Starts a display that nobody sees. Gives its name, or nothing if it does not come up.
@@ -155,7 +188,7 @@ std::string contentOf(const std::string& path) {
 }
 
 bool drawAll(InspectionsHandle& inspections, const std::string& folder,
-             const std::vector<std::string>& paths, const InspectionWish& wish,
+             const std::vector<OutputRecord>& meshes, const InspectionWish& wish,
              const std::function<bool()>& isInterrupted) {
   const std::string viewer = findTool("f3d");
   const std::string server = findTool("Xvfb");
@@ -173,19 +206,21 @@ bool drawAll(InspectionsHandle& inspections, const std::string& folder,
   }
   const WorkFolder work;
   const auto startOf = [&](std::size_t number) {
-    (void)makeAlias(work, folder, paths[number], number);  // the tool fails without it
+    (void)makeAlias(work, folder, meshes[number].path, number);  // the tool fails without it
     return drawing(viewer, display, aliasOf(work, number));
   };
-  const auto keep = [&](std::size_t number, const ToolResult& result, bool& isGood) {
+  const auto keep = [&](std::size_t number, const ToolResult& result, std::string& problem) {
     const std::string path = aliasOf(work, number) + ".png";
     const std::string picture = result.succeeded ? contentOf(path) : "";
     (void)unlink(path.c_str());  // a tool that failed may not have made it
     (void)unlink(aliasOf(work, number).c_str());
-    isGood = !picture.empty();
-    return keepPicture(inspections, paths[number], picture);
+    if (result.succeeded && picture.empty()) {
+      problem = "it has drawn nothing";
+    }
+    return keepPicture(inspections, meshes[number].path, picture);
   };
-  const bool isKept =
-      runOnAll(inspections, "f3d", paths.size(), wish.atOnce, isInterrupted, startOf, keep);
+  const bool isKept = runOnAll(inspections, meshes, wish, isInterrupted,
+                               {"f3d", "draw: ", "Drawn: ", startOf, keep});
   endTool(serverProcess);
   return isKept;
 }
@@ -195,8 +230,8 @@ bool drawAll(InspectionsHandle& inspections, const std::string& folder,
 bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,
                     const std::vector<OutputRecord>& outputs, const InspectionWish& wish,
                     const std::function<bool()>& isInterrupted) {
-  std::vector<std::string> toCheck;
-  std::vector<std::string> toDraw;
+  std::vector<OutputRecord> toCheck;
+  std::vector<OutputRecord> toDraw;
   bool isKept = beginKeeping(inspections);
   for (const OutputRecord& output : outputs) {
     struct stat status {};
@@ -209,10 +244,10 @@ bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,
         prepareInspection(inspections, output.path, status.st_size, mtime);
     isKept = isKept && left;
     if (wish.checks && left && left->check) {
-      toCheck.push_back(output.path);
+      toCheck.push_back(output);
     }
     if (wish.pictures && left && left->picture) {
-      toDraw.push_back(output.path);
+      toDraw.push_back(output);
     }
   }
   isKept = endKeeping(inspections) && isKept;

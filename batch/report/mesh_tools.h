@@ -14,12 +14,14 @@ struct InspectionWish {
   bool checks = false;     ///< by admesh
   bool pictures = false;   ///< by f3d, on a display of Xvfb
   std::size_t atOnce = 1;  ///< tools that run at the same time
+  bool isLine = false;     ///< whether the progress is one line that is drawn again and again
 };
 
 /// Inspects the STL files that have changed since they were inspected.
 ///
 /// Takes   the output folder, with a slash at its end, the outputs, and whether to stop early.
-/// Prints  a line on standard error for each tool that is missing, and on how many files it failed.
+/// Prints  the progress and, as they come, the files that a tool gave nothing for and why, on standard
+///         error; how many files it has looked at in which time, on standard output.
 /// Errors  false if the results could not be kept. A tool that fails, or needs more than half a
 ///         minute, leaves a file without its result; it is not tried again on the same file.
 bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,

@@ -80,8 +80,9 @@ void draw(ProgressDisplay& display, const ProgressState& state) {
 }  // namespace
 
 std::string progressLine(const ProgressState& state, int width) {
-  const std::string count = std::to_string(state.done) + '/' + std::to_string(state.files) +
-                            " files, " + std::to_string(state.failed) + " failed";
+  const std::string count = state.what + std::to_string(state.done) + '/' +
+                            std::to_string(state.files) + " files, " +
+                            std::to_string(state.failed) + " failed";
   // UTF-8 takes no more columns than bytes.
   std::size_t room = width > 0 ? static_cast<std::size_t>(width) : std::string::npos;
   if (count.size() >= room) {

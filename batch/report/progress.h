@@ -7,6 +7,7 @@ namespace plenvorith {
 
 /// How far a run is.
 struct ProgressState {
+  std::string what = {};   ///< stands in front: "check: "
   std::int64_t files = 0;  ///< to convert in this run
   std::int64_t done = 0;   ///< with a result, failures included
   std::int64_t failed = 0;

@@ -53,7 +53,8 @@ bool inspectAll(const Options& options, StateHandle& state, const Places& places
     outputs.insert(outputs.end(), record.outputs.begin(), record.outputs.end());
   });
   const InspectionWish wish{options.checks, options.pictures,
-                            static_cast<std::size_t>(options.jobs)};
+                            static_cast<std::size_t>(options.jobs),
+                            options.bar || isatty(STDERR_FILENO) == 1};
   return isRead && inspectOutputs(inspections, places.output + '/', outputs, wish, isInterrupted);
 }
 

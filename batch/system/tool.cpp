@@ -76,6 +76,14 @@ int statusOf(pid_t process) {
   return status;
 }
 
+/// How a program failed; empty if it has not.
+std::string endingOf(int status) {
+  if (WIFSIGNALED(status)) {
+    return "signal " + std::to_string(WTERMSIG(status));
+  }
+  return status == 0 ? "" : "exit status " + std::to_string(WEXITSTATUS(status));
+}
+
 /// Reads what is there; false at the end.
 bool readMore(RunningTool& tool) {
   constexpr std::size_t kEnough = 1 << 20;  // no tool that is called here has to say more
@@ -197,8 +205,9 @@ void runTools(std::size_t count, std::size_t atOnce, std::chrono::milliseconds l
         status = statusOf(tool.process);
         (void)close(tool.output);
       }
-      const bool succeeded = !timedOut && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-      goesOn = goesOn && take(tool.number, {succeeded, timedOut, std::move(tool.written)});
+      std::string ending = timedOut ? "out of time" : endingOf(status);
+      goesOn =
+          goesOn && take(tool.number, {ending.empty(), std::move(ending), std::move(tool.written)});
     }
   }
   for (RunningTool& tool : running) {

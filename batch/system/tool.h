@@ -15,9 +15,9 @@ namespace plenvorith {
 std::string findTool(const std::string& name);
 
 struct ToolResult {
-  bool succeeded = false;  ///< ended by itself, with exit status 0
-  bool timedOut = false;
-  std::string output;  ///< what it wrote to standard output
+  bool succeeded = false;                       ///< ended by itself, with exit status 0
+  std::string ending = "it cannot be started";  ///< how it ended, if it has not succeeded
+  std::string output;                           ///< what it wrote to standard output
 };
 
 /// What becomes of the standard error of a program.

@@ -70,6 +70,14 @@ TEST(ParseOptions, HaveDefaults) {
                options.followLinks || options.worker);
 }
 
+TEST(ParseOptions, TellEachExitStatus) {
+  const std::string help = parse({"--help"}).out;
+  const std::string statuses = help.substr(help.find("Exit status:"));
+  for (const char* const status : {" 0 ", " 1 ", " 2 ", "129", "130", "143"}) {
+    EXPECT_THAT(statuses, HasSubstr(status));
+  }
+}
+
 TEST(ParseOptions, RejectAFileForTheOutputFolder) {
   EXPECT_EQ(problemOf({"in", "-o", "part.stl"}),
             "plenvorith-batch: -o is a folder, not a file like part.stl\n");

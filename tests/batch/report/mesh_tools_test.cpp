@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/support/captured_cout.h"
 #include "tests/support/scoped_env.h"
 #include "tests/support/temp_dir.h"
 
@@ -105,21 +106,63 @@ TEST(InspectOutputs, LooksAgainOnlyAtWhatHasChanged) {
   EXPECT_EQ(findInspection(*setting.inspections, "b.stl").check->volume, 6);
 }
 
-TEST(InspectOutputs, CountsTheFilesThatAToolFailsOn) {
+/// A line of text without the time in it.
+std::string withoutTime(std::string text) {
+  for (std::size_t place = 0; (place = text.find(" in ", place)) != std::string::npos;) {
+    text.erase(place, text.find('\n', place) - place);
+  }
+  return text;
+}
+
+TEST(InspectOutputs, NamesTheFilesThatAToolFailsOnAndWhy) {
   const Setting setting;
   setting.addAdmesh();
   setting.addF3d();
-  test::writeFile(setting.outputs + "a.stl", "1");
+  test::writeFile(setting.outputs + "a\n.stl", "1");
   test::writeFile(setting.outputs + "b.stl", "12");
+  const test::CapturedCout captured;
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 1}, {"b.stl", 2}},
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a\n.stl", 1}, {"b.stl", 2}},
                              {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "plenvorith-batch: admesh gave nothing for 1 files\n"
-            "plenvorith-batch: f3d gave nothing for 1 files\n");
-  EXPECT_FALSE(findInspection(*setting.inspections, "a.stl").check);
+            "plenvorith-batch: admesh gave nothing for a\\n.stl: exit status 1\n"
+            "plenvorith-batch: f3d gave nothing for a\\n.stl: exit status 1\n");
+  EXPECT_EQ(withoutTime(captured.text()), "Checked: 1 of 2 meshes,\nDrawn: 1 of 2 meshes,\n");
+  EXPECT_FALSE(findInspection(*setting.inspections, "a\n.stl").check);
   EXPECT_TRUE(findInspection(*setting.inspections, "b.stl").check);
-  EXPECT_EQ(findInspection(*setting.inspections, "a.stl").picture, "");
+  EXPECT_EQ(findInspection(*setting.inspections, "a\n.stl").picture, "");
+}
+
+TEST(InspectOutputs, SaysWhatAToolThatEndsWellHasNotDone) {
+  const Setting setting;
+  setting.addTool("admesh", "echo nonsense");
+  setting.addTool("Xvfb", "echo 7; exec sleep 1000");
+  setting.addTool("f3d", "exit 0");
+  test::writeFile(setting.outputs + "a.stl", "1");
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 1}}, {true, true, 1},
+                             never));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "plenvorith-batch: admesh gave nothing for a.stl: it does not say what is asked\n"
+            "plenvorith-batch: f3d gave nothing for a.stl: it has drawn nothing\n");
+}
+
+TEST(InspectOutputs, NamesOnlyTheFirstOfManyAndShowsHowFarItIs) {
+  const Setting setting;
+  setting.addTool("admesh", "exit 3");
+  std::vector<OutputRecord> outputs;
+  for (int i = 0; i < 25; ++i) {
+    outputs.push_back({std::to_string(i) + ".stl", 1});
+    test::writeFile(setting.outputs + outputs.back().path, "1");
+  }
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs,
+                             {.checks = true, .isLine = true}, never));
+  const std::string errors = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(errors, HasSubstr("nothing for 19.stl: exit status 3\n"));
+  EXPECT_THAT(errors, testing::Not(HasSubstr("nothing for 20.stl")));
+  EXPECT_THAT(errors, HasSubstr("check: 25/25 files, 25 failed"));
+  EXPECT_THAT(errors, testing::EndsWith("plenvorith-batch: admesh gave nothing for 5 more\n"));
 }
 
 TEST(InspectOutputs, SaysOnceThatAToolIsMissing) {

@@ -96,7 +96,7 @@ TEST(RunTools, EndsWhatTakesTooLongWithAllThatItStarted) {
   const TempDir directory;
   const std::string script = "sleep 1000 & echo $! >" + (directory / "pid") + "; wait";
   const auto results = runScripts({script, "echo done"}, 1, std::chrono::seconds(2));
-  EXPECT_TRUE(results.at(0).timedOut);
+  EXPECT_EQ(results.at(0).ending, "out of time");
   EXPECT_FALSE(results.at(0).succeeded);
   EXPECT_TRUE(results.at(1).succeeded);
   // What has ended has no command line any more, even if nobody has asked for its status yet.
