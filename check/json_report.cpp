@@ -82,19 +82,20 @@ Json jsonOf(const CheckedPart& checked) {
 
 std::vector<std::string> jsonReport(const CheckedModel& model, Reported reported) {
   std::vector<std::string> lines;
-  std::size_t problems = 0;
-  std::uint64_t triangles = 0;
   for (const CheckedPart& part : model.parts) {
-    const bool isBad = hasProblem(part);
-    problems += isBad ? 1 : 0;
-    triangles += part.mesh.measure.triangles;
-    if (isBad || reported == Reported::All) {
+    if (reported == Reported::All || hasProblem(part)) {
       lines.push_back(jsonOf(part).dump());
     }
   }
-  Json file = {{"parts", model.parts.size()},
-               {"partsWithProblems", problems},
-               {"triangles", triangles},
+  const ModelTotals totals = totalsOf(model);
+  Json file = {{"parts", totals.parts},
+               {"partsWithProblems", totals.partsWithProblems},
+               {"openSolids", totals.openSolids},
+               {"facesWithoutMesh", totals.facesWithoutMesh},
+               {"facesOverDeflection", totals.facesOverDeflection},
+               {"deviation", totals.deviation},
+               {"triangles", totals.triangles},
+               {"volume", totals.volume},
                {"deflection", model.deflection}};
   if (model.hasMesh) {
     file["meshIsOfInput"] = true;

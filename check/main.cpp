@@ -78,10 +78,7 @@ int checkFile(const CheckOptions& options, bool asText) {
     return fail(problem);
   }
   const Reported reported = options.all ? Reported::All : Reported::Problems;
-  bool hasProblems = hasProblemOfTheWhole(model);
-  for (const CheckedPart& part : model.parts) {
-    hasProblems = hasProblems || hasProblem(part);
-  }
+  const bool hasProblems = totalsOf(model).partsWithProblems > 0 || hasProblemOfTheWhole(model);
   return print(asText ? textReport(model, reported) : jsonReport(model, reported), hasProblems);
 }
 
@@ -89,7 +86,7 @@ int run(const std::vector<std::string>& arguments) {
   const std::optional<CheckOptions> options = checkOptionsFrom(arguments);
   if (!options) {
     std::cerr << "usage: plenvorith-check [--all] [--exact] [--text] INPUT.step "
-                 "[MESH.stl [DEFLECTION]]"
+                 "[MESH.stl|- [DEFLECTION]]"
               << std::endl;
     std::cerr << "       plenvorith-check [--text] MESH.stl" << std::endl;
     return kWrongUse;

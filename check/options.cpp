@@ -39,7 +39,7 @@ std::optional<CheckOptions> checkOptionsFrom(const std::vector<std::string>& arg
   std::vector<std::string> operands;
   bool hasEnded = false;
   for (const std::string& argument : arguments) {
-    if (hasEnded || !argument.starts_with("-")) {
+    if (hasEnded || !argument.starts_with("-") || argument == "-") {
       operands.push_back(argument);
     } else if (argument == "--") {
       hasEnded = true;
@@ -63,9 +63,11 @@ std::optional<CheckOptions> checkOptionsFrom(const std::vector<std::string>& arg
                                                                       : std::nullopt;
   }
   options.input = operands[0];
-  options.mesh = operands.size() > 1 ? operands[1] : "";
-  if (operands.size() > 1 && options.mesh.empty()) {
+  if (operands.size() > 1 && operands[1].empty()) {
     return std::nullopt;
+  }
+  if (operands.size() > 1 && operands[1] != "-") {
+    options.mesh = operands[1];
   }
   if (operands.size() == 3) {
     const std::optional<double> deflection = lengthFrom(operands[2]);

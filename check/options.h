@@ -9,7 +9,7 @@ namespace plenvorith {
 /// What a command line asks for.
 struct CheckOptions {
   std::string input;  ///< a STEP file; empty if a mesh stands for itself
-  std::string mesh;   ///< an STL file; empty if there is none
+  std::string mesh;   ///< an STL file; empty if there is none, as for "-"
   double deflection = 0.1;
   bool all = false;
   bool withExact = false;

@@ -100,6 +100,22 @@ bool hasProblem(const CheckedPart& part) {
   return !isSound || faces.withoutMesh > 0 || faces.overDeflection > 0 || isStatedOtherwise;
 }
 
+ModelTotals totalsOf(const CheckedModel& model) {
+  ModelTotals totals;
+  for (const CheckedPart& part : model.parts) {
+    const FaceFacts& faces = part.part.faces;
+    ++totals.parts;
+    totals.partsWithProblems += hasProblem(part) ? 1U : 0U;
+    totals.openSolids += isSolid(part) && !isClosed(part.mesh) ? 1U : 0U;
+    totals.facesWithoutMesh += faces.withoutMesh;
+    totals.facesOverDeflection += faces.overDeflection;
+    totals.deviation = std::max(totals.deviation, faces.deviation);
+    totals.triangles += part.mesh.measure.triangles;
+    totals.volume += isClosed(part.mesh) ? volumeOf(part.mesh.measure) : 0.0;
+  }
+  return totals;
+}
+
 bool hasProblemOfTheWhole(const CheckedModel& model) {
   if (!model.withExact || model.parts.empty()) {
     return false;

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
 #include "check/checked_model.h"
 
 namespace plenvorith {
@@ -29,6 +33,19 @@ PartMeasures bestMeasures(const CheckedModel& model);
 /// problem. What the file states is one only beside exact measures that are known, as those of a
 /// mesh differ by their nature.
 bool hasProblem(const CheckedPart& part);
+
+/// What a model comes to.
+struct ModelTotals {
+  std::size_t parts = 0;
+  std::size_t partsWithProblems = 0;
+  std::size_t openSolids = 0;
+  std::int64_t facesWithoutMesh = 0;
+  std::int64_t facesOverDeflection = 0;
+  double deviation = 0.0;  ///< the largest
+  std::uint64_t triangles = 0;
+  double volume = 0.0;  ///< of the meshes of all parts that are closed
+};
+ModelTotals totalsOf(const CheckedModel& model);
 
 /// Whether what the file states of all parts together is off; the same holds.
 bool hasProblemOfTheWhole(const CheckedModel& model);

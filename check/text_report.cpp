@@ -92,24 +92,23 @@ bool isWorse(const CheckedPart* a, const CheckedPart* b) {
 
 std::vector<std::string> textReport(const CheckedModel& model, Reported reported) {
   std::vector<const CheckedPart*> parts;
-  std::size_t problems = 0;
-  std::uint64_t triangles = 0;
   for (const CheckedPart& part : model.parts) {
-    const bool isBad = hasProblem(part);
-    problems += isBad ? 1 : 0;
-    triangles += part.mesh.measure.triangles;
-    if (isBad || reported == Reported::All) {
+    if (reported == Reported::All || hasProblem(part)) {
       parts.push_back(&part);
     }
   }
+  const ModelTotals totals = totalsOf(model);
   std::stable_sort(parts.begin(), parts.end(), isWorse);
   std::vector<std::string> lines;
   if (!parts.empty()) {
     lines = table(parts);
   }
-  lines.push_back((problems == 0 ? "No problem" : counted(problems, "part") + " with problems") +
-                  " in " + counted(model.parts.size(), "part") + ", " +
-                  counted(triangles, "triangle") + ", deflection " + shortNumber(model.deflection));
+  lines.push_back((totals.partsWithProblems == 0
+                       ? "No problem"
+                       : counted(totals.partsWithProblems, "part") + " with problems") +
+                  " in " + counted(totals.parts, "part") + ", " +
+                  counted(totals.triangles, "triangle") + ", deflection " +
+                  shortNumber(model.deflection));
   if (model.hasMesh) {
     lines.emplace_back("The mesh is that of the file.");
   }

@@ -22,12 +22,18 @@ CheckedPart openSolid() {
 TEST(JsonReport, OfAModelWithoutProblemsIsOneLine) {
   CheckedModel model = modelOf({soundPart(), openShell()});
   model.deflection = 0.25;
-  EXPECT_THAT(jsonReport(model, Reported::Problems),
-              ElementsAre(R"({"parts":2,"partsWithProblems":0,"triangles":24,"deflection":0.25})"));
+  EXPECT_THAT(
+      jsonReport(model, Reported::Problems),
+      ElementsAre(R"({"parts":2,"partsWithProblems":0,"openSolids":0,"facesWithoutMesh":0,)"
+                  R"("facesOverDeflection":0,"deviation":0.0625,"triangles":24,"volume":8.0,)"
+                  R"("deflection":0.25})"));
   model.hasMesh = true;
-  EXPECT_THAT(jsonReport(model, Reported::Problems),
-              ElementsAre(R"({"parts":2,"partsWithProblems":0,"triangles":24,"deflection":0.25,)"
-                          R"("meshIsOfInput":true})"));
+  EXPECT_THAT(
+      jsonReport(model, Reported::Problems),
+      ElementsAre(R"({"parts":2,"partsWithProblems":0,"openSolids":0,"facesWithoutMesh":0,)"
+                  R"("facesOverDeflection":0,"deviation":0.0625,"triangles":24,"volume":8.0,)"
+                  R"("deflection":0.25,)"
+                  R"("meshIsOfInput":true})"));
 }
 
 TEST(JsonReport, TellsOfEachPartWithAProblem) {
@@ -38,7 +44,8 @@ TEST(JsonReport, TellsOfEachPartWithAProblem) {
           R"("closed":false,"openEdges":3,"degenerate":0,"faces":6,"facesWithoutMesh":0,)"
           R"("facesOverDeflection":0,"deviation":0.0625,"volume":8.0,"area":24.0,)"
           R"("placement":[1.0,0.0,0.0,10.0,0.0,1.0,0.0,20.0,0.0,0.0,1.0,30.0]})",
-          R"({"parts":2,"partsWithProblems":1,"triangles":24,"deflection":0.1})"));
+          R"({"parts":2,"partsWithProblems":1,"openSolids":1,"facesWithoutMesh":0,)"
+          R"("facesOverDeflection":0,"deviation":0.0625,"triangles":24,"volume":8.0,"deflection":0.1})"));
 }
 
 TEST(JsonReport, TellsOfAllPartsInTheirOrder) {

@@ -25,6 +25,13 @@ TEST(CheckOptions, NameAFileItsMeshAndTheDeflection) {
   EXPECT_EQ(checkOptionsFrom({"part.step", "a", "1e-3"})->deflection, 0.001);
 }
 
+TEST(CheckOptions, TakeADashForNoMesh) {
+  const auto options = checkOptionsFrom({"part.step", "-", "0.5"});
+  ASSERT_TRUE(options);
+  EXPECT_EQ(options->mesh, "");
+  EXPECT_EQ(options->deflection, 0.5);
+}
+
 TEST(CheckOptions, TellAMeshByItsName) {
   for (const char* name : {"out.stl", "OUT.STL", "a.b.Stl", ".stl"}) {
     const auto options = checkOptionsFrom({name});
