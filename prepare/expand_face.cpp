@@ -11,22 +11,16 @@ namespace {
 /// calls `each` with the indices and then `finish`.
 template <typename Copy, typename Each, typename Finish>
 bool readLists(BodyCursor& cursor, Copy copy, Each each, Finish finish) {
-  if (!cursor.take('(')) {
-    return cursor.take('$');
-  }
-  if (cursor.take(')')) {
-    return true;
-  }
-  do {
+  return readList(cursor, [&cursor, &copy, &each, &finish] {
     if (copy()) {
-      continue;
+      return true;
     }
     if (!readIndices(cursor, each)) {
       return false;
     }
     finish();
-  } while (cursor.take(','));
-  return cursor.take(')');
+    return true;
+  });
 }
 
 bool readTriangles(BodyCursor& cursor, FaceTriangles& triangles) {

@@ -16,12 +16,12 @@ constexpr std::ptrdiff_t kMaxIndexDigits = 18;
 /// Reads one index; of a real number its whole part. False if there is no number.
 [[nodiscard]] bool readIndex(BodyCursor& cursor, Index& index);
 
-/// Calls `each` with the indices of a list, "(1,2,3)", one by one; a missing list, "$", has none. The
-/// cursor then stands behind the index, and `each` may move it about if it comes back.
+/// Goes over a list, "(a,b,c)", with the cursor at each of its items in turn, which `readItem` reads;
+/// a missing list, "$", has none.
 ///
-/// Errors  false if something else than numbers stands in the list.
-template <typename Each>
-[[nodiscard]] bool readIndices(BodyCursor& cursor, Each each) {
+/// Errors  false if `readItem` says so, or if something else stands between the items.
+template <typename ReadItem>
+[[nodiscard]] bool readList(BodyCursor& cursor, ReadItem readItem) {
   if (!cursor.take('(')) {
     return cursor.take('$');
   }
@@ -29,13 +29,27 @@ template <typename Each>
     return true;
   }
   do {
+    if (!readItem()) {
+      return false;
+    }
+  } while (cursor.take(','));
+  return cursor.take(')');
+}
+
+/// Calls `each` with the indices of a list, "(1,2,3)", one by one. The cursor then stands behind the
+/// index, and `each` may move it about if it comes back.
+///
+/// Errors  false if something else than numbers stands in the list.
+template <typename Each>
+[[nodiscard]] bool readIndices(BodyCursor& cursor, Each each) {
+  return readList(cursor, [&cursor, &each] {
     Index index = 0;
     if (!readIndex(cursor, index)) {
       return false;
     }
     each(index);
-  } while (cursor.take(','));
-  return cursor.take(')');
+    return true;
+  });
 }
 
 }  // namespace plenvorith
