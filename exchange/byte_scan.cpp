@@ -59,10 +59,11 @@ const char* findSpecial(const char* p, const char* end) {
   return p;
 }
 
-const char* findMark(const char* p, const char* end, std::uint64_t& opened) {
+const char* findMark(const char* p, const char* end, Parentheses& counts) {
   while (end - p >= kSize) {
     // Counts in bytes as long as none overflows.
-    Bytes counts = {};
+    Bytes opened = {};
+    Bytes closed = {};
     int rounds = 255;
     for (; rounds > 0 && end - p >= kSize; --rounds, p += kSize) {
       const Bytes bytes = loadBytes(p);
@@ -70,17 +71,20 @@ const char* findMark(const char* p, const char* end, std::uint64_t& opened) {
                    equal(bytes, ';'))) {
         break;
       }
-      counts -= equal(bytes, '(');
+      opened -= equal(bytes, '(');
+      closed -= equal(bytes, ')');
     }
-    for (std::size_t i = 0; i < sizeof counts; ++i) {
-      opened += counts[i];
+    for (std::size_t i = 0; i < sizeof opened; ++i) {
+      counts.opened += opened[i];
+      counts.closed += closed[i];
     }
     if (rounds > 0) {
       break;
     }
   }
   for (; p != end && !isMark(*p); ++p) {
-    opened += *p == '(' ? 1 : 0;
+    counts.opened += *p == '(' ? 1 : 0;
+    counts.closed += *p == ')' ? 1 : 0;
   }
   return p;
 }

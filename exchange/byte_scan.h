@@ -17,8 +17,19 @@ constexpr bool isBlank(char c) {
 ///        depend on what comes behind it. `end` if there are no bytes.
 [[nodiscard]] const char* findSpecial(const char* p, const char* end);
 
+/// The capital letter of a small one; anything else as it is.
+constexpr char capital(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// How many parentheses open and close in a text.
+struct Parentheses {
+  std::uint64_t opened = 0;
+  std::uint64_t closed = 0;
+};
+
 /// Finds the first byte at which a string, a binary, a comment or the end of a statement may start,
-/// or `end` if none is there. Adds the number of parentheses that open before it.
-[[nodiscard]] const char* findMark(const char* p, const char* end, std::uint64_t& opened);
+/// or `end` if none is there. Adds the parentheses before it.
+[[nodiscard]] const char* findMark(const char* p, const char* end, Parentheses& counts);
 
 }  // namespace plenvorith

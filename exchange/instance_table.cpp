@@ -2,63 +2,33 @@
 
 #include <algorithm>
 #include <numeric>
-#include <string_view>
-
-#include "common/ascii.h"
-#include "exchange/body_cursor.h"
 
 namespace plenvorith {
 namespace {
 
-/// How much of a body is looked at for its keyword.
-constexpr std::size_t kLongestKeyword = 256;
-
-/// Goes over a string at the start of a text.
-std::size_t stringLength(std::string_view text) {
-  std::size_t end = 0;
-  while (end < text.size() && text[end] == '\'') {
-    end = std::min(text.find('\'', end + 1), text.size() - 1) + 1;
+/// Goes to the points of the COORDINATES_LIST that the reader stands at and counts them. `isWhole` is
+/// whether all parentheses balance.
+std::uint64_t countPoints(StatementReader& reader, bool isComplex, bool& isBalanced) {
+  std::uint64_t opened = 0;
+  bool isThere = false;
+  {
+    TokenReader tokens(reader);
+    isThere = tokens.enterRecord("COORDINATES_LIST", isComplex) &&
+              tokens.skipParameters(isComplex ? 1 : 2);  // name, npoints
+    // Of a complex instance other records follow, so that each has to be looked at.
+    std::int64_t depth = 0;
+    while (isThere && isComplex && !tokens.isAtEnd() && !(depth == 0 && opened > 0)) {
+      const Token::Kind kind = tokens.next().kind;
+      depth += kind == Token::Kind::Open ? 1 : kind == Token::Kind::Close ? -1 : 0;
+      opened += kind == Token::Kind::Open ? 1 : 0;
+    }
   }
-  return end;
-}
-
-/// Counts the points of the coordinates list that the reader stands at.
-std::uint64_t countPoints(StatementReader& reader) {
-  const std::string_view text = reader.peek(kLongestKeyword);
-  const std::size_t name = std::min(text.find('('), text.size() - 1) + 1;
-  reader.consume(name + stringLength(text.substr(name)));
-  const std::uint64_t opened = reader.countOpened();
+  const Parentheses rest = reader.skipBody();
+  if (!isComplex) {
+    opened = rest.opened;
+    isBalanced = isThere && rest.opened + 1 == rest.closed;
+  }
   return opened == 0 ? 0 : opened - 1;  // less the list itself
-}
-
-/// What a face names, as the start of an instance that names no more: its lists of normals and
-/// indices are most of a file.
-std::string linksOf(StatementReader& reader) {
-  BodyCursor cursor(reader);
-  std::string links = cursor.takeKeyword();
-  const bool hasLink = links.ends_with("FACE");
-  (void)cursor.take('(');
-  cursor.skipParameter();  // name
-  links += "('',";
-  const auto copyReference = [&cursor, &links] {
-    (void)cursor.take(',');
-    const std::size_t size = links.size();
-    while (cursor.peek() == '#' || isDigit(cursor.peek())) {
-      links += cursor.peek();
-      (void)cursor.take(cursor.peek());
-    }
-    links += links.size() == size ? "$" : "";
-    cursor.skipParameter();
-  };
-  copyReference();  // coordinates
-  if (hasLink) {
-    links += ",0,(),";
-    for (int i = 0; i < 2 && cursor.take(','); ++i) {  // pnmax, normals
-      cursor.skipParameter();
-    }
-    copyReference();
-  }
-  return links + ")";
 }
 
 }  // namespace
@@ -72,10 +42,10 @@ bool InstanceTable::read(StatementReader& reader) {
     }
   }
   error_ = reader.error();
+  namedInStrings_ = reader.namedInStrings();
   if (!error_.empty()) {
     return false;
   }
-  largestNumber_ = std::max(largestNumber_, scanner.largestNumber());
   sortNumbers();
   return true;
 }
@@ -87,79 +57,93 @@ bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
     return false;
   }
   const std::uint64_t offset = reader.offset();
-  const std::string_view start = reader.peek(kLongestKeyword);
-  const std::string_view keyword = start.substr(0, start.find_first_of(kBehindKeyword));
-  const bool isComplex = start.starts_with('(');
   std::uint16_t type = 0;
-  // The surfaces and curves of complex instances begin with these; there are many.
-  const bool isBounded =
-      start.starts_with("(BOUNDED_SURFACE(") || start.starts_with("(BOUNDED_CURVE(");
-  if (!isComplex || isBounded) {
-    type = types_.idOf(isBounded ? "BOUNDED_SURFACE" : keyword, isBounded);
-  }
-  if (isComplex && !isBounded) {
-    store(index, reader, scanner, false);
-    type = types_.idOf(scanner.keywords(), true);
-  }
+  const bool isBalanced = readBody(index, reader, scanner, type);
   if (type == EntityTypes::kMaxCount) {
     error_ = "too many types of entities";
     return false;
   }
-  if (isComplex) {
-    // Its references are stored.
-  } else if (types_[type].has(kCoordinates)) {
-    pointCounts_.emplace_back(index, countPoints(reader));
-  } else if (!types_[type].has(kGeometryOnly)) {
-    store(index, reader, scanner, types_[type].has(kFace));
-  }
-  const std::uint64_t number = reader.number();
-  largestNumber_ = std::max(largestNumber_, number);
-  instances_.push_back({number << 1U, offset << 16U | type});
+  hasUnbalanced_ = hasUnbalanced_ || !isBalanced;
+  voidCount_ += isBalanced ? 0 : 1;
+  instances_.push_back({reader.number() << 1U | (isBalanced ? 0U : 1U), offset << 16U | type});
   return true;
 }
 
-/// Stores the references of the instance that the reader stands at.
-void InstanceTable::store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner,
-                          bool isFace) {
-  const std::uint64_t place = store_.size();
-  scanner.start(store_);
-  if (isFace) {
-    scanner.scan(linksOf(reader));
-  } else {
-    for (std::string_view text = reader.peek(); !text.empty(); text = reader.peek()) {
-      scanner.scan(text);
-      reader.consume(text.size());
+/// Takes from the body that the reader stands at what is kept of it, and its type. False if its
+/// parentheses do not balance.
+bool InstanceTable::readBody(InstanceIndex index, StatementReader& reader,
+                             ReferenceScanner& scanner, std::uint16_t& type) {
+  constexpr std::size_t kUsual = 256;
+  const std::string_view start = reader.peek(kUsual);
+  // The surfaces and curves of complex instances begin with these; there are many.
+  const bool isSurface = start.starts_with("(BOUNDED_SURFACE(");
+  if (isSurface || start.starts_with("(BOUNDED_CURVE(")) {
+    type = types_.idOf(isSurface ? "BOUNDED_SURFACE" : "BOUNDED_CURVE", true);
+    const Parentheses all = reader.skipBody();
+    return all.opened == all.closed;
+  }
+  const std::size_t end = start.find_first_of("(),#'\"");
+  if (end != 0 && end != std::string_view::npos) {
+    type = types_.idOf(start.substr(0, end), false);
+    if (type == EntityTypes::kMaxCount) {
+      return true;
+    }
+    if (types_[type].is(Kind::CoordinatesList)) {
+      bool isBalanced = true;
+      pointCounts_.emplace_back(index, countPoints(reader, false, isBalanced));
+      return isBalanced;
+    }
+    if (types_[type].namesGeometryOnly) {
+      const Parentheses all = reader.skipBody();
+      return all.opened == all.closed;
     }
   }
-  scanner.finish();
+  const bool isBalanced = store(index, reader, scanner);
+  type = types_.idOf(scanner.keywords(), scanner.isComplex());
+  if (type != EntityTypes::kMaxCount && types_[type].is(Kind::CoordinatesList)) {
+    const std::uint64_t place = reader.offset();
+    bool ignored = true;
+    reader.seekBody(place);
+    pointCounts_.emplace_back(index, countPoints(reader, true, ignored));
+  }
+  return isBalanced;
+}
+
+/// Stores the references of the instance that the reader stands at. False if its parentheses do not
+/// balance.
+bool InstanceTable::store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner) {
+  const std::uint64_t place = store_.size();
+  const bool isBalanced = scanner.scan(reader, store_);
   if (store_.size() == place + 1) {
     store_.pop_back();  // the mark of the end alone: the instance names nothing
-    return;
+  } else {
+    stored_.push_back({index, static_cast<std::uint32_t>(place & 0xFFFFFFFFU),
+                       static_cast<std::uint32_t>(place >> 32U)});
   }
-  stored_.push_back({index, static_cast<std::uint32_t>(place & 0xFFFFFFFFU),
-                     static_cast<std::uint32_t>(place >> 32U)});
+  return isBalanced;
 }
 
 /// Finds the instances that later ones replace, and makes numbers searchable.
 void InstanceTable::sortNumbers() {
   const auto isDisorder = [](const Instance& a, const Instance& b) {
-    return a.numberAndFlag >= b.numberAndFlag;
+    return a.numberAndFlag >> 1U >= b.numberAndFlag >> 1U;
   };
   if (std::adjacent_find(instances_.begin(), instances_.end(), isDisorder) == instances_.end()) {
     return;
   }
   byNumber_.resize(instances_.size());
   std::iota(byNumber_.begin(), byNumber_.end(), 0);
+  std::erase_if(byNumber_, [this](InstanceIndex index) { return isVoid(index); });
   std::sort(byNumber_.begin(), byNumber_.end(), [this](InstanceIndex a, InstanceIndex b) {
     return number(a) != number(b) ? number(a) < number(b) : a < b;
   });
   for (std::size_t i = 1; i < byNumber_.size(); ++i) {
     if (number(byNumber_[i]) == number(byNumber_[i - 1])) {
       instances_[byNumber_[i - 1]].numberAndFlag |= 1U;
-      ++replacedCount_;
+      ++voidCount_;
     }
   }
-  std::erase_if(byNumber_, [this](InstanceIndex index) { return isReplaced(index); });
+  std::erase_if(byNumber_, [this](InstanceIndex index) { return isVoid(index); });
 }
 
 InstanceIndex InstanceTable::find(std::uint64_t wanted) const {
@@ -168,7 +152,7 @@ InstanceIndex InstanceTable::find(std::uint64_t wanted) const {
                                         [](const Instance& instance, std::uint64_t other) {
                                           return instance.numberAndFlag >> 1U < other;
                                         });
-    return found == instances_.end() || found->numberAndFlag >> 1U != wanted
+    return found == instances_.end() || found->numberAndFlag != wanted << 1U
                ? kNoInstance
                : static_cast<InstanceIndex>(found - instances_.begin());
   }
@@ -195,14 +179,16 @@ std::size_t InstanceTable::referencesOf(InstanceIndex index) const {
   return std::size_t{found->placeHigh} << 32U | found->placeLow;
 }
 
-InstanceIndex InstanceTable::attribute(InstanceIndex index, std::size_t n) const {
+InstanceIndex InstanceTable::attribute(InstanceIndex index, const Attribute& attribute) const {
   InstanceIndex result = kNoInstance;
-  std::size_t seen = 0;
-  forEachReference(index, [&](const Reference& reference) {
-    if (reference.kind == Reference::Kind::Attribute && seen++ == n) {
-      result = find(reference.number);
-    }
-  });
+  if (index != kNoInstance) {
+    const EntityType& entityType = type(index);
+    forEachReference(index, [&](const Reference& reference) {
+      if (reference.kind == Reference::Kind::Attribute && isOf(entityType, reference, attribute)) {
+        result = find(reference.number);
+      }
+    });
+  }
   return result;
 }
 

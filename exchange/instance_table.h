@@ -5,6 +5,7 @@
 #include <deque>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,23 @@ namespace plenvorith {
 /// The place of an instance in the order of the file, from 0.
 using InstanceIndex = std::uint32_t;
 constexpr InstanceIndex kNoInstance = std::numeric_limits<InstanceIndex>::max();
+
+/// An attribute of an entity as its schema declares it.
+struct Attribute {
+  std::string_view record;        ///< the keyword of the entity that declares it
+  std::uint32_t place = 0;        ///< in the record of a complex instance, from 0
+  std::uint32_t simplePlace = 0;  ///< in a simple instance, behind what it inherits
+};
+
+/// Whether a reference is, or is in, this attribute. What a malformed instance has behind its records
+/// belongs to nothing.
+[[nodiscard]] inline bool isOf(const EntityType& type, const Reference& reference,
+                               const Attribute& attribute) {
+  return type.isComplex
+             ? reference.record < type.keywords.size() && reference.attribute == attribute.place &&
+                   type.keywords[reference.record] == attribute.record
+             : reference.record == 0 && reference.attribute == attribute.simplePlace;
+}
 
 /// What is kept of every instance of a file: sixteen bytes, and its references where they may say
 /// something of tessellation or product structure.
@@ -31,9 +49,9 @@ class InstanceTable {
   [[nodiscard]] std::size_t size() const {
     return instances_.size();
   }
-  /// How many different numbers there are.
-  [[nodiscard]] std::size_t distinctCount() const {
-    return size() - replacedCount_;
+  /// How many instances count.
+  [[nodiscard]] std::size_t countedCount() const {
+    return size() - voidCount_;
   }
   [[nodiscard]] std::uint64_t number(InstanceIndex index) const {
     return instances_[index].numberAndFlag >> 1U;
@@ -45,16 +63,28 @@ class InstanceTable {
   [[nodiscard]] const EntityType& type(InstanceIndex index) const {
     return types_[static_cast<std::uint16_t>(instances_[index].offsetAndType & 0xFFFFU)];
   }
-  [[nodiscard]] bool has(InstanceIndex index, std::uint32_t anyOf) const {
-    return !isReplaced(index) && type(index).has(anyOf);
+  /// The types that there are, in the order in which they were met.
+  [[nodiscard]] const EntityTypes& types() const {
+    return types_;
   }
-  /// Whether a later instance has the same number, so that this one is none.
-  [[nodiscard]] bool isReplaced(InstanceIndex index) const {
+  /// Whether the instance counts and is of one of these kinds.
+  template <typename... Kinds>
+  [[nodiscard]] bool is(InstanceIndex index, Kinds... kinds) const {
+    return !isVoid(index) && type(index).is(kinds...);
+  }
+  [[nodiscard]] bool isTessellated(InstanceIndex index) const {
+    return !isVoid(index) && type(index).isTessellated;
+  }
+  /// Whether this is no instance, as its parentheses do not balance, or a later one has its number.
+  [[nodiscard]] bool isVoid(InstanceIndex index) const {
     return (instances_[index].numberAndFlag & 1U) != 0;
   }
-  /// Of an instance, or in a reference, which may name none: a new instance must not become it.
-  [[nodiscard]] std::uint64_t largestNumber() const {
-    return largestNumber_;
+  [[nodiscard]] bool hasUnbalanced() const {
+    return hasUnbalanced_;
+  }
+  /// The numbers that strings of the file name.
+  [[nodiscard]] const NamedNumbers& namedInStrings() const {
+    return namedInStrings_;
   }
   /// How many points a coordinates list holds.
   [[nodiscard]] std::uint64_t pointCount(InstanceIndex coordinates) const;
@@ -76,14 +106,28 @@ class InstanceTable {
     }
   }
 
-  /// The instance that the n-th attribute names that is a reference itself, from 0; `kNoInstance`
-  /// if there is none or it names none.
-  [[nodiscard]] InstanceIndex attribute(InstanceIndex index, std::size_t n) const;
+  /// The instance that an attribute names; `kNoInstance` if it is no reference, or names none.
+  [[nodiscard]] InstanceIndex attribute(InstanceIndex index, const Attribute& attribute) const;
+
+  /// Calls `visit` with the instance of each item of a list that is an attribute.
+  template <typename Visit>
+  void forEachItem(InstanceIndex index, const Attribute& attribute, Visit visit) const {
+    const EntityType& type = this->type(index);
+    forEachReference(index, [&](const Reference& reference) {
+      const InstanceIndex item =
+          reference.kind == Reference::Kind::ListItem && isOf(type, reference, attribute)
+              ? find(reference.number)
+              : kNoInstance;
+      if (item != kNoInstance) {
+        visit(item);
+      }
+    });
+  }
 
  private:
   static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
   struct Instance {
-    std::uint64_t numberAndFlag = 0;  // twice the number, plus 1 if it is replaced
+    std::uint64_t numberAndFlag = 0;  // twice the number, plus 1 if it is void
     std::uint64_t offsetAndType = 0;  // the offset in the upper 48 bits
   };
 
@@ -93,7 +137,9 @@ class InstanceTable {
   };
 
   bool add(StatementReader& reader, ReferenceScanner& scanner);
-  void store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner, bool isFace);
+  bool readBody(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner,
+                std::uint16_t& type);
+  bool store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner);
   void sortNumbers();
   std::size_t referencesOf(InstanceIndex index) const;
 
@@ -103,8 +149,9 @@ class InstanceTable {
   ReferenceStore store_;
   std::deque<std::pair<InstanceIndex, std::uint64_t>> pointCounts_;  // in the order of the file
   std::vector<InstanceIndex> byNumber_;  // empty if the numbers ascend in the file
-  std::size_t replacedCount_ = 0;
-  std::uint64_t largestNumber_ = 0;
+  std::size_t voidCount_ = 0;
+  bool hasUnbalanced_ = false;
+  NamedNumbers namedInStrings_;
   std::string error_;
 };
 

@@ -1,90 +1,68 @@
 #include "exchange/parameters.h"
 
 #include <charconv>
-#include <cmath>
 #include <cstdint>
-#include <system_error>
+#include <utility>
+
+#include "exchange/real_number.h"
+#include "exchange/token_reader.h"
 
 namespace plenvorith {
 namespace {
 
-/// More than any placement or unit has.
-constexpr std::size_t kLongestBody = 4096;
+/// More than any schema has; deeper ones are left out.
+constexpr int kDeepest = 16;
 
-/// Where the parameter, string or group that starts at `from` ends.
-std::size_t endOfParameter(std::string_view text, std::size_t from) {
-  std::size_t depth = 0;
-  std::size_t place = from;
-  for (; place < text.size(); ++place) {
-    const char c = text[place];
-    if (c == '\'' || c == '"') {
-      place = text.find(c, place + 1);
-      if (place == std::string_view::npos) {
-        return text.size();
-      }
-    } else if (c == '(') {
-      ++depth;
-    } else if (c == ')' || c == ',') {
-      if (depth == 0) {
-        break;
-      }
-      depth -= c == ')' ? 1 : 0;
-    }
+Parameter readParameter(TokenReader& tokens, int depth);
+
+/// Reads the parameters from behind "(" to behind ")"; false if something else stands there.
+bool readParameters(TokenReader& tokens, int depth, std::vector<Parameter>& parameters) {
+  if (tokens.take(')')) {
+    return true;
   }
-  return place;
+  do {
+    parameters.push_back(readParameter(tokens, depth));
+  } while (tokens.take(','));
+  return tokens.take(')');
+}
+
+Parameter readParameter(TokenReader& tokens, int depth) {
+  Parameter parameter;
+  char c = tokens.peek();
+  while (!tokens.isAtEnd() && c != ',' && c != ')' && c != '(') {
+    parameter.text += tokens.next().text;
+    c = tokens.peek();
+  }
+  if (c == '(' && depth < kDeepest) {
+    (void)tokens.take('(');
+    (void)readParameters(tokens, depth + 1, parameter.items);
+  }
+  tokens.skipParameter();  // what is left of a deep or malformed one
+  return parameter;
 }
 
 }  // namespace
-
-std::vector<std::string> splitList(std::string_view text) {
-  std::vector<std::string> items;
-  if (!text.starts_with('(') || !text.ends_with(')') || text == "()") {
-    return items;
-  }
-  std::size_t place = 0;
-  while (place + 1 < text.size()) {
-    const std::size_t end = endOfParameter(text, place + 1);
-    items.emplace_back(text.substr(place + 1, end - place - 1));
-    place = end;
-  }
-  return items;
-}
-
-std::vector<Record> splitRecords(std::string_view body) {
-  std::vector<Record> records;
-  std::string_view rest = body;
-  if (rest.starts_with('(') && rest.ends_with(')')) {
-    rest = rest.substr(1, rest.size() - 2);
-  }
-  while (!rest.empty()) {
-    const std::size_t open = rest.find('(');
-    if (open == std::string_view::npos) {
-      break;
-    }
-    std::size_t end = open;
-    while (end < rest.size() && rest[end] != ')') {
-      end = endOfParameter(rest, end + 1);
-    }
-    if (end >= rest.size()) {
-      break;
-    }
-    records.push_back(
-        {std::string(rest.substr(0, open)), splitList(rest.substr(open, end + 1 - open))});
-    rest.remove_prefix(end + 1);
-  }
-  return records;
-}
 
 InstanceReader::InstanceReader(const InstanceTable& table, StatementReader& reader)
     : table_(table), reader_(reader) {}
 
 std::vector<Record> InstanceReader::read(InstanceIndex index) {
+  std::vector<Record> records;
   if (index == kNoInstance) {
-    return {};
+    return records;
   }
   reader_.seekBody(table_.offset(index));
-  const std::string_view body = reader_.peek(kLongestBody);
-  return body.size() >= kLongestBody ? std::vector<Record>() : splitRecords(body);
+  TokenReader tokens(reader_);
+  const bool isComplex = tokens.take('(');
+  Record record;
+  do {
+    record = {tokens.takeKeyword(), {}};
+    if (!tokens.take('(') || !readParameters(tokens, 0, record.parameters)) {
+      break;
+    }
+    records.push_back(std::move(record));
+  } while (isComplex && !tokens.isAtEnd() && tokens.peek() != ')');
+  return records;
 }
 
 std::optional<Record> InstanceReader::read(InstanceIndex index, std::string_view keyword) {
@@ -96,26 +74,23 @@ std::optional<Record> InstanceReader::read(InstanceIndex index, std::string_view
   return std::nullopt;
 }
 
-InstanceIndex InstanceReader::named(std::string_view parameter) const {
+InstanceIndex InstanceReader::named(const Parameter& parameter) const {
   std::uint64_t number = 0;
-  const char* const end = parameter.data() + parameter.size();
-  if (!parameter.starts_with('#') ||
-      std::from_chars(parameter.data() + 1, end, number).ptr != end) {
+  const std::string& text = parameter.text;
+  const char* const end = text.data() + text.size();
+  if (!text.starts_with('#') || std::from_chars(text.data() + 1, end, number).ptr != end ||
+      number > kLargestNumber) {
     return kNoInstance;
   }
   return table_.find(number);
 }
 
-std::optional<double> numberOf(std::string_view parameter) {
-  // The library reads no plus, but would read a minus behind it.
-  parameter.remove_prefix(parameter.starts_with('+') && !parameter.starts_with("+-") ? 1 : 0);
-  double value = 0.0;
-  const char* const end = parameter.data() + parameter.size();
-  const auto [behind, error] = std::from_chars(parameter.data(), end, value);
-  if (error != std::errc() || behind != end || !std::isfinite(value)) {
-    return std::nullopt;
-  }
-  return value;
+std::optional<double> numberOf(const Parameter& parameter) {
+  const char* const end = parameter.text.data() + parameter.text.size();
+  const RealNumber number = readReal(parameter.text.data(), end);
+  const bool isWhole = number.end == end && number.kind != RealNumber::Kind::None;
+  return isWhole && number.kind != RealNumber::Kind::Huge ? std::optional(number.value)
+                                                          : std::nullopt;
 }
 
 }  // namespace plenvorith

@@ -10,26 +10,26 @@
 
 namespace plenvorith {
 
+/// A parameter of an instance.
+struct Parameter {
+  std::string text;              ///< "1.", "#2", "$"; nothing of a list; of "TYPE(1.)" the keyword
+  std::vector<Parameter> items;  ///< of a list, or in the parentheses behind a keyword
+};
+
 /// One keyword of an instance with its parameters, "TYPE(1.,(#2,#3),$)".
 struct Record {
   std::string keyword;
-  std::vector<std::string> parameters;  ///< their texts: "1.", "(#2,#3)", "$"
+  std::vector<Parameter> parameters;
 };
 
-/// The items of a list, "(1.,(#2,#3),$)"; nothing if the text is no list.
-[[nodiscard]] std::vector<std::string> splitList(std::string_view text);
-
-/// The records of a body without blanks: one, or those of a complex instance.
-[[nodiscard]] std::vector<Record> splitRecords(std::string_view body);
-
-/// Reads single small instances, wherever they stand in the file.
+/// Reads single instances, wherever they stand in the file.
 class InstanceReader {
  public:
   /// `reader` is moved about in the file; both must outlive this.
   InstanceReader(const InstanceTable& table, StatementReader& reader);
 
-  /// The records of an instance; none if there is no such instance or it is longer than any
-  /// placement or unit.
+  /// The records of an instance, as far as they are well formed; none if there is no such instance.
+  /// Lists in lists are read to any depth that an instance of a schema has.
   [[nodiscard]] std::vector<Record> read(InstanceIndex index);
 
   /// The record with this keyword, if the instance has one.
@@ -40,14 +40,15 @@ class InstanceReader {
   }
 
   /// The instance that a parameter names, "#12".
-  [[nodiscard]] InstanceIndex named(std::string_view parameter) const;
+  [[nodiscard]] InstanceIndex named(const Parameter& parameter) const;
 
  private:
   const InstanceTable& table_;
   StatementReader& reader_;
 };
 
-/// The value of a parameter, "1.5E3"; nothing if it is no number or not a finite one.
-[[nodiscard]] std::optional<double> numberOf(std::string_view parameter);
+/// The value of a parameter, "1.5E3", read as in a list of coordinates; 0 for one next to nothing.
+/// Nothing if it is no number or not a finite one.
+[[nodiscard]] std::optional<double> numberOf(const Parameter& parameter);
 
 }  // namespace plenvorith

@@ -1,9 +1,9 @@
 #include "exchange/references.h"
 
 #include <algorithm>
+#include <limits>
 
-#include "common/ascii.h"
-#include "exchange/statement_reader.h"
+#include "exchange/entity_types.h"
 
 namespace plenvorith {
 namespace {
@@ -20,9 +20,6 @@ constexpr std::uint64_t kEnd = 1 << 2U | kNote;
 /// Record times this plus attribute is the place of an attribute.
 constexpr std::uint64_t kMaxAttributes = 1024;
 
-/// Longer keywords and longer lists of them are in no schema.
-constexpr std::size_t kLongestKeywords = 4096;
-
 constexpr std::uint64_t zigzag(std::uint64_t from, std::uint64_t to) {
   return to >= from ? (to - from) << 1U : ((from - to) << 1U) - 1;
 }
@@ -31,27 +28,7 @@ constexpr std::uint64_t unzigzag(std::uint64_t from, std::uint64_t difference) {
   return (difference & 1U) == 0 ? from + (difference >> 1U) : from - ((difference + 1) >> 1U);
 }
 
-constexpr bool startsWord(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '!';
-}
-
-constexpr bool isInWord(char c) {
-  return startsWord(c) || isDigit(c) || c == '_' || c == '-';
-}
-
 }  // namespace
-
-void ReferenceScanner::start(ReferenceStore& store) {
-  store_ = &store;
-  keywords_.clear();
-  isComplex_ = false;
-  levels_.clear();
-  token_ = Token::None;
-  isBehindWord_ = false;
-  previous_ = 0;
-  attribute_ = 0;
-  records_ = 0;
-}
 
 void ReferenceScanner::put(std::uint64_t value) {
   for (; value >= 0x80; value >>= 7U) {
@@ -60,91 +37,69 @@ void ReferenceScanner::put(std::uint64_t value) {
   store_->push_back(static_cast<std::uint8_t>(value));
 }
 
-void ReferenceScanner::scan(std::string_view piece) {
-  const char* p = piece.data();
-  const char* const end = p + piece.size();
-  while (p != end) {
-    if (token_ != Token::None) {
-      p = scanToken(p, end);
-      continue;
+bool ReferenceScanner::scan(StatementReader& reader, ReferenceStore& store) {
+  store_ = &store;
+  keywords_.clear();
+  isComplex_ = false;
+  isBalanced_ = true;
+  levels_.clear();
+  isBehindWord_ = false;
+  epoch_ = 1;
+  previous_ = 0;
+  attribute_ = 0;
+  lastAttribute_ = std::numeric_limits<std::uint64_t>::max();
+  records_ = 0;
+  {
+    TokenReader tokens(reader);
+    while (attribute_ <= lastAttribute_ && !tokens.isAtEnd()) {
+      scanToken(tokens.next(), tokens);
     }
-    const char c = *p++;
-    switch (c) {
-      case '(':
-        open();
-        break;
-      case ')':
-        if (!levels_.empty()) {
-          levels_.pop_back();
-        }
-        break;
-      case ',':
-        if (!levels_.empty() && levels_.back().group == Group::Record) {
-          ++attribute_;
-        }
-        break;
-      case '#':
-        token_ = Token::Reference;
-        number_ = 0;
-        break;
-      case '\'':
-      case '"':
-        token_ = c == '"' ? Token::Binary : Token::String;
-        noteOther();
-        break;
-      default:
-        if (startsWord(c)) {
-          token_ = Token::Word;
-          --p;
-          // A keyword that starts a record; every other one belongs to a parameter.
-          if (levels_.empty() || levels_.back().group == Group::Complex) {
-            keywords_ += keywords_.empty() ? "" : "(";
-          } else {
-            noteOther();
-          }
-        } else {
-          noteOther();
-        }
-    }
-    isBehindWord_ = false;
   }
+  put(kEnd);
+  const Parentheses rest = reader.skipBody();
+  return isBalanced_ && levels_.size() + rest.opened == rest.closed;
 }
 
-/// Goes on with a token, to its end or that of the piece.
-const char* ReferenceScanner::scanToken(const char* p, const char* end) {
-  const char* const begin = p;
-  switch (token_) {
-    case Token::Reference:
-      for (; p != end && isDigit(*p); ++p) {
-        number_ = number_ * 10 + static_cast<std::uint64_t>(*p - '0');
-      }
-      if (p != end) {
-        token_ = Token::None;
-        storeReference();
+void ReferenceScanner::scanToken(const Token& token, TokenReader& tokens) {
+  switch (token.kind) {
+    case Token::Kind::Open:
+      open(tokens);
+      break;
+    case Token::Kind::Close:
+      isBalanced_ = isBalanced_ && !levels_.empty();
+      if (!levels_.empty()) {
+        levels_.pop_back();
       }
       break;
-    case Token::Word:
-      p = std::find_if_not(p, end, isInWord);
-      if ((levels_.empty() || levels_.back().group == Group::Complex) &&
-          keywords_.size() < kLongestKeywords) {
-        keywords_.append(begin, p);
-      }
-      if (p != end) {
-        token_ = Token::None;
-        isBehindWord_ = true;
-      }
+    case Token::Kind::Comma:
+      attribute_ += !levels_.empty() && levels_.back().group == Group::Record ? 1U : 0U;
       break;
+    case Token::Kind::Reference:
+      storeReference(token.number);
+      break;
+    case Token::Kind::Keyword:
+      startWord(token);
+      return;
     default:
-      p = std::find(p, end, token_ == Token::String ? '\'' : '"');
-      if (p != end) {
-        token_ = Token::None;
-        ++p;
-      }
+      noteOther();
   }
-  return p;
+  isBehindWord_ = false;
 }
 
-void ReferenceScanner::open() {
+/// Of a word that starts a record, or else belongs to a parameter.
+void ReferenceScanner::startWord(const Token& token) {
+  isBehindWord_ = true;
+  const bool isBehindAll = levels_.empty() && !keywords_.empty() && !token.isRest;
+  if (!isInRecords() || isBehindAll) {
+    noteOther();
+    return;
+  }
+  keywords_ += keywords_.empty() || token.isRest ? "" : "(";
+  keywords_ += token.text;
+  keyword_ = token.isRest ? keyword_ + std::string(token.text) : std::string(token.text);
+}
+
+void ReferenceScanner::open(TokenReader& tokens) {
   Group group = Group::List;
   if (levels_.empty()) {
     group = isBehindWord_ ? Group::Record : Group::Complex;
@@ -157,11 +112,21 @@ void ReferenceScanner::open() {
   if (group == Group::Record) {
     ++records_;
     attribute_ = 0;
+    if (!isComplex_ && kindOf(keyword_) == Kind::TriangulatedFace) {
+      lastAttribute_ = keyword_.ends_with("FACE") ? 4 : 1;  // geometric_link, coordinates
+    }
   } else if (group == Group::List) {
     noteOther();
+    if (levels_.back().group == Group::Record && kindOf(keyword_) == Kind::TriangulatedFace) {
+      while (tokens.skipParameters(1)) {
+      }
+      isBalanced_ = tokens.take(')') && isBalanced_;
+      levels_.back().storedIn = 0;
+      return;
+    }
   }
   if (!levels_.empty()) {
-    levels_.back().isStored = false;
+    levels_.back().storedIn = 0;
   }
   levels_.push_back({group});
 }
@@ -172,47 +137,34 @@ void ReferenceScanner::noteOther() {
     return;
   }
   levels_.back().holdsMore = true;
-  if (levels_.back().isStored) {
+  if (levels_.back().storedIn == epoch_) {
     put(kOther);
   }
 }
 
-void ReferenceScanner::storeReference() {
-  if (number_ <= kLargestNumber) {
-    largestNumber_ = std::max(largestNumber_, number_);
-  }
-  if (levels_.empty()) {
-    return;
+void ReferenceScanner::storeReference(std::uint64_t number) {
+  if (levels_.empty() || number == Token::kNoNumber) {
+    return noteOther();
   }
   Level& level = levels_.back();
-  const std::uint64_t difference = zigzag(previous_, number_) << 2U;
+  const std::uint64_t difference = zigzag(previous_, number) << 2U;
   const std::uint64_t record = records_ == 0 ? 0 : records_ - 1;
   const std::uint64_t place = record * kMaxAttributes + std::min(attribute_, kMaxAttributes - 1);
   if (level.group != Group::List) {
     put(difference | kAttribute);
     put(place);
-    // What follows in a list around this one is a new part of it.
-    for (Level& outer : levels_) {
-      outer.isStored = false;
-    }
-  } else if (!level.isStored) {
+    ++epoch_;  // what follows in a list around this one is a new part of it
+  } else if (level.storedIn != epoch_) {
     put(difference | kFirstInList);
     put(place);
-    level.isStored = true;
+    level.storedIn = epoch_;
     if (level.holdsMore) {
       put(kOther);
     }
-  } else if (number_ != previous_) {
+  } else if (number != previous_) {
     put(difference | kNextInList);
   }
-  previous_ = number_;
-}
-
-void ReferenceScanner::finish() {
-  if (token_ == Token::Reference) {
-    storeReference();
-  }
-  put(kEnd);
+  previous_ = number;
 }
 
 std::uint64_t ReferenceWalker::take() {

@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <deque>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "exchange/token_reader.h"
 
 namespace plenvorith {
 
@@ -26,17 +27,17 @@ struct Reference {
 /// The stored references of many instances, a few bytes each.
 using ReferenceStore = std::deque<std::uint8_t>;
 
-/// Takes the references out of the body of one instance, which is given in pieces, without blanks,
-/// cut in no string.
+/// Takes the references out of the bodies of instances.
 ///
 /// A list is what stands in parentheses without a keyword before them; the parameters of a keyword
-/// are none. Of equal references that follow one another in a list only the first is stored.
+/// are none. Of equal references that follow one another in a list only the first is stored, and none
+/// that no instance can have. The lists of a triangulated face, which are most of a file, hold none.
 class ReferenceScanner {
  public:
-  /// Begins an instance; its references are added behind those in `store`.
-  void start(ReferenceStore& store);
-  void scan(std::string_view piece);
-  void finish();
+  /// Adds the references of the body at the reader's place behind those in `store`.
+  ///
+  /// Gives  false if its parentheses do not balance.
+  [[nodiscard]] bool scan(StatementReader& reader, ReferenceStore& store);
 
   /// The keywords of the records, joined by "(": "A" or, of a complex instance, "A(B(C".
   [[nodiscard]] const std::string& keywords() const {
@@ -45,36 +46,38 @@ class ReferenceScanner {
   [[nodiscard]] bool isComplex() const {
     return isComplex_;
   }
-  /// The largest number that any instance so far names, of those that an instance may have.
-  [[nodiscard]] std::uint64_t largestNumber() const {
-    return largestNumber_;
-  }
 
  private:
   enum class Group : std::uint8_t { Complex, Record, Parameters, List };
-  enum class Token : std::uint8_t { None, Reference, Word, String, Binary };
   struct Level {
     Group group = Group::List;
-    bool isStored = false;  // a reference of the list is stored, and nothing of another one behind
     bool holdsMore = false;
+    /// A reference of the list is stored, and nothing of another one behind it, while this is
+    /// `epoch_`.
+    std::uint64_t storedIn = 0;
   };
 
-  const char* scanToken(const char* p, const char* end);
-  void open();
+  void scanToken(const Token& token, TokenReader& tokens);
+  void open(TokenReader& tokens);
+  void startWord(const Token& token);
   void noteOther();
-  void storeReference();
+  void storeReference(std::uint64_t number);
   void put(std::uint64_t value);
+  [[nodiscard]] bool isInRecords() const {
+    return levels_.empty() || levels_.back().group == Group::Complex;
+  }
 
   ReferenceStore* store_ = nullptr;
   std::string keywords_;
+  std::string keyword_;  // of the record
   bool isComplex_ = false;
+  bool isBalanced_ = true;
   std::vector<Level> levels_;
-  Token token_ = Token::None;
   bool isBehindWord_ = false;
-  std::uint64_t number_ = 0;  // of the reference that is being read
-  std::uint64_t largestNumber_ = 0;
+  std::uint64_t epoch_ = 0;
   std::uint64_t previous_ = 0;  // of the reference before
   std::uint64_t attribute_ = 0;
+  std::uint64_t lastAttribute_ = 0;  // that may hold references
   std::uint64_t records_ = 0;
 };
 

@@ -17,11 +17,52 @@ constexpr std::size_t kWorthwhile = std::size_t{1} << 13;
 
 }  // namespace
 
+void NamedNumbers::addPart(const char* p, const char* end) {
+  while (p != end) {
+    if (!isOpen_) {
+      const void* const mark = std::memchr(p, '#', static_cast<std::size_t>(end - p));
+      if (mark == nullptr) {
+        return;
+      }
+      p = static_cast<const char*>(mark) + 1;
+      isOpen_ = true;
+    }
+    for (; p != end && isDigit(*p); ++p) {
+      // Zeros in front are none of its digits.
+      digits_ += number_ > 0 || *p != '0' ? 1 : 0;
+      number_ = digits_ > kMaxDigits ? 1 : number_ * 10 + static_cast<std::uint64_t>(*p - '0');
+    }
+    if (p != end) {
+      endPart();
+    }
+  }
+}
+
+void NamedNumbers::endPart() {
+  if (isOpen_ && digits_ > 0 && digits_ <= kMaxDigits) {
+    std::uint64_t& least = least_[digits_];
+    least = least == 0 ? number_ : std::min(least, number_);
+  }
+  isOpen_ = false;
+  number_ = 0;
+  digits_ = 0;
+}
+
+bool NamedNumbers::leaveFree(std::uint64_t powerOfTen, std::uint64_t count) const {
+  std::size_t digits = 1;
+  for (std::uint64_t rest = powerOfTen; rest >= 10; rest /= 10) {
+    ++digits;
+  }
+  return digits > kMaxDigits || least_[digits] == 0 || least_[digits] - powerOfTen >= count;
+}
+
 StatementBody::StatementBody(RawText& raw) : raw_(raw), window_(kWindowSize) {}
 
 void StatementBody::start() {
   startEmpty();
   isWhole_ = false;
+  isFirst_ = true;
+  isRaised_ = false;
 }
 
 void StatementBody::startEmpty() {
@@ -41,11 +82,9 @@ BodyPlace StatementBody::place() const {
 }
 
 void StatementBody::goTo(const BodyPlace& place) {
-  if (!raw_.seek(place.offset)) {
-    startEmpty();
-    return;
-  }
-  start();
+  const bool isThere = raw_.seek(place.offset);
+  startEmpty();
+  isWhole_ = !isThere;
   std::uint64_t ahead = place.ahead;
   for (std::size_t size = peek(1).size(); ahead > 0 && size > 0; size = peek(1).size()) {
     consume(std::min<std::uint64_t>(size, ahead));
@@ -68,14 +107,15 @@ void StatementBody::failUnended() {
   }
 }
 
-std::uint64_t StatementBody::countOpened() {
-  const auto visible = static_cast<std::uint64_t>(
-      std::count(window_.data() + begin_, window_.data() + visible_, '('));
-  return visible + skip();
-}
-
-std::uint64_t StatementBody::skip() {
-  std::uint64_t opened = 0;
+Parentheses StatementBody::skip() {
+  Parentheses counts;
+  const char* const end = window_.data() + visible_;
+  for (const char* p = window_.data() + begin_; p != end;) {
+    p = findMark(p, end, counts);
+    const bool isString = p != end && (*p == '\'' || *p == '"');
+    p = isString ? std::find(p + 1, end, *p) : p;
+    p += p == end ? 0 : 1;
+  }
   begin_ = visible_;
   if (state_ == State::Apostrophe || state_ == State::Reference) {
     state_ = State::Text;
@@ -86,23 +126,27 @@ std::uint64_t StatementBody::skip() {
       break;
     }
     const std::string_view text = raw_.atHand();
-    const char* const behind = skipPiece(text.data(), text.data() + text.size(), opened);
+    const char* const behind = skipPiece(text.data(), text.data() + text.size(), counts);
     raw_.skip(static_cast<std::size_t>(behind - text.data()));
   }
-  return opened;
+  return counts;
 }
 
 /// Goes over a part of one kind, which has one byte at least. Gives the place behind it.
-const char* StatementBody::skipPiece(const char* p, const char* end, std::uint64_t& opened) {
+const char* StatementBody::skipPiece(const char* p, const char* end, Parentheses& counts) {
   switch (state_) {
     case State::String:
     case State::Binary:
     case State::Comment: {
       const char mark = state_ == State::String ? '\'' : state_ == State::Binary ? '"' : '*';
       const void* const found = std::memchr(p, mark, static_cast<std::size_t>(end - p));
+      if (state_ == State::String) {
+        named_.addPart(p, found == nullptr ? end : static_cast<const char*>(found));
+      }
       if (found == nullptr) {
         return end;
       }
+      named_.endPart();
       state_ = state_ == State::Comment ? State::Star : State::Text;
       return static_cast<const char*>(found) + 1;
     }
@@ -113,7 +157,7 @@ const char* StatementBody::skipPiece(const char* p, const char* end, std::uint64
       state_ = *p == '*' ? State::Comment : State::Text;
       return p + (*p == '*' ? 1 : 0);
     default:
-      p = findMark(p, end, opened);
+      p = findMark(p, end, counts);
       if (p == end) {
         return p;
       }
@@ -126,8 +170,33 @@ const char* StatementBody::skipPiece(const char* p, const char* end, std::uint64
   }
 }
 
+/// Whether the first keyword of what can be handed out, behind a parenthesis perhaps, has any.
+bool StatementBody::startsWithSmallLetters() const {
+  const char* p = window_.data() + (visible_ > 0 && window_[0] == '(' ? 1 : 0);
+  const char* const end = window_.data() + visible_;
+  while (p < end && ((*p >= 'A' && *p <= 'Z') || *p == '_' || isDigit(*p))) {
+    ++p;
+  }
+  return p < end && *p >= 'a' && *p <= 'z';
+}
+
 /// Writes more of the body, until `size` bytes can be handed out or the body ends.
 void StatementBody::fill(std::size_t size) {
+  const bool isFirst = isFirst_;
+  const std::uint64_t offset = raw_.offset();
+  const std::uint64_t emptied = emptiedStrings_;
+  isFirst_ = false;
+  write(size);
+  if (isFirst && startsWithSmallLetters() && raw_.seek(offset)) {
+    startEmpty();
+    isWhole_ = false;
+    isRaised_ = true;
+    emptiedStrings_ = emptied;
+    write(size);
+  }
+}
+
+void StatementBody::write(std::size_t size) {
   makeRoom(size);
   if (state_ == State::Text && coming_.handedOut <= windowStart_ + begin_) {
     passed_ = coming_;
@@ -192,9 +261,15 @@ const char* StatementBody::copyRun(const char* p, const char* end) {
     }
   }
   const auto size = static_cast<std::size_t>(run - p);
-  stringSize_ += state_ == State::String ? size : 0;
+  if (state_ == State::String) {
+    stringSize_ += size;
+    named_.addPart(p, run);
+  }
   if (state_ != State::String || stringSize_ <= kLongestString + 1) {
     std::memcpy(window_.data() + end_, p, size);
+    if (state_ == State::Text && isRaised_) {
+      std::transform(p, run, window_.data() + end_, capital);
+    }
     end_ += size;
   } else {
     end_ = stringStart_;
@@ -225,6 +300,7 @@ bool StatementBody::normaliseSpecial(char c) {
       return true;
     case State::String:
       if (c == '\'') {
+        named_.endPart();
         putInString(c);
         state_ = State::Apostrophe;
       }
@@ -263,7 +339,7 @@ void StatementBody::normaliseInText(char c) {
   } else if (!isBlank(c)) {
     state_ = c == '"' ? State::Binary : c == '#' ? State::Reference : State::Text;
     zeros_ = false;
-    put(c);
+    put(isRaised_ ? capital(c) : c);
   }
   visible_ = end_;
 }

@@ -1,13 +1,36 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
+#include "exchange/byte_scan.h"
 #include "exchange/raw_text.h"
 
 namespace plenvorith {
+
+/// Numbers with a "#" in front of them, by how many digits they have.
+class NamedNumbers {
+ public:
+  /// Adds those in a part of a string, which may begin or end in one of them.
+  void addPart(const char* p, const char* end);
+  /// Says that what comes next belongs to another string.
+  void endPart();
+
+  /// Whether none of `count` numbers from a power of ten on is among them; all have as many digits.
+  [[nodiscard]] bool leaveFree(std::uint64_t powerOfTen, std::uint64_t count) const;
+
+ private:
+  static constexpr std::size_t kMaxDigits = 18;
+
+  // The least one of each number of digits; longer ones are no numbers of instances.
+  std::array<std::uint64_t, kMaxDigits + 1> least_ = {};
+  bool isOpen_ = false;  // the part before ended in a number
+  std::uint64_t number_ = 0;
+  std::size_t digits_ = 0;
+};
 
 /// A place in a body, to come back to.
 struct BodyPlace {
@@ -19,7 +42,8 @@ struct BodyPlace {
 ///
 /// It is handed out without blanks, control characters and comments, other than in strings ('...',
 /// an apostrophe inside is doubled) and binaries ("..."), from which line ends are taken; a
-/// reference "#007" is written "#7". A slash that begins no comment means nothing and goes, too: it
+/// reference "#007" is written "#7". If the keyword that it starts with has small letters, all letters
+/// become capital ones, other than in strings and binaries. A slash that begins no comment means nothing and goes, too: it
 /// could begin one once blanks are gone. A string of more than `kLongestString` bytes is handed out
 /// as an empty one.
 ///
@@ -64,16 +88,17 @@ class StatementBody {
   /// Goes on at a place in this body. Strings that lie ahead of it are counted again.
   void goTo(const BodyPlace& place);
 
-  /// Goes over the rest. Gives the number of parentheses that open in what was not looked at yet.
-  std::uint64_t skip();
-
-  /// Goes over the rest and gives the number of parentheses that open in it, strings aside that were
-  /// not handed out yet. Much faster than a look at all of it.
-  [[nodiscard]] std::uint64_t countOpened();
+  /// Goes over the rest and gives the parentheses in it, much faster than by a look at all of it.
+  Parentheses skip();
 
   /// The number of strings that were emptied in what was handed out so far, of all bodies.
   [[nodiscard]] std::uint64_t emptiedStrings() const {
     return emptiedStrings_;
+  }
+
+  /// The numbers that strings name, "see #12", in what was read so far, of all bodies.
+  [[nodiscard]] const NamedNumbers& namedInStrings() const {
+    return named_;
   }
 
  private:
@@ -86,6 +111,8 @@ class StatementBody {
   enum class State { Text, Reference, Slash, Comment, Star, String, Apostrophe, Binary };
 
   void fill(std::size_t size);
+  void write(std::size_t size);
+  [[nodiscard]] bool startsWithSmallLetters() const;
   void makeRoom(std::size_t size);
   void normalise(std::size_t size);
   const char* copyRun(const char* p, const char* end);
@@ -97,7 +124,7 @@ class StatementBody {
   }
   void putInString(char c);
   void endString();
-  const char* skipPiece(const char* p, const char* end, std::uint64_t& opened);
+  const char* skipPiece(const char* p, const char* end, Parentheses& counts);
   void failUnended();
 
   RawText& raw_;
@@ -111,8 +138,11 @@ class StatementBody {
   std::size_t stringStart_ = 0;    // in the window
   std::size_t stringSize_ = 0;     // what the string has with its apostrophes
   State state_ = State::Text;
-  bool isWhole_ = true;  // the semicolon has been met
-  bool zeros_ = false;   // met in a reference and not written yet
+  bool isWhole_ = true;    // the semicolon has been met
+  bool zeros_ = false;     // met in a reference and not written yet
+  bool isFirst_ = true;    // nothing of the body was looked at
+  bool isRaised_ = false;  // letters become capital ones
+  NamedNumbers named_;
   std::uint64_t emptiedStrings_ = 0;
 };
 

@@ -1,6 +1,9 @@
 #include "exchange/statement_reader.h"
 
+#include <algorithm>
+
 #include "common/ascii.h"
+#include "exchange/byte_scan.h"
 
 namespace plenvorith {
 namespace {
@@ -8,7 +11,7 @@ namespace {
 constexpr std::string_view kStart = "ISO-10303-21";
 
 constexpr bool isWordCharacter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' || c == '-' ||
+  return (capital(c) >= 'A' && capital(c) <= 'Z') || isDigit(c) || c == '_' || c == '-' ||
          c == '!' || c == '&';
 }
 
@@ -23,8 +26,10 @@ void StatementReader::fail(const char* what) {
 bool StatementReader::findStart() {
   while (raw_.ensure(kStart.size() + 1)) {
     const std::string_view rest = raw_.atHand();
-    const std::size_t found = rest.find(kStart);
-    if (found == std::string_view::npos) {
+    const auto place = std::search(rest.begin(), rest.end(), kStart.begin(), kStart.end(),
+                                   [](char a, char b) { return capital(a) == b; });
+    const auto found = static_cast<std::size_t>(place - rest.begin());
+    if (found == rest.size()) {
       // What is kept may be the byte before the word and all of it but one.
       raw_.skip(rest.size() - kStart.size());
       continue;
@@ -39,25 +44,24 @@ bool StatementReader::findStart() {
   return false;
 }
 
-/// Reads "#12=", the first of which is next.
+/// Reads "#12=", the first of which is next; false, somewhere in it, where something else stands.
 bool StatementReader::readName() {
   raw_.skip(1);
   bool hasDigits = false;
   number_ = 0;
   int c = raw_.peek();
   for (; c >= 0 && isDigit(static_cast<char>(c)); c = raw_.peek()) {
-    number_ = number_ * 10 + static_cast<std::uint64_t>(c - '0');
+    number_ = std::min(number_ * 10 + static_cast<std::uint64_t>(c - '0'), kLargestNumber + 1);
     hasDigits = true;
-    if (number_ > kLargestNumber) {
-      fail("the number of an instance is too large");
-      return false;
-    }
     raw_.skip(1);
   }
   if (!hasDigits || c != '=') {
     return false;
   }
   raw_.skip(1);
+  if (section_ == Section::Data && number_ > kLargestNumber) {
+    fail("the number of an instance is too large");
+  }
   return true;
 }
 
@@ -68,7 +72,7 @@ void StatementReader::readWord() {
   (void)raw_.peek();  // skips blanks
   while (raw_.ensure(1) && isWordCharacter(raw_.atHand().front())) {
     if (word_.size() < kLongest) {
-      word_ += raw_.atHand().front();
+      word_ += capital(raw_.atHand().front());
     }
     raw_.skip(1);
   }
@@ -101,20 +105,39 @@ Statement StatementReader::next() {
   return Statement::End;
 }
 
-/// Takes what starts with "#". Gives nothing of what is no instance, and of a scope, whose own
-/// instances come first.
+/// Takes what starts with "#".
 std::optional<Statement> StatementReader::takeNamed() {
-  const bool isInstance = readName() && section_ == Section::Data;
-  if (isInstance && raw_.peek() == '&') {
+  if (section_ != Section::Data) {
+    skipStatement();
+    return std::nullopt;
+  }
+  return readName() ? takeInstance() : takeJunk();
+}
+
+/// Takes what stands behind "#12=". Gives nothing of a scope, whose own instances come first.
+std::optional<Statement> StatementReader::takeInstance() {
+  if (isEnded_) {
+    return std::nullopt;
+  }
+  if (raw_.peek() == '&') {
     readWord();
     scopes_.push_back(number_);
     return std::nullopt;
   }
-  if (isInstance) {
-    return startInstance();
-  }
-  if (!isEnded_) {
-    skipStatement();
+  return startInstance();
+}
+
+/// Goes over what is no instance, to behind the next semicolon or to the instance before that.
+std::optional<Statement> StatementReader::takeJunk() {
+  for (int c = raw_.peek(); c >= 0; c = raw_.peek()) {
+    if (c != '#') {
+      raw_.skip(1);
+    } else if (readName()) {
+      return takeInstance();
+    }
+    if (c == ';') {
+      break;
+    }
   }
   return std::nullopt;
 }
@@ -129,12 +152,21 @@ std::optional<Statement> StatementReader::takeWord() {
     isEnded_ = true;
     return std::nullopt;
   }
-  const bool isEntity = section_ == Section::Header && !word_.empty();
-  if (!enterSection() && isEntity) {
+  const Section before = section_;
+  if (enterSection()) {
+    if (section_ == Section::Other) {
+      skipSection();
+    } else {
+      skipStatement();
+    }
+  } else if (before == Section::Data) {
+    return takeJunk();
+  } else if (before == Section::Header && !word_.empty()) {
     body_.start();
     return Statement::HeaderEntity;
+  } else {
+    skipStatement();
   }
-  skipStatement();
   return std::nullopt;
 }
 
@@ -146,12 +178,28 @@ bool StatementReader::enterSection() {
     section_ = Section::Data;
   } else if (word_ == "ENDSEC") {
     section_ = Section::None;
-  } else if (word_ == "ANCHOR" || word_ == "REFERENCE" || word_ == "SIGNATURE") {
-    section_ = section_ == Section::None ? Section::Other : section_;
+  } else if (section_ == Section::None &&
+             (word_ == "ANCHOR" || word_ == "REFERENCE" || word_ == "SIGNATURE")) {
+    section_ = Section::Other;
   } else {
     return false;
   }
   return true;
+}
+
+/// Goes behind "ENDSEC;", byte by byte.
+void StatementReader::skipSection() {
+  constexpr std::string_view kEnd = "ENDSEC;";
+  std::string last;  // as many bytes other than blanks
+  while (last != kEnd && raw_.ensure(1)) {
+    const char c = raw_.atHand().front();
+    raw_.skip(1);
+    if (!isBlank(c)) {
+      last.erase(0, last.size() == kEnd.size() ? 1 : 0);
+      last += capital(c);
+    }
+  }
+  section_ = Section::None;
 }
 
 void StatementReader::skipStatement() {

@@ -27,8 +27,9 @@ enum class Statement {
 /// Reads the exchange structure of ISO 10303-21 statement by statement, in blocks of the file.
 ///
 /// What stands before "ISO-10303-21;" and behind "END-ISO-10303-21;" is no part of it. Sections
-/// other than HEADER and DATA are passed over, and so is what is neither an instance nor a keyword.
-/// The instances in "&SCOPE ... ENDSCOPE" come one by one, before the one that the scope belongs
+/// other than HEADER and DATA are passed over as text, up to "ENDSEC;": their resources may hold
+/// apostrophes and "/*". Behind anything else that is no instance, reading goes on at the next "#1=".
+/// Keywords count in any case. The instances in "&SCOPE ... ENDSCOPE" come one by one, before the one that the scope belongs
 /// to.
 ///
 /// What the text of a statement is handed out as, `StatementBody` tells.
@@ -66,7 +67,7 @@ class StatementReader {
     return offset_;
   }
 
-  /// The keyword of the header entity; its body is the rest, "(...)".
+  /// The keyword of the header entity, in capital letters; its body is the rest, "(...)".
   [[nodiscard]] const std::string& headerKeyword() const {
     return word_;
   }
@@ -97,15 +98,20 @@ class StatementReader {
     body_.goTo(place);
   }
 
-  /// Goes over the rest of the body and gives the number of parentheses that open in it, strings
-  /// aside that were not handed out yet. Much faster than a look at all of it.
-  [[nodiscard]] std::uint64_t countOpened() {
-    return body_.countOpened();
+  /// Goes over the rest of the body and gives the parentheses in it, much faster than by a look at
+  /// all of it.
+  [[nodiscard]] Parentheses skipBody() {
+    return body_.skip();
   }
 
   /// The number of strings that were emptied in what was handed out so far.
   [[nodiscard]] std::uint64_t emptiedStrings() const {
     return body_.emptiedStrings();
+  }
+
+  /// The numbers that strings named so far.
+  [[nodiscard]] const NamedNumbers& namedInStrings() const {
+    return body_.namedInStrings();
   }
 
   /// What is wrong with the file, "a string never ends" for example; empty if nothing is.
@@ -120,12 +126,15 @@ class StatementReader {
   bool findStart();
   std::optional<Statement> takeNamed();
   std::optional<Statement> takeWord();
+  std::optional<Statement> takeInstance();
+  std::optional<Statement> takeJunk();
   bool readName();
   void readWord();
   bool enterSection();
   bool endScope();
   Statement startInstance();
   void skipStatement();
+  void skipSection();
 
   RawText raw_;
   StatementBody body_;

@@ -1,114 +1,182 @@
 #include "prepare/coordinates.h"
 
 #include <cmath>
+#include <limits>
 
-#include "common/number.h"
+#include "exchange/real_number.h"
 
 namespace plenvorith {
 
-const char* readPoint(const char* p, const char* end, std::array<double, 3>& numbers) {
+bool goToPoints(TokenReader& tokens, bool isComplex) {
+  return tokens.enterRecord("COORDINATES_LIST", isComplex) &&
+         tokens.skipParameters(isComplex ? 1 : 2);  // name, npoints
+}
+
+const char* readPoint(const char* p, const char* end, ListedPoint& point) {
   if (p == end || *p != '(') {
     return nullptr;
   }
+  point.isPlain = true;
+  point.isHuge = false;
   for (std::size_t i = 0; i < 3; ++i) {
-    const NumberResult result = readNumber(p + 1, end, numbers[i]);
-    if (result.error != NumberError::None || result.end == end ||
-        *result.end != (i < 2 ? ',' : ')')) {
+    const RealNumber number = readReal(p + 1, end);
+    if (number.kind != RealNumber::Kind::Plain) {
+      if (number.kind == RealNumber::Kind::None) {
+        return nullptr;
+      }
+      point.isPlain = false;
+      point.isHuge = point.isHuge || number.kind == RealNumber::Kind::Huge;
+    }
+    if (number.end == end || *number.end != (i < 2 ? ',' : ')')) {
       return nullptr;
     }
-    p = result.end;
+    point.numbers[i] = number.value;
+    p = number.end;
   }
   return p + 1;
 }
 
-bool goToPoints(BodyCursor& cursor) {
-  (void)cursor.takeKeyword();
-  bool isThere = cursor.take('(');
-  for (int i = 0; i < 2 && isThere; ++i) {  // name, npoints
-    cursor.skipParameter();
-    isThere = cursor.take(',');
+bool takePoint(TokenReader& tokens, ListedPoint& point) {
+  (void)tokens.peek();
+  const char* behind = readPoint(tokens.position(), tokens.end(), point);
+  while (behind == nullptr && tokens.readMore()) {
+    // It may only be longer than what was at hand; no number is longer than this.
+    constexpr std::ptrdiff_t kLongest = std::ptrdiff_t{1} << 20U;
+    if (tokens.end() - tokens.position() > kLongest) {
+      break;
+    }
+    behind = readPoint(tokens.position(), tokens.end(), point);
   }
-  return isThere;
+  if (behind != nullptr) {
+    tokens.moveTo(behind);
+  }
+  return behind != nullptr;
 }
 
 namespace {
 
-bool writePlaced(const std::array<double, 3>& point, const Placement& placement,
-                 OutputFile& output) {
-  constexpr std::size_t kLongest = 100;
-  char* const start = output.room(kLongest);
-  char* to = start;
-  *to++ = '(';
-  for (const auto& row : placement.m) {
-    const double value = row[0] * point[0] + row[1] * point[1] + row[2] * point[2] + row[3];
-    if (!std::isfinite(value)) {
-      return false;
-    }
-    to = writeReal(to, value);
-    *to++ = ',';
-  }
-  to[-1] = ')';
-  output.used(static_cast<std::size_t>(to - start));
-  return true;
-}
+class ListWriter {
+ public:
+  ListWriter(TokenReader& tokens, const ListTarget& target, OutputFile& output,
+             std::vector<bool>& huge)
+      : tokens_(tokens), target_(target), output_(output), huge_(huge) {}
 
-/// Writes the points that are whole in what the cursor can look at, one at least, and adds their
-/// number. False if there is none or one cannot be placed.
-bool writePoints(BodyCursor& cursor, const Placement* placement, OutputFile& output,
-                 std::uint64_t& count) {
-  (void)cursor.peek();
-  const char* const begin = cursor.position();
-  const char* const last = cursor.end();
-  const char* p = begin;
-  const char* written = begin;  // end of the points that were written, or can be copied
-  do {
-    std::array<double, 3> numbers = {};
-    const char* const next = readPoint(p, last, numbers);
-    if (next == nullptr) {
+  /// Writes the points of the list that is next.
+  bool writeAll() {
+    if (!tokens_.take('(')) {
       return false;
     }
-    if (placement != nullptr) {
-      if (p != begin) {
-        output.put(',');
-      }
-      if (!writePlaced(numbers, *placement, output)) {
+    if (!tokens_.take(')')) {
+      do {
+        if (count_ > 0) {
+          output_.put(',');
+        }
+        if (!writePoints()) {
+          return false;
+        }
+      } while (tokens_.take(','));
+      if (!tokens_.take(')')) {
         return false;
       }
     }
-    ++count;
-    written = next;
-    p = next + 1;
-  } while (last - p > BodyCursor::kLookahead && written[0] == ',');
-  if (placement == nullptr) {
-    output.put({begin, static_cast<std::size_t>(written - begin)});
+    return count_ == target_.pointCount;
   }
-  cursor.moveTo(written);
-  return true;
-}
+
+ private:
+  /// Writes the points that are whole in what is at hand, one at least. False if there is none.
+  bool writePoints() {
+    (void)tokens_.peek();
+    const char* const begin = tokens_.position();
+    const char* const last = tokens_.end();
+    const char* p = begin;
+    const char* behind = begin;  // the points that can be copied, or were written
+    ListedPoint point;
+    do {
+      const char* const next = readPoint(p, last, point);
+      if (next == nullptr || (target_.placement == nullptr && !point.isPlain)) {
+        break;
+      }
+      if (target_.placement != nullptr) {
+        if (p != begin) {
+          output_.put(',');
+        }
+        writePlaced(point, *target_.placement);
+      }
+      ++count_;
+      behind = next;
+      p = next + 1;
+    } while (last - p > TokenReader::kLookahead && behind[0] == ',');
+    if (behind == begin) {
+      return writeUnusual();
+    }
+    if (target_.placement == nullptr) {
+      output_.put({begin, static_cast<std::size_t>(behind - begin)});
+    }
+    tokens_.moveTo(behind);
+    return true;
+  }
+
+  /// Writes a point that is long, or cannot be copied.
+  bool writeUnusual() {
+    ListedPoint point;
+    const bool isPoint = takePoint(tokens_, point);
+    if (isPoint) {
+      writePlaced(point, target_.placement == nullptr ? Placement() : *target_.placement);
+      ++count_;
+    }
+    return isPoint;
+  }
+
+  void writePlaced(const ListedPoint& point, const Placement& placement) {
+    constexpr std::size_t kLongest = 100;
+    std::array<double, 3> placed = {};
+    bool isHuge = point.isHuge;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const auto& row = placement.m[i];
+      const double value = row[0] * point.numbers[0] + row[1] * point.numbers[1] +
+                           row[2] * point.numbers[2] + row[3];
+      isHuge = isHuge || !std::isfinite(value);
+      placed[i] = std::abs(value) < std::numeric_limits<double>::min() ? 0.0 : value;
+    }
+    if (isHuge) {
+      placed = {};
+      huge_.resize(target_.pointCount);
+      if (count_ < huge_.size()) {
+        huge_[count_] = true;
+      }
+    }
+    char* const start = output_.room(kLongest);
+    char* to = start;
+    *to++ = '(';
+    for (const double value : placed) {
+      to = writeReal(to, value);
+      *to++ = ',';
+    }
+    to[-1] = ')';
+    output_.used(static_cast<std::size_t>(to - start));
+  }
+
+  TokenReader& tokens_;
+  const ListTarget& target_;
+  OutputFile& output_;
+  std::vector<bool>& huge_;
+  std::uint64_t count_ = 0;
+};
 
 }  // namespace
 
-bool writeCoordinates(StatementReader& reader, std::uint64_t name, std::uint64_t pointCount,
-                      const Placement* placement, OutputFile& output) {
+bool writeCoordinates(StatementReader& reader, const ListTarget& target, OutputFile& output,
+                      std::vector<bool>& huge) {
   output.put('#');
-  output.put(name);
+  output.put(target.name);
   output.put("=COORDINATES_LIST('',");
-  output.put(pointCount);
+  output.put(target.pointCount);
   output.put(",(");
-  BodyCursor cursor(reader);
-  std::uint64_t count = 0;
-  bool isRead = goToPoints(cursor) && cursor.take('(');
-  if (isRead && !cursor.take(')')) {
-    do {
-      isRead = writePoints(cursor, placement, output, count);
-      if (isRead && cursor.peek() == ',') {
-        output.put(',');
-      }
-    } while (isRead && cursor.take(','));
-    isRead = isRead && cursor.take(')');
-  }
+  TokenReader tokens(reader);
+  const bool isWritten =
+      goToPoints(tokens, target.isComplex) && ListWriter(tokens, target, output, huge).writeAll();
   output.put("));\n");
-  return isRead && count == pointCount;
+  return isWritten;
 }
 
 }  // namespace plenvorith

@@ -1,161 +1,183 @@
 #include "prepare/drop.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <numeric>
-#include <set>
+
+#include "product/attributes.h"
 
 namespace plenvorith {
 namespace {
 
-/// Which instances name which: for each instance the ones that name it.
-class Naming {
+/// What an instance names by one attribute, or in one part of a list.
+struct Slot {
+  static constexpr std::uint32_t kNeverEmpty = 0xFFFFFFFF;
+
+  InstanceIndex owner = kNoInstance;
+  std::uint32_t left = 0;  ///< how many of what it names stay
+};
+
+/// All that instances name, and for each instance the slots that name it. What lists hold besides
+/// references never goes, nor does what names nothing.
+class Slots {
  public:
-  /// Without those that are dropped already.
-  Naming(const InstanceTable& table, const std::vector<Fate>& fates) : begins_(table.size() + 1) {
-    forEachNaming(table, fates, [this](InstanceIndex, InstanceIndex named) { ++begins_[named]; });
+  Slots(const InstanceTable& table, const std::vector<Fate>& fates)
+      : table_(table), fates_(fates), begins_(table.size() + 1) {
+    forEachNaming([this](InstanceIndex named, std::uint32_t) { ++begins_[named]; });
     std::partial_sum(begins_.begin(), begins_.end(), begins_.begin());
-    names_.resize(begins_.back());
+    places_.resize(begins_.back());
+    slots.clear();
     // Filled from behind, so that the ends become the beginnings.
-    forEachNaming(table, fates, [this](InstanceIndex naming, InstanceIndex named) {
-      names_[--begins_[named]] = naming;
-    });
+    forEachNaming(
+        [this](InstanceIndex named, std::uint32_t slot) { places_[--begins_[named]] = slot; });
   }
 
   template <typename Visit>
-  void forEachNamingOf(InstanceIndex named, Visit visit) const {
-    std::for_each(names_.begin() + begins_[named], names_.begin() + begins_[named + 1], visit);
+  void forEachOf(InstanceIndex named, Visit visit) {
+    for (std::size_t i = begins_[named]; i < begins_[named + 1]; ++i) {
+      visit(slots[places_[i]]);
+    }
   }
+
+  std::vector<Slot> slots;
 
  private:
   template <typename Visit>
-  static void forEachNaming(const InstanceTable& table, const std::vector<Fate>& fates,
-                            Visit visit) {
-    for (InstanceIndex index = 0; index < table.size(); ++index) {
-      if (fates[index] == Fate::Dropped) {
+  void forEachNaming(Visit visit) {
+    for (InstanceIndex owner = 0; owner < table_.size(); ++owner) {
+      std::uint32_t list = 0;
+      if (fates_[owner] == Fate::Dropped) {
         continue;
       }
-      table.forEachReference(index, [&](const Reference& reference) {
-        const InstanceIndex named =
-            reference.kind == Reference::Kind::Other ? kNoInstance : table.find(reference.number);
+      table_.forEachReference(owner, [&](const Reference& reference) {
+        if (reference.kind == Reference::Kind::Other) {
+          slots.back().left = Slot::kNeverEmpty;
+          return;
+        }
+        if (reference.kind == Reference::Kind::Attribute || reference.list != list) {
+          slots.push_back({owner, 0});
+        }
+        list = reference.list;
+        Slot& slot = slots.back();
+        slot.left += slot.left == Slot::kNeverEmpty ? 0 : 1;
+        const InstanceIndex named = table_.find(reference.number);
         if (named != kNoInstance) {
-          visit(index, named);
+          visit(named, static_cast<std::uint32_t>(slots.size() - 1));
         }
       });
     }
   }
 
-  std::vector<std::uint32_t> begins_;
-  std::vector<InstanceIndex> names_;
+  const InstanceTable& table_;
+  const std::vector<Fate>& fates_;
+  std::vector<std::size_t> begins_;
+  std::vector<std::uint32_t> places_;
 };
 
-/// Looks at the references of an instance that is kept so far.
-Fate fateOf(const InstanceTable& table, const std::vector<Fate>& fates, InstanceIndex index) {
-  Fate fate = fates[index];
-  std::uint32_t list = 0;
-  bool isListDropped = false;  // all there is of it so far
-  table.forEachReference(index, [&](const Reference& reference) {
-    if (reference.kind == Reference::Kind::Other) {
-      isListDropped = false;
-      return;
-    }
-    const InstanceIndex named = table.find(reference.number);
-    const bool isDropped = named != kNoInstance && fates[named] == Fate::Dropped;
-    if (reference.kind == Reference::Kind::ListItem && reference.list != list) {
-      fate = isListDropped ? Fate::Dropped : fate;
-      isListDropped = true;
-      list = reference.list;
-    }
-    if (reference.kind == Reference::Kind::ListItem) {
-      isListDropped = isListDropped && isDropped;
-    }
-    if (isDropped && fate != Fate::Dropped) {
-      fate = reference.kind == Reference::Kind::Attribute ? Fate::Dropped
-             : fate == Fate::Retyped                      ? Fate::Retyped
-                                                          : Fate::Changed;
-    }
-  });
-  return isListDropped ? Fate::Dropped : fate;
-}
-
-bool isExactRepresentation(const ProductStructure& structure, InstanceIndex index) {
-  const RepresentationIndex representation = structure.find(index);
-  return representation != kNoRepresentation && structure.representations[representation].isExact;
-}
-
-/// Whether a representation of a tessellated type holds other items as well and is no drawing. Of a
-/// type that nobody knows only exact geometry counts.
-bool holdsOtherItems(const InstanceTable& table, const ProductStructure& structure,
-                     InstanceIndex index) {
-  if (isExactRepresentation(structure, index)) {
-    return true;
-  }
-  bool holdsOther = false;
-  if (table.has(index, kTessellatedShape) && !table.has(index, kDraughtingModel)) {
-    forEachItem(table, index, [&](std::uint64_t number) {
-      const InstanceIndex item = table.find(number);
-      holdsOther = holdsOther || (item != kNoInstance && !table.has(item, kTessellated));
-    });
-  }
-  return holdsOther;
-}
-
-/// What maps exact geometry: items and maps.
-std::set<InstanceIndex> findExactMappings(const ProductStructure& structure) {
-  std::set<InstanceIndex> found;
-  for (const Mapping& mapping : structure.mappings) {
-    if (structure.representations[mapping.mapped].isExact) {
-      found.insert({mapping.item, mapping.map});
+class Dropper {
+ public:
+  Dropper(const InstanceTable& table, const ProductStructure& structure)
+      : table_(table), structure_(structure), isExactMapping_(table.size()) {
+    for (const Mapping& mapping : structure.mappings) {
+      if (structure.representations[mapping.mapped].isExact) {
+        isExactMapping_[mapping.item] = true;
+        isExactMapping_[mapping.map] = true;
+      }
     }
   }
-  return found;
-}
+
+  std::vector<Fate> decide() {
+    bool isAnyTessellated = false;
+    for (InstanceIndex index = 0; index < table_.size(); ++index) {
+      fates_[index] = fateAlone(index);
+      isAnyTessellated = isAnyTessellated || table_.isTessellated(index);
+    }
+    if (isAnyTessellated) {
+      dropWhatNames();
+    }
+    return std::move(fates_);
+  }
+
+ private:
+  [[nodiscard]] const Representation* representationAt(InstanceIndex index) const {
+    const RepresentationIndex found = structure_.find(index);
+    return found == kNoRepresentation ? nullptr : &structure_.representations[found];
+  }
+
+  /// Whether a representation stays, whatever becomes of its items: an exact one, and what product
+  /// structure rests on.
+  [[nodiscard]] bool isKeptRepresentation(InstanceIndex index) const {
+    const Representation* const representation = representationAt(index);
+    return representation != nullptr &&
+           (representation->isExact || representation->isNamedByProduct);
+  }
+
+  /// Whether a representation of a tessellated type holds other items as well and is no drawing.
+  [[nodiscard]] bool holdsOtherItems(InstanceIndex index) const {
+    bool holdsOther = false;
+    if (table_.is(index, Kind::TessellatedShape) && !table_.is(index, Kind::DraughtingModel)) {
+      table_.forEachItem(index, attributes::kItems, [&](InstanceIndex item) {
+        holdsOther = holdsOther || !table_.isTessellated(item);
+      });
+    }
+    return holdsOther;
+  }
+
+  [[nodiscard]] Fate fateAlone(InstanceIndex index) const {
+    if (table_.isVoid(index)) {
+      return Fate::Dropped;
+    }
+    if (!table_.isTessellated(index)) {
+      return Fate::Kept;
+    }
+    return isKeptRepresentation(index) || holdsOtherItems(index) ? Fate::Retyped : Fate::Dropped;
+  }
+
+  void dropWhatNames() {
+    Slots slots(table_, fates_);
+    std::vector<InstanceIndex> dropped;
+    for (InstanceIndex index = 0; index < table_.size(); ++index) {
+      if (fates_[index] == Fate::Dropped && !table_.isVoid(index)) {
+        dropped.push_back(index);
+      }
+    }
+    while (!dropped.empty()) {
+      const InstanceIndex named = dropped.back();
+      dropped.pop_back();
+      slots.forEachOf(named, [&](Slot& slot) {
+        slot.left -= slot.left == Slot::kNeverEmpty ? 0 : 1;
+        if (takeOut(slot.owner, slot.left == 0)) {
+          dropped.push_back(slot.owner);
+        }
+      });
+    }
+  }
+
+  /// Takes something out of an instance, all of an attribute or a list perhaps. Whether that drops it.
+  bool takeOut(InstanceIndex owner, bool isAll) {
+    Fate& fate = fates_[owner];
+    if (fate == Fate::Dropped) {
+      return false;
+    }
+    const bool isRepresentation = isKeptRepresentation(owner);
+    if (isAll && !table_.type(owner).isKept && !isRepresentation && !isExactMapping_[owner]) {
+      fate = Fate::Dropped;
+      return true;
+    }
+    const bool isEmptied = isAll && isRepresentation && !representationAt(owner)->isExact;
+    fate = isEmptied || fate == Fate::Retyped ? Fate::Retyped : Fate::Changed;
+    return false;
+  }
+
+  const InstanceTable& table_;
+  const ProductStructure& structure_;
+  std::vector<bool> isExactMapping_;
+  std::vector<Fate> fates_ = std::vector<Fate>(table_.size(), Fate::Kept);
+};
 
 }  // namespace
 
 std::vector<Fate> decideFates(const InstanceTable& table, const ProductStructure& structure) {
-  std::vector<Fate> fates(table.size(), Fate::Kept);
-  std::vector<InstanceIndex> dropped;
-  for (InstanceIndex index = 0; index < table.size(); ++index) {
-    if (table.isReplaced(index)) {
-      fates[index] = Fate::Dropped;
-    } else if (table.has(index, kTessellated)) {
-      fates[index] = holdsOtherItems(table, structure, index) ? Fate::Retyped : Fate::Dropped;
-      dropped.push_back(index);
-    }
-  }
-  if (dropped.empty()) {
-    return fates;
-  }
-  std::erase_if(dropped, [&fates](InstanceIndex index) { return fates[index] != Fate::Dropped; });
-  const Naming naming(table, fates);
-  const std::set<InstanceIndex> exactMappings = findExactMappings(structure);
-  const auto isProtected = [&](InstanceIndex index) {
-    return table.has(index, kAlwaysKept) || isExactRepresentation(structure, index) ||
-           exactMappings.contains(index);
-  };
-  std::vector<InstanceIndex> affected;
-  while (!dropped.empty()) {
-    // All that names something dropped is looked at once, however much of it that is.
-    affected.clear();
-    for (const InstanceIndex named : dropped) {
-      naming.forEachNamingOf(named, [&affected](InstanceIndex i) { affected.push_back(i); });
-    }
-    std::sort(affected.begin(), affected.end());
-    affected.erase(std::unique(affected.begin(), affected.end()), affected.end());
-    dropped.clear();
-    for (const InstanceIndex index : affected) {
-      const Fate before = fates[index];
-      fates[index] = before == Fate::Dropped ? before : fateOf(table, fates, index);
-      if (fates[index] == Fate::Dropped && isProtected(index)) {
-        fates[index] = before == Fate::Kept ? Fate::Changed : before;
-      }
-      if (fates[index] != before && fates[index] == Fate::Dropped) {
-        dropped.push_back(index);
-      }
-    }
-  }
-  return fates;
+  return Dropper(table, structure).decide();
 }
 
 }  // namespace plenvorith

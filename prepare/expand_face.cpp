@@ -1,5 +1,6 @@
 #include "prepare/expand_face.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -10,12 +11,12 @@ namespace {
 /// Goes over the lists in a list. At each of them, `copy` may take some; of one that it leaves,
 /// calls `each` with the indices and then `finish`.
 template <typename Copy, typename Each, typename Finish>
-bool readLists(BodyCursor& cursor, Copy copy, Each each, Finish finish) {
-  return readList(cursor, [&cursor, &copy, &each, &finish] {
+bool readLists(TokenReader& tokens, Copy copy, Each each, Finish finish) {
+  return readList(tokens, [&tokens, &copy, &each, &finish] {
     if (copy()) {
       return true;
     }
-    if (!readIndices(cursor, each)) {
+    if (!readIndices(tokens, each)) {
       return false;
     }
     finish();
@@ -23,11 +24,11 @@ bool readLists(BodyCursor& cursor, Copy copy, Each each, Finish finish) {
   });
 }
 
-bool readTriangles(BodyCursor& cursor, FaceTriangles& triangles) {
+bool readTriangles(TokenReader& tokens, FaceTriangles& triangles) {
   std::array<Index, 3> corners = {};
   std::size_t count = 0;
   return readLists(
-      cursor, [&triangles] { return triangles.copyTriples(); },
+      tokens, [&triangles] { return triangles.copyTriples(); },
       [&corners, &count](Index index) {
         if (count < 3) {
           corners[count] = index;
@@ -44,11 +45,11 @@ bool readTriangles(BodyCursor& cursor, FaceTriangles& triangles) {
       });
 }
 
-bool readStrips(BodyCursor& cursor, FaceTriangles& triangles) {
+bool readStrips(TokenReader& tokens, FaceTriangles& triangles) {
   std::array<Index, 2> before = {};
   std::size_t count = 0;
   return readLists(
-      cursor, [&triangles] { return triangles.copyTriples(); },
+      tokens, [&triangles] { return triangles.copyTriples(); },
       [&triangles, &before, &count](Index index) {
         if (count >= 2 && count % 2 == 0) {
           triangles.addJoined(before[0], before[1], index);
@@ -61,12 +62,12 @@ bool readStrips(BodyCursor& cursor, FaceTriangles& triangles) {
       [&count] { count = 0; });
 }
 
-bool readFans(BodyCursor& cursor, FaceTriangles& triangles) {
+bool readFans(TokenReader& tokens, FaceTriangles& triangles) {
   Index first = 0;
   Index before = 0;
   std::size_t count = 0;
   return readLists(
-      cursor, [&triangles] { return triangles.copyTriples(); },
+      tokens, [&triangles] { return triangles.copyTriples(); },
       [&triangles, &first, &before, &count](Index index) {
         if (count >= 2) {
           triangles.addJoined(first, before, index);
@@ -78,35 +79,25 @@ bool readFans(BodyCursor& cursor, FaceTriangles& triangles) {
       [&count] { count = 0; });
 }
 
-bool isFaceKeyword(std::string_view keyword) {
-  return (rolesOf(keyword) & kFace) != 0;
-}
-
 /// Goes to the index mapping of a face and gives the keyword of the record that it stands in; an
 /// empty one if there is none. Tells whether the face may have normals.
-std::string findMapping(BodyCursor& cursor, bool isComplex, bool& mayHaveNormals) {
-  mayHaveNormals = isComplex;
-  if (isComplex) {
-    (void)cursor.take('(');
-    std::string keyword = cursor.takeKeyword();
-    while (!isFaceKeyword(keyword)) {
-      if (!cursor.skipRecord()) {
-        return {};
-      }
-      keyword = cursor.takeKeyword();
+std::string_view findMapping(TokenReader& tokens, const EntityType& type, bool& mayHaveNormals) {
+  mayHaveNormals = type.isComplex;
+  const auto keyword =
+      std::find_if(type.keywords.begin(), type.keywords.end(),
+                   [](const std::string& k) { return kindOf(k) == Kind::TriangulatedFace; });
+  if (keyword == type.keywords.end() || !tokens.enterRecord(*keyword, type.isComplex)) {
+    return {};
+  }
+  if (!type.isComplex) {
+    bool isThere = tokens.skipParameters(3);  // name, coordinates, pnmax
+    mayHaveNormals = isThere && tokens.isAtItems();
+    isThere = isThere && tokens.skipParameters(keyword->ends_with("FACE") ? 2 : 1);  // and its link
+    if (!isThere) {
+      return {};
     }
-    return cursor.take('(') ? keyword : std::string();
   }
-  std::string keyword = cursor.takeKeyword();
-  // name, coordinates, pnmax, normals and, of a face only, its link
-  const int before = keyword.ends_with("FACE") ? 5 : 4;
-  bool isThere = cursor.take('(');
-  for (int i = 0; i < before && isThere; ++i) {
-    mayHaveNormals = mayHaveNormals || (i == 3 && cursor.isAtItems());
-    cursor.skipParameter();
-    isThere = cursor.take(',');
-  }
-  return isThere ? keyword : std::string();
+  return *keyword;
 }
 
 }  // namespace
@@ -122,15 +113,15 @@ ExpandedFace expandFace(StatementReader& reader, const EntityType& type, std::ui
     output->put(pointCount);
     output->put(",(),$,(),(");
   }
-  BodyCursor cursor(reader);
-  FaceTriangles triangles(cursor, pointCount, target, output);
-  const std::string keyword = findMapping(cursor, type.isComplex, triangles.result.mayHaveNormals);
-  bool isRead = !keyword.empty() && triangles.readMapping() && cursor.take(',');
+  TokenReader tokens(reader);
+  FaceTriangles triangles(tokens, pointCount, target, output);
+  const std::string_view keyword = findMapping(tokens, type, triangles.result.mayHaveNormals);
+  bool isRead = !keyword.empty() && triangles.readMapping() && tokens.take(',');
   if (keyword.starts_with("COMPLEX_")) {
     isRead =
-        isRead && readStrips(cursor, triangles) && cursor.take(',') && readFans(cursor, triangles);
+        isRead && readStrips(tokens, triangles) && tokens.take(',') && readFans(tokens, triangles);
   } else {
-    isRead = isRead && readTriangles(cursor, triangles);
+    isRead = isRead && readTriangles(tokens, triangles);
   }
   triangles.flush();
   if (output != nullptr) {

@@ -1,5 +1,6 @@
 #include "prepare/face_triangles.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "common/ascii.h"
@@ -24,28 +25,29 @@ bool hasEqual(const std::array<std::uint64_t, 3>& corners) {
 
 }  // namespace
 
-FaceTriangles::FaceTriangles(BodyCursor& cursor, std::uint64_t pointCount, const FaceTarget& target,
-                             OutputFile* output)
-    : cursor_(cursor),
+FaceTriangles::FaceTriangles(TokenReader& tokens, std::uint64_t pointCount,
+                             const FaceTarget& target, OutputFile* output)
+    : tokens_(tokens),
       mapping_(pointCount, target.mappingLimits),
       pointCount_(pointCount),
+      huge_(target.huge),
       isMirrored_(target.isMirrored),
       maxSamples_(target.maxSamples),
       maxWaiting_(3 * target.triangleLimit),
       output_(output) {}
 
 bool FaceTriangles::copyTriples() {
-  if (!mapping_.isEmpty() || isMirrored_ || wantsSamples()) {
+  if (!mapping_.isEmpty() || isMirrored_ || huge_ != nullptr || wantsSamples()) {
     return false;
   }
   constexpr std::ptrdiff_t kLongest = 3 * (kMaxIndexDigits + 1) + 2;
-  (void)cursor_.peek();
-  const char* const begin = cursor_.position();
+  (void)tokens_.peek();
+  const char* const begin = tokens_.position();
   const char* end = begin;
   const std::uint64_t count = pointCount_;
   const char* p = begin;
   std::uint64_t copied = 0;
-  while (cursor_.end() - p > kLongest && *p == '(') {
+  while (tokens_.end() - p > kLongest && *p == '(') {
     Corners index = {};
     const char* next = p + 1;
     for (std::size_t i = 0; i < 3 && next != nullptr; ++i) {
@@ -73,7 +75,7 @@ bool FaceTriangles::copyTriples() {
     output_->put({begin, static_cast<std::size_t>(end - begin)});
   }
   result.triangles += copied;
-  cursor_.moveTo(end);
+  tokens_.moveTo(end);
   return true;
 }
 
@@ -111,7 +113,7 @@ void FaceTriangles::flush() {
     return;
   }
   const std::vector<std::uint32_t> given = wantsSamples() ? waiting_ : std::vector<std::uint32_t>();
-  mapping_.lookUp(cursor_, waiting_);
+  mapping_.lookUp(tokens_, waiting_);
   for (std::size_t i = 0; i < waiting_.size(); i += 3) {
     const Corners points = {waiting_[i], waiting_[i + 1], waiting_[i + 2]};
     addPoints(given.empty() ? points : Corners{given[i], given[i + 1], given[i + 2]}, points);
@@ -119,11 +121,17 @@ void FaceTriangles::flush() {
   waiting_.clear();
 }
 
+bool FaceTriangles::isHuge(const Corners& points) const {
+  return huge_ != nullptr && std::any_of(points.begin(), points.end(), [this](std::uint64_t index) {
+           return index - 1 < huge_->size() && (*huge_)[static_cast<std::size_t>(index - 1)];
+         });
+}
+
 /// Adds a triangle by its indices as the face has them and by its points.
 void FaceTriangles::addPoints(const Corners& given, const Corners& points) {
   // An index of 0 becomes the largest of all numbers, as a negative one is.
   if (points[0] - 1 >= pointCount_ || points[1] - 1 >= pointCount_ ||
-      points[2] - 1 >= pointCount_) {
+      points[2] - 1 >= pointCount_ || isHuge(points)) {
     ++result.skipped;
     return;
   }

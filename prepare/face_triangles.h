@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "exchange/body_cursor.h"
+#include "exchange/token_reader.h"
 #include "prepare/index_list.h"
 #include "prepare/index_mapping.h"
 #include "prepare/output_file.h"
@@ -26,6 +26,8 @@ struct FaceTarget {
   std::uint64_t coordinates = 0;  ///< the name of its new coordinates list
   bool isMirrored = false;        ///< two corners of each triangle change places
   std::size_t maxSamples = 0;     ///< how many triangles to give if the face has normals
+  const std::vector<bool>* huge =
+      nullptr;  ///< points, from 0, whose triangles are skipped; may be null
   MappingLimits mappingLimits;
   std::size_t triangleLimit = std::size_t{1} << 20U;  ///< how many are looked up at once
 };
@@ -33,9 +35,9 @@ struct FaceTarget {
 /// What a face gave.
 struct ExpandedFace {
   std::uint64_t triangles = 0;
-  std::uint64_t skipped = 0;             ///< with an index outside the mapping or the list
-  bool hasFailed = false;                ///< something stands where a number has to be
-  bool mayHaveNormals = false;           ///< of a complex instance it is not known
+  std::uint64_t skipped = 0;    ///< with an index outside the mapping or the list, or a huge point
+  bool hasFailed = false;       ///< something stands where a number has to be
+  bool mayHaveNormals = false;  ///< of a complex instance it is not known
   std::vector<SampledTriangle> samples;  ///< the first triangles
 };
 
@@ -51,14 +53,14 @@ struct ExpandedFace {
 /// Cost    each so many triangles take at most one scan of such a mapping.
 class FaceTriangles {
  public:
-  /// Takes  a cursor on the body of the face; how many points its coordinates list has; where to
+  /// Takes  a reader on the body of the face; how many points its coordinates list has; where to
   ///        write, or null if the triangles are to be counted only.
-  FaceTriangles(BodyCursor& cursor, std::uint64_t pointCount, const FaceTarget& target,
+  FaceTriangles(TokenReader& tokens, std::uint64_t pointCount, const FaceTarget& target,
                 OutputFile* output);
 
   /// Reads the index mapping, which comes before the triangles. False if that cannot be done.
   [[nodiscard]] bool readMapping() {
-    return mapping_.read(cursor_);
+    return mapping_.read(tokens_);
   }
 
   void add(Index a, Index b, Index c);
@@ -88,15 +90,17 @@ class FaceTriangles {
   using Corners = std::array<std::uint64_t, 3>;
 
   Index pointOf(Index index) const;
+  bool isHuge(const Corners& points) const;
   void addPoints(const Corners& given, const Corners& points);
   void write(const Corners& points);
   bool wantsSamples() const {
     return result.mayHaveNormals && result.samples.size() < maxSamples_;
   }
 
-  BodyCursor& cursor_;
+  TokenReader& tokens_;
   IndexMapping mapping_;
   std::uint64_t pointCount_;
+  const std::vector<bool>* huge_;
   bool isMirrored_;
   std::size_t maxSamples_;
   std::size_t maxWaiting_;

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "exchange/body_cursor.h"
+#include "exchange/token_reader.h"
 
 namespace plenvorith {
 
@@ -14,37 +14,37 @@ using Index = std::int64_t;
 constexpr std::ptrdiff_t kMaxIndexDigits = 18;
 
 /// Reads one index; of a real number its whole part. False if there is no number.
-[[nodiscard]] bool readIndex(BodyCursor& cursor, Index& index);
+[[nodiscard]] bool readIndex(TokenReader& tokens, Index& index);
 
-/// Goes over a list, "(a,b,c)", with the cursor at each of its items in turn, which `readItem` reads;
+/// Goes over a list, "(a,b,c)", with the reader at each of its items in turn, which `readItem` reads;
 /// a missing list, "$", has none.
 ///
 /// Errors  false if `readItem` says so, or if something else stands between the items.
 template <typename ReadItem>
-[[nodiscard]] bool readList(BodyCursor& cursor, ReadItem readItem) {
-  if (!cursor.take('(')) {
-    return cursor.take('$');
+[[nodiscard]] bool readList(TokenReader& tokens, ReadItem readItem) {
+  if (!tokens.take('(')) {
+    return tokens.take('$');
   }
-  if (cursor.take(')')) {
+  if (tokens.take(')')) {
     return true;
   }
   do {
     if (!readItem()) {
       return false;
     }
-  } while (cursor.take(','));
-  return cursor.take(')');
+  } while (tokens.take(','));
+  return tokens.take(')');
 }
 
-/// Calls `each` with the indices of a list, "(1,2,3)", one by one. The cursor then stands behind the
+/// Calls `each` with the indices of a list, "(1,2,3)", one by one. The reader then stands behind the
 /// index, and `each` may move it about if it comes back.
 ///
 /// Errors  false if something else than numbers stands in the list.
 template <typename Each>
-[[nodiscard]] bool readIndices(BodyCursor& cursor, Each each) {
-  return readList(cursor, [&cursor, &each] {
+[[nodiscard]] bool readIndices(TokenReader& tokens, Each each) {
+  return readList(tokens, [&tokens, &each] {
     Index index = 0;
-    if (!readIndex(cursor, index)) {
+    if (!readIndex(tokens, index)) {
       return false;
     }
     each(index);

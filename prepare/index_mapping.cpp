@@ -7,17 +7,17 @@ namespace plenvorith {
 IndexMapping::IndexMapping(std::uint64_t pointCount, const MappingLimits& limits)
     : pointCount_(static_cast<Index>(pointCount)), limits_(limits) {}
 
-bool IndexMapping::read(BodyCursor& cursor) {
-  chunks_.push_back(cursor.place());
+bool IndexMapping::read(TokenReader& tokens) {
+  chunks_.push_back(tokens.place());
   std::size_t leftOfChunk = limits_.chunk;
-  return readIndices(cursor, [this, &cursor, &leftOfChunk](Index index) {
+  return readIndices(tokens, [this, &tokens, &leftOfChunk](Index index) {
     ++size_;
     if (isHeld_) {
       hold(entryOf(index));
     }
     if (--leftOfChunk == 0) {
       leftOfChunk = limits_.chunk;
-      chunks_.push_back(cursor.place());
+      chunks_.push_back(tokens.place());
     }
   });
 }
@@ -58,34 +58,34 @@ std::vector<std::uint32_t> IndexMapping::sortedByChunk(
   return sorted;
 }
 
-/// Reads the chunk before whose first entry the cursor stands.
-void IndexMapping::readChunk(BodyCursor& cursor, std::vector<std::uint32_t>& entries) const {
+/// Reads the chunk before whose first entry the tokens stands.
+void IndexMapping::readChunk(TokenReader& tokens, std::vector<std::uint32_t>& entries) const {
   entries.assign(limits_.chunk, 0);
   for (std::uint32_t& entry : entries) {
     Index index = 0;
-    if (!(cursor.take(',') || cursor.take('(')) || !readIndex(cursor, index)) {
+    if (!(tokens.take(',') || tokens.take('(')) || !readIndex(tokens, index)) {
       return;  // of the last chunk this is the end
     }
     entry = entryOf(index);
   }
 }
 
-void IndexMapping::lookUp(BodyCursor& cursor, std::vector<std::uint32_t>& indices) const {
-  const BodyPlace before = cursor.place();
+void IndexMapping::lookUp(TokenReader& tokens, std::vector<std::uint32_t>& indices) const {
+  const BodyPlace before = tokens.place();
   std::vector<std::uint32_t> entries;
-  std::size_t next = std::numeric_limits<std::size_t>::max();  // the chunk that the cursor is at
+  std::size_t next = std::numeric_limits<std::size_t>::max();  // the chunk that the tokens is at
   for (const std::uint32_t place : sortedByChunk(indices)) {
     const std::size_t chunk = (indices[place] - 1) / limits_.chunk;
     if (chunk + 1 != next) {
       if (chunk != next) {
-        cursor.goTo(chunks_[chunk]);
+        tokens.goTo(chunks_[chunk]);
       }
-      readChunk(cursor, entries);
+      readChunk(tokens, entries);
       next = chunk + 1;
     }
     indices[place] = entries[(indices[place] - 1) % limits_.chunk];
   }
-  cursor.goTo(before);
+  tokens.goTo(before);
 }
 
 }  // namespace plenvorith

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "exchange/body_cursor.h"
+#include "exchange/token_reader.h"
 #include "prepare/index_list.h"
 
 namespace plenvorith {
@@ -28,9 +28,9 @@ class IndexMapping {
 
   IndexMapping(std::uint64_t pointCount, const MappingLimits& limits);
 
-  /// Reads the list at the cursor, whose place is kept for looking up. False if something other than
+  /// Reads the list that is next, whose place is kept for looking up. False if something other than
   /// numbers stands in it.
-  [[nodiscard]] bool read(BodyCursor& cursor);
+  [[nodiscard]] bool read(TokenReader& tokens);
 
   [[nodiscard]] bool isEmpty() const {
     return size_ == 0;
@@ -53,11 +53,11 @@ class IndexMapping {
 
   /// Replaces indices by their entries, read from the file; 0 stays 0.
   ///
-  /// Takes   a cursor on the body of the face, which is moved about in it and comes back.
+  /// Takes   a reader on the body of the face, which is moved about in it and comes back.
   /// Memory  four bytes for each index, and one chunk.
   /// Cost    each chunk that an index falls into is read once, so one call never takes longer than
   ///         one scan of the list, whatever the order of the indices.
-  void lookUp(BodyCursor& cursor, std::vector<std::uint32_t>& indices) const;
+  void lookUp(TokenReader& tokens, std::vector<std::uint32_t>& indices) const;
 
  private:
   [[nodiscard]] std::uint32_t entryOf(Index index) const {
@@ -67,7 +67,7 @@ class IndexMapping {
   void hold(std::uint32_t entry);
   [[nodiscard]] std::vector<std::uint32_t> sortedByChunk(
       const std::vector<std::uint32_t>& indices) const;
-  void readChunk(BodyCursor& cursor, std::vector<std::uint32_t>& entries) const;
+  void readChunk(TokenReader& tokens, std::vector<std::uint32_t>& entries) const;
 
   static constexpr std::size_t kBlock = 4096;
 

@@ -1,7 +1,21 @@
+#include <cstdlib>
 #include <iostream>
+#include <new>
 #include <string_view>
 
 #include "prepare/preparation.h"
+#include "prepare/temporary_file.h"
+
+namespace {
+
+/// There may be no memory for anything but this.
+void endWithoutMemory() {
+  std::cerr << "Error: out of memory" << std::endl;
+  plenvorith::TemporaryFile::removeNow();
+  std::_Exit(1);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 3) {
@@ -12,5 +26,6 @@ int main(int argc, char** argv) {
     std::cerr << "Error: what is written is a STEP file, not an STL file: " << argv[2] << std::endl;
     return 2;
   }
+  std::set_new_handler(endWithoutMemory);
   return plenvorith::prepareFile(argv[1], argv[2]);
 }

@@ -32,17 +32,37 @@ void writeRepresentation(const TessellationPlan& plan, NewNames& names, OutputFi
 
 }  // namespace
 
-NewNames::NewNames(std::uint64_t largestOld, const TessellationPlan& plan, const Orphans& orphans) {
+NewNames::NewNames(std::uint64_t largestOld, const NamedNumbers& inStrings,
+                   const TessellationPlan& plan, const Orphans& orphans) {
   const std::uint64_t count = plan.lists.size() + plan.faces.size() + plan.solidCount + kMaxOthers +
                               orphans.representations.size();
   std::uint64_t first = 1;
-  while (first <= largestOld || first * 9 < count) {
+  while (first <= largestOld || first * 9 < count || !inStrings.leaveFree(first, count)) {
     first *= 10;
   }
   lists_ = first;
   faces_ = lists_ + plan.lists.size();
   solids_ = faces_ + plan.faces.size();
   next_ = solids_ + plan.solidCount;
+}
+
+std::uint64_t largestNumberOf(const InstanceTable& table, const std::vector<Fate>& fates) {
+  const auto isDropped = [&](const Reference& reference) {
+    const InstanceIndex named = table.find(reference.number);
+    return named != kNoInstance && fates[named] == Fate::Dropped;
+  };
+  std::uint64_t largest = 0;
+  for (InstanceIndex index = 0; index < table.size(); ++index) {
+    if (fates[index] == Fate::Dropped) {
+      continue;
+    }
+    largest = std::max(largest, table.number(index));
+    table.forEachReference(index, [&](const Reference& reference) {
+      const bool goes = reference.kind == Reference::Kind::ListItem && isDropped(reference);
+      largest = goes ? largest : std::max(largest, reference.number);
+    });
+  }
+  return largest;
 }
 
 void startInstance(std::uint64_t name, OutputFile& output) {

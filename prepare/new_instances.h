@@ -2,20 +2,25 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "exchange/instance_table.h"
+#include "prepare/drop.h"
 #include "prepare/orphans.h"
 #include "prepare/output_file.h"
 #include "prepare/tessellation_plan.h"
 
 namespace plenvorith {
 
-/// The numbers of the instances that a prepared file has and its input has not: above all old ones
-/// and all of the same length, so that the order of their texts, by which the converter decodes
+/// The numbers of the instances that a prepared file has and its input has not: from the smallest
+/// power of ten above all that stay, and all of the same length, so that the order of their texts, by which the converter decodes
 /// faces, is that of the numbers.
 class NewNames {
  public:
-  NewNames(std::uint64_t largestOld, const TessellationPlan& plan, const Orphans& orphans);
+  /// None is among the numbers that instances which stay have, or name, up to `largestOld`, or that
+  /// strings name.
+  NewNames(std::uint64_t largestOld, const NamedNumbers& inStrings, const TessellationPlan& plan,
+           const Orphans& orphans);
 
   /// Of a coordinates list, a face or a solid of the plan.
   [[nodiscard]] std::uint64_t list(std::size_t i) const {
@@ -36,6 +41,10 @@ class NewNames {
  private:
   std::uint64_t lists_, faces_, solids_, next_;
 };
+
+/// The largest number that an instance which stays has or names.
+[[nodiscard]] std::uint64_t largestNumberOf(const InstanceTable& table,
+                                            const std::vector<Fate>& fates);
 
 /// Writes "#12=".
 void startInstance(std::uint64_t name, OutputFile& output);

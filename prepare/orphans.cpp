@@ -1,52 +1,36 @@
 #include "prepare/orphans.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
+
+#include "product/attributes.h"
+#include "product/exact_geometry.h"
+#include "product/graph.h"
 
 namespace plenvorith {
 namespace {
 
-/// Whether a product has exact geometry, over whatever relationship of representations.
+/// Whether a product has exact geometry: what the kernel comes to, or what a relationship of another
+/// kind sets beside that, construction geometry for example, which is no shape of its own.
 bool hasProductExact(const InstanceTable& table, const ProductStructure& structure) {
-  std::multimap<RepresentationIndex, RepresentationIndex> near;
-  const auto tie = [&near](RepresentationIndex a, RepresentationIndex b) {
-    near.emplace(a, b);
-    near.emplace(b, a);
-  };
-  for (InstanceIndex index = 0; index < table.size(); ++index) {
-    if (!table.has(index, kRelationship | kTransformation | kAnyRelationship)) {
-      continue;
-    }
+  Groups groups(structure.representations.size());
+  for (const InstanceIndex index :
+       instancesOf(table, Kind::Transformation, Kind::OtherRelationship)) {
     RepresentationIndex previous = kNoRepresentation;
-    for (const InstanceIndex named : attributesOf(table, index)) {
-      const RepresentationIndex side = structure.find(named);
+    table.forEachReference(index, [&](const Reference& reference) {
+      const RepresentationIndex side = structure.find(table.find(reference.number));
       if (side != kNoRepresentation && previous != kNoRepresentation) {
-        tie(previous, side);
+        groups.unite(previous, side);
       }
       previous = side != kNoRepresentation ? side : previous;
-    }
+    });
+  }
+  std::vector<bool> isReached(structure.representations.size());
+  for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
+    isReached[groups.find(i)] = isReached[groups.find(i)] || structure.representations[i].isReached;
   }
   for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
-    tie(i, structure.representations[i].group);
-  }
-  std::set<RepresentationIndex> reached;
-  std::vector<RepresentationIndex> open;
-  for (const auto& [group, products] : structure.productsOfGroup) {
-    reached.insert(group);
-    open.push_back(group);
-  }
-  while (!open.empty()) {
-    const RepresentationIndex index = open.back();
-    open.pop_back();
-    if (structure.representations[index].isExact) {
+    if (structure.representations[i].isExact && isReached[groups.find(i)]) {
       return true;
-    }
-    const auto [begin, end] = near.equal_range(index);
-    for (auto entry = begin; entry != end; ++entry) {
-      if (reached.insert(entry->second).second) {
-        open.push_back(entry->second);
-      }
     }
   }
   return false;
@@ -54,25 +38,25 @@ bool hasProductExact(const InstanceTable& table, const ProductStructure& structu
 
 }  // namespace
 
-Orphans findOrphans(const InstanceTable& table, const ProductStructure& structure) {
+Orphans tieOrphans(const InstanceTable& table, ProductStructure& structure) {
   Orphans orphans;
-  const auto isExact = [](const Representation& representation) { return representation.isExact; };
-  if (std::none_of(structure.representations.begin(), structure.representations.end(), isExact) ||
-      hasProductExact(table, structure)) {
+  if (hasProductExact(table, structure)) {
     return orphans;
   }
-  std::set<RepresentationIndex> mapped;  // delivered by those that map them
+  std::vector<bool> isMapped(structure.representations.size());  // delivered by those that map them
   for (const Mapping& mapping : structure.mappings) {
-    if (mapping.holder != mapping.mapped && structure.representations[mapping.holder].isExact) {
-      mapped.insert(mapping.mapped);
-    }
+    isMapped[mapping.mapped] =
+        isMapped[mapping.mapped] ||
+        (mapping.holder != mapping.mapped && structure.representations[mapping.holder].isExact);
   }
   for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
-    if (structure.representations[i].isExact && !mapped.contains(i)) {
+    if (structure.representations[i].isExact && !isMapped[i]) {
       orphans.representations.push_back(structure.representations[i].instance);
+      structure.representations[i].isReached = true;
     }
   }
-  if (structure.productShapes.size() == 1) {
+  markReachedByMapping(structure);
+  if (!orphans.representations.empty() && structure.productShapes.size() == 1) {
     orphans.productShape = structure.productShapes[0];
   }
   return orphans;

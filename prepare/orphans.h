@@ -13,7 +13,8 @@ struct Orphans {
                                              ///< shape or several
 };
 
-/// Finds orphans: none if any product of the file has exact geometry.
-[[nodiscard]] Orphans findOrphans(const InstanceTable& table, const ProductStructure& structure);
+/// Finds orphans, none if any product of the file has exact geometry, and marks them as reached: they
+/// are to be tied to a product.
+[[nodiscard]] Orphans tieOrphans(const InstanceTable& table, ProductStructure& structure);
 
 }  // namespace plenvorith

@@ -4,6 +4,9 @@
 #include <set>
 #include <utility>
 
+#include "product/attributes.h"
+#include "product/exact_geometry.h"
+
 namespace plenvorith {
 namespace {
 
@@ -17,190 +20,283 @@ struct Item {
   }
 };
 
+/// ..._ANNOTATION_OCCURRENCE is a STYLED_ITEM(name, styles, item).
+constexpr Attribute kStyledItem = {"STYLED_ITEM", 1, 2};
+constexpr Attribute kLocation = {"REPOSITIONED_TESSELLATED_ITEM", 0, 1};
+constexpr Attribute kSolidLink = {"TESSELLATED_SOLID", 1, 2};
+constexpr Attribute kShellLink = {"TESSELLATED_SHELL", 1, 2};
+constexpr Attribute kFaceCoordinates = {"TESSELLATED_FACE", 0, 1};
+constexpr Attribute kSetCoordinates = {"TESSELLATED_SURFACE_SET", 0, 1};
+constexpr Attribute kFaceLink = {"TESSELLATED_FACE", 3, 4};
+
+/// More items than this are in no real file, however often one is counted.
+constexpr std::size_t kMaxItems = std::size_t{1} << 22U;
+
 /// The items that annotation draws.
-std::set<InstanceIndex> findAnnotated(const InstanceTable& table) {
-  std::set<InstanceIndex> annotated;
+std::vector<bool> findAnnotated(const InstanceTable& table) {
+  std::vector<bool> annotated(table.size());
   for (InstanceIndex index = 0; index < table.size(); ++index) {
-    if (!table.has(index, kAnnotation)) {
-      continue;
-    }
-    for (const InstanceIndex item : attributesOf(table, index)) {
-      if (item != kNoInstance && table.has(item, kTessellated)) {
-        annotated.insert(item);
-      }
+    const InstanceIndex item =
+        table.is(index, Kind::Annotation) ? table.attribute(index, kStyledItem) : kNoInstance;
+    if (item != kNoInstance) {
+      annotated[item] = true;
     }
   }
   return annotated;
 }
 
-/// The location of a REPOSITIONED_TESSELLATED_ITEM; none if the item is no such one.
-InstanceIndex locationOf(const InstanceTable& table, InstanceIndex item) {
-  const std::vector<InstanceIndex> attributes =
-      table.has(item, kRepositioned) && table.type(item).isComplex
-          ? attributesOf(table, item, "REPOSITIONED_TESSELLATED_ITEM")
-          : std::vector<InstanceIndex>();
-  return attributes.empty() ? kNoInstance : attributes[0];
-}
-
-/// Finds the bodies among the items of a representation and in sets of them.
+/// Finds the bodies among the items of representations and in sets of them.
 class BodyFinder {
  public:
-  BodyFinder(const InstanceTable& table, const std::set<InstanceIndex>& annotated)
-      : table_(table), annotated_(annotated) {}
+  BodyFinder(const InstanceTable& table, Warnings& warnings)
+      : table_(table), warnings_(warnings), annotated_(findAnnotated(table)) {}
 
+  /// Looks into a representation, and forgets what was found before.
   void find(InstanceIndex representation) {
-    forEachItem(table_, representation, [this](std::uint64_t number) { visit(number, {}); });
+    bodies.clear();
+    sets_.clear();
+    holdsTessellation = false;
+    holdsAnnotation = false;
+    table_.forEachItem(representation, attributes::kItems,
+                       [this](InstanceIndex item) { visit(item, {}); });
     while (!open_.empty()) {
       const Item set = open_.back();
       open_.pop_back();
       table_.forEachReference(set.instance, [&](const Reference& reference) {
-        if (reference.kind == Reference::Kind::ListItem) {
-          visit(reference.number, set.repositioning);
+        const InstanceIndex item = table_.find(reference.number);
+        if (reference.kind == Reference::Kind::ListItem && item != kNoInstance) {
+          visit(item, set.repositioning);
         }
       });
     }
   }
 
   std::set<Item> bodies;
-  bool isTooDeep = false;  // something was left out because of either
-  bool hasTooMany = false;
   bool holdsTessellation = false;
   bool holdsAnnotation = false;
+  std::size_t visited = 0;  ///< items, of all representations
 
  private:
-  void visit(std::uint64_t number, const std::vector<InstanceIndex>& repositioning) {
-    const InstanceIndex index = table_.find(number);
-    if (index == kNoInstance) {
-      return;
-    }
-    holdsAnnotation = holdsAnnotation || table_.has(index, kAnnotation);
-    if (!table_.has(index, kTessellated)) {
+  void visit(InstanceIndex index, const std::vector<InstanceIndex>& repositioning) {
+    holdsAnnotation = holdsAnnotation || table_.is(index, Kind::Annotation);
+    if (!table_.isTessellated(index) || ++visited > kMaxItems) {
       return;
     }
     holdsTessellation = true;
-    if (annotated_.contains(index)) {
+    if (annotated_[index]) {
       holdsAnnotation = true;
       return;
     }
     Item item{index, repositioning};
-    const InstanceIndex location = locationOf(table_, index);
-    if (location != kNoInstance && table_.has(index, kGeometricSet | kBody)) {
+    const InstanceIndex location = table_.attribute(index, kLocation);
+    if (location != kNoInstance && table_.type(index).isComplex &&
+        table_.is(index, Kind::TessellatedSet, Kind::TessellatedBody)) {
       item.repositioning.push_back(location);
     }
-    if (table_.has(index, kGeometricSet)) {
-      // A set is looked into once for each place where it stands. The limits are for sets that hold
-      // themselves, or are held in more ways than there can be.
-      constexpr std::size_t kMaxDepth = 16;
-      constexpr std::size_t kMaxSets = 100'000;
-      if (item.repositioning.size() > kMaxDepth) {
-        isTooDeep = true;
-      } else if (sets_.size() == kMaxSets && !sets_.contains(item)) {
-        hasTooMany = true;
-      } else if (sets_.insert(item).second) {
-        open_.push_back(std::move(item));
-      }
-    } else if (table_.has(index, kFace | kCurvedFace | kBody)) {
+    if (table_.is(index, Kind::TessellatedSet)) {
+      visitSet(std::move(item));
+    } else if (table_.is(index, Kind::TriangulatedFace, Kind::CurvedFace, Kind::TessellatedBody)) {
       bodies.insert(std::move(item));
     }
   }
 
+  /// A set is looked into once for each place where it stands. The limits are for sets that hold
+  /// themselves, or are held in more ways than there can be.
+  void visitSet(Item set) {
+    constexpr std::size_t kMaxDepth = 16;
+    constexpr std::size_t kMaxSets = 100'000;
+    if (set.repositioning.size() > kMaxDepth) {
+      warnings_.insert("sets of tessellation in more than 16 placements of sets are left out");
+    } else if (sets_.size() == kMaxSets && !sets_.contains(set)) {
+      warnings_.insert("of the sets of tessellation in a shape, those after 100,000 are left out");
+    } else if (sets_.insert(set).second) {
+      open_.push_back(std::move(set));
+    }
+  }
+
   const InstanceTable& table_;
-  const std::set<InstanceIndex>& annotated_;
+  Warnings& warnings_;
+  std::vector<bool> annotated_;
   std::set<Item> sets_;
   std::vector<Item> open_;
 };
 
-bool isExactItem(const InstanceTable& table, const std::vector<bool>& carried,
-                 InstanceIndex index) {
-  return index != kNoInstance && table.has(index, kSolid | kShell | kExactFace) && carried[index];
-}
-
-/// Whether the body names its exact twin, or each of its faces one.
-bool isLinked(const InstanceTable& table, const std::vector<bool>& carried, InstanceIndex body) {
-  if (table.has(body, kBody)) {
-    const EntityType& type = table.type(body);
-    bool isOwn = false;
-    table.forEachReference(body, [&](const Reference& reference) {
-      const bool isLink = reference.kind == Reference::Kind::Attribute &&
-                          (isInRecord(type, reference, "TESSELLATED_SOLID") ||
-                           isInRecord(type, reference, "TESSELLATED_SHELL"));
-      isOwn = isOwn || (isLink && isExactItem(table, carried, table.find(reference.number)));
-    });
-    if (isOwn) {
-      return true;
+/// What makes copies: exact geometry that the kernel comes to, or that is tied to a product.
+class Originals {
+ public:
+  Originals(const InstanceTable& table, const ProductStructure& structure)
+      : table_(table), structure_(structure), groups_(structure.representations.size()) {
+    products_.resize(structure.products.size());
+    std::vector<RepresentationIndex> carrying;
+    for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
+      const Representation& representation = structure.representations[i];
+      if (representation.isExact && representation.isReached) {
+        carrying.push_back(i);
+        groups_[representation.group] = true;
+        for (const ProductIndex product : structure.productsOf(i)) {
+          products_[product] = true;
+        }
+      }
+    }
+    areNone_ = carrying.empty();
+    if (!areNone_) {
+      carried_ = findCarried(table, structure, carrying);
     }
   }
-  Warnings ignored;
-  const std::vector<InstanceIndex> faces = facesOf(table, body, ignored);
-  return !faces.empty() && std::all_of(faces.begin(), faces.end(), [&](InstanceIndex face) {
-    return isExactItem(table, carried, readFaceLinks(table, face).geometry);
-  });
-}
 
-/// What has exact geometry: groups of representations, and products.
-struct Exact {
-  std::set<RepresentationIndex> groups;
-  std::set<ProductIndex> products;
+  /// Whether the body names its exact twin, or each of its faces one.
+  [[nodiscard]] bool areNamedBy(InstanceIndex body) const {
+    if (areNone_) {
+      return false;
+    }
+    for (const Attribute& link : {kSolidLink, kShellLink}) {
+      if (table_.is(body, Kind::TessellatedBody) &&
+          (table_.type(body).isComplex || table_.type(body).keywords[0] == link.record) &&
+          isCarried(table_.attribute(body, link))) {
+        return true;
+      }
+    }
+    Warnings ignored;
+    const std::vector<InstanceIndex> faces = facesOf(table_, body, ignored);
+    return !faces.empty() && std::all_of(faces.begin(), faces.end(), [this](InstanceIndex face) {
+      return isCarried(readFaceLinks(table_, face).geometry);
+    });
+  }
+
+  /// Whether some stand where the representation does.
+  [[nodiscard]] bool standAt(RepresentationIndex index) const {
+    const std::vector<ProductIndex>& products = structure_.productsOf(index);
+    return groups_[structure_.representations[index].group] ||
+           std::any_of(products.begin(), products.end(),
+                       [this](ProductIndex product) { return products_[product]; });
+  }
+
+ private:
+  [[nodiscard]] bool isCarried(InstanceIndex index) const {
+    return index != kNoInstance && carried_[index] &&
+           table_.is(index, Kind::Solid, Kind::Shell, Kind::Face);
+  }
+
+  const InstanceTable& table_;
+  const ProductStructure& structure_;
+  bool areNone_ = true;
+  std::vector<bool> groups_, products_, carried_;
 };
 
-Exact findExact(const ProductStructure& structure) {
-  Exact exact;
-  for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
-    if (structure.representations[i].isExact) {
-      exact.groups.insert(structure.representations[i].group);
-      const std::vector<ProductIndex>& products = structure.productsOf(i);
-      exact.products.insert(products.begin(), products.end());
+/// Sorts the tessellation of representations by what it is for.
+class PartFinder {
+ public:
+  PartFinder(const InstanceTable& table, const ProductStructure& structure,
+             Occurrences& occurrences, Warnings& warnings)
+      : table_(table),
+        structure_(structure),
+        occurrences_(occurrences),
+        warnings_(warnings),
+        originals_(table, structure),
+        finder_(table, warnings) {}
+
+  PartTessellation find() {
+    for (RepresentationIndex i = 0; i < structure_.representations.size(); ++i) {
+      const Representation& representation = structure_.representations[i];
+      finder_.find(representation.instance);
+      if (table_.is(representation.instance, Kind::TessellatedShape) || finder_.holdsTessellation) {
+        ++part_.representationCount;
+        sortRepresentation(i);
+      }
+    }
+    std::erase_if(bodies_, [this](const Body& body) {
+      return copied_.contains({body.instance, body.node});
+    });
+    removeStray();
+    part_.hasTooMany = finder_.visited > kMaxItems || bodies_.size() > kMaxItems;
+    part_.bodies.assign(bodies_.begin(), bodies_.end());
+    part_.copies.assign(copies_.begin(), copies_.end());
+    return std::move(part_);
+  }
+
+ private:
+  void sortRepresentation(RepresentationIndex index) {
+    const Representation& representation = structure_.representations[index];
+    const EntityType& type = table_.type(representation.instance);
+    if (type.is(Kind::DraughtingModel) || (finder_.bodies.empty() && finder_.holdsAnnotation)) {
+      ++part_.annotationCount;
+    } else if (representation.isOfProperty && !representation.isOfProduct) {
+      ++part_.propertyCount;
+    } else if (type.is(Kind::TessellatedShape) ||
+               (isPlainShape(type) && representation.isOfProduct)) {
+      sortBodies(index);
+    } else if (!isPlainShape(type) && !finder_.bodies.empty()) {
+      warnings_.insert("tessellation in a " + type.keywords[0] + " is left out");
     }
   }
-  return exact;
-}
 
-/// Whether exact geometry stands where the representation does.
-bool isPaired(const ProductStructure& structure, const Exact& exact, RepresentationIndex index) {
-  const std::vector<ProductIndex>& products = structure.productsOf(index);
-  return exact.groups.contains(structure.representations[index].group) ||
-         std::any_of(products.begin(), products.end(),
-                     [&exact](ProductIndex product) { return exact.products.contains(product); });
-}
+  static bool isPlainShape(const EntityType& type) {
+    return std::find(type.keywords.begin(), type.keywords.end(), "SHAPE_REPRESENTATION") !=
+           type.keywords.end();
+  }
 
-/// Leaves out bodies of representations that are no product's, where a product has the same body.
-void removeStray(Occurrences& occurrences, std::set<Body>& bodies) {
-  std::set<InstanceIndex> ofProducts;
-  for (const Body& body : bodies) {
-    if (occurrences.isProduct(body.node)) {
-      ofProducts.insert(body.instance);
+  /// Sorts the bodies that were found in a shape.
+  void sortBodies(RepresentationIndex index) {
+    std::set<InstanceIndex> linked;
+    for (const Item& item : finder_.bodies) {
+      if (originals_.areNamedBy(item.instance)) {
+        linked.insert(item.instance);
+      }
+    }
+    const bool areAllCopies = linked.empty() && originals_.standAt(index);
+    for (const Item& item : finder_.bodies) {
+      for (const Node node : occurrences_.nodesOf(index)) {
+        if (areAllCopies || linked.contains(item.instance)) {
+          copies_.insert(item.instance);
+          copied_.emplace(item.instance, node);
+        } else if (bodies_.size() <= kMaxItems) {
+          bodies_.insert({item.instance, index, node, item.repositioning});
+        }
+      }
     }
   }
-  std::erase_if(bodies, [&](const Body& body) {
-    return !occurrences.isProduct(body.node) && ofProducts.contains(body.instance) &&
-           !occurrences.isPlaced(body.node);
-  });
-}
+
+  /// Leaves out bodies of representations that are no product's, where a product has the same body.
+  void removeStray() {
+    std::set<InstanceIndex> ofProducts;
+    for (const Body& body : bodies_) {
+      if (occurrences_.isProduct(body.node)) {
+        ofProducts.insert(body.instance);
+      }
+    }
+    std::erase_if(bodies_, [&](const Body& body) {
+      return !occurrences_.isProduct(body.node) && ofProducts.contains(body.instance) &&
+             !occurrences_.isPlaced(body.node);
+    });
+  }
+
+  const InstanceTable& table_;
+  const ProductStructure& structure_;
+  Occurrences& occurrences_;
+  Warnings& warnings_;
+  Originals originals_;
+  BodyFinder finder_;
+  PartTessellation part_;
+  std::set<Body> bodies_;
+  std::set<InstanceIndex> copies_;
+  std::set<std::pair<InstanceIndex, Node>> copied_;
+};
 
 }  // namespace
 
 FaceLinks readFaceLinks(const InstanceTable& table, InstanceIndex face) {
   FaceLinks links;
+  links.coordinates = table.attribute(face, kFaceCoordinates);
   const EntityType& type = table.type(face);
-  table.forEachReference(face, [&](const Reference& reference) {
-    if (reference.kind != Reference::Kind::Attribute) {
-      return;
-    }
-    std::uint32_t attribute = reference.attribute;
-    if (type.isComplex) {
-      if (isInRecord(type, reference, "REPOSITIONED_TESSELLATED_ITEM")) {
-        links.location = table.find(reference.number);
-        return;
-      }
-      attribute += 1;  // the name stands in a record of its own
-    }
-    const InstanceIndex named = table.find(reference.number);
-    if (attribute == 1 && named != kNoInstance && table.has(named, kCoordinates)) {
-      links.coordinates = named;
-    } else if (attribute == 4) {
-      links.geometry = named;
-    }
-  });
+  if (type.isComplex) {
+    links.location = table.attribute(face, kLocation);
+    links.coordinates = links.coordinates == kNoInstance ? table.attribute(face, kSetCoordinates)
+                                                         : links.coordinates;
+  }
+  if (links.coordinates != kNoInstance && !table.is(links.coordinates, Kind::CoordinatesList)) {
+    links.coordinates = kNoInstance;
+  }
+  links.geometry = table.attribute(face, kFaceLink);
   return links;
 }
 
@@ -212,11 +308,11 @@ std::vector<InstanceIndex> facesOf(const InstanceTable& table, InstanceIndex bod
   while (!open.empty()) {
     const InstanceIndex index = open.back();
     open.pop_back();
-    if (table.has(index, kCurvedFace)) {
+    if (table.is(index, Kind::CurvedFace)) {
       warnings.insert("curved triangles (CUBIC_BEZIER_TRIANGULATED_FACE) are left out");
-    } else if (table.has(index, kFace)) {
+    } else if (table.is(index, Kind::TriangulatedFace)) {
       faces.push_back(index);
-    } else if (table.has(index, kBody) && shells.insert(index).second) {
+    } else if (table.is(index, Kind::TessellatedBody) && shells.insert(index).second) {
       const std::size_t before = open.size();
       table.forEachReference(index, [&](const Reference& reference) {
         const InstanceIndex item = reference.kind == Reference::Kind::ListItem
@@ -234,69 +330,19 @@ std::vector<InstanceIndex> facesOf(const InstanceTable& table, InstanceIndex bod
 
 PartTessellation findPartTessellation(const InstanceTable& table, const ProductStructure& structure,
                                       Occurrences& occurrences, Warnings& warnings) {
-  PartTessellation part;
-  const std::set<InstanceIndex> annotated = findAnnotated(table);
-  const Exact exact = findExact(structure);
-  part.hasExact = !exact.groups.empty();
-  const std::vector<bool> carried =
-      part.hasExact ? findCarried(table, structure) : std::vector<bool>(table.size());
-  std::set<Body> bodies;
-  std::set<InstanceIndex> copies;
-  std::set<std::pair<InstanceIndex, Node>> copied;
-  for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
-    const Representation& representation = structure.representations[i];
-    const bool isTessellatedShape = table.has(representation.instance, kTessellatedShape);
-    BodyFinder finder(table, annotated);
-    finder.find(representation.instance);
-    if (!isTessellatedShape && !finder.holdsTessellation) {
-      continue;
-    }
-    ++part.representationCount;
-    if (table.has(representation.instance, kDraughtingModel) ||
-        (finder.bodies.empty() && finder.holdsAnnotation)) {
-      ++part.annotationCount;
-      continue;
-    }
-    if (representation.isOfProperty && !representation.isOfProduct) {
-      ++part.propertyCount;
-      continue;
-    }
-    const bool isPlainShape =
-        table.has(representation.instance, kShapeRepresentation) && representation.isOfProduct;
-    if (!isTessellatedShape && !isPlainShape) {
-      continue;
-    }
-    if (finder.isTooDeep) {
-      warnings.insert("sets of tessellation in more than 16 placements of sets are left out");
-    }
-    if (finder.hasTooMany) {
-      warnings.insert("of the sets of tessellation in a shape, those after 100,000 are left out");
-    }
-    std::set<InstanceIndex> linked;
-    for (const Item& item : finder.bodies) {
-      if (part.hasExact && isLinked(table, carried, item.instance)) {
-        linked.insert(item.instance);
-      }
-    }
-    const bool areAllCopies = linked.empty() && isPaired(structure, exact, i);
-    for (const Item& item : finder.bodies) {
-      const bool isCopy = areAllCopies || linked.contains(item.instance);
-      for (const Node node : occurrences.nodesOf(i)) {
-        if (isCopy) {
-          copies.insert(item.instance);
-          copied.emplace(item.instance, node);
-        } else {
-          bodies.insert({item.instance, i, node, item.repositioning});
-        }
+  PartTessellation part = PartFinder(table, structure, occurrences, warnings).find();
+  for (const Representation& representation : structure.representations) {
+    part.hasExact = part.hasExact || representation.isExact ||
+                    (representation.isOfProduct && representation.holdsUnknown);
+    part.mayHaveExact = part.mayHaveExact || part.hasExact || representation.holdsConstruct;
+  }
+  for (const EntityType& type : table.types()) {
+    for (const std::string& keyword : type.keywords) {
+      if (kindOf(keyword) == Kind::UnknownTessellation) {
+        warnings.insert("tessellation of an unknown kind is left out: " + keyword);
       }
     }
   }
-  std::erase_if(bodies, [&](const Body& body) {
-    return copied.contains({body.instance, body.node});
-  });
-  removeStray(occurrences, bodies);
-  part.bodies.assign(bodies.begin(), bodies.end());
-  part.copies.assign(copies.begin(), copies.end());
   return part;
 }
 

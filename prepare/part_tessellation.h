@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "product/occurrences.h"
-#include "product/placement.h"
 #include "product/product_structure.h"
 
 namespace plenvorith {
@@ -33,6 +32,8 @@ struct PartTessellation {
   std::uint64_t annotationCount = 0;  ///< representations that only annotation shows
   std::uint64_t propertyCount = 0;    ///< representations of features and properties only
   bool hasExact = false;              ///< some representation holds exact geometry
+  bool mayHaveExact = false;          ///< or what the kernel may take for that
+  bool hasTooMany = false;            ///< there is more of it than can be
 };
 
 /// What a face names: its coordinates list and the geometry that it lies on.

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "exchange/instance_table.h"
 #include "exchange/statement_reader.h"
@@ -71,7 +72,7 @@ std::string unitsText(const std::set<double>& units) {
 std::uint64_t countFates(const InstanceTable& table, const std::vector<Fate>& fates, Fate fate) {
   std::uint64_t count = 0;
   for (InstanceIndex index = 0; index < table.size(); ++index) {
-    count += !table.isReplaced(index) && fates[index] == fate ? 1U : 0U;
+    count += !table.isVoid(index) && fates[index] == fate ? 1U : 0U;
   }
   return count;
 }
@@ -141,10 +142,20 @@ bool writeTo(const std::string& path, const Source& source, const Decisions& dec
   return output.close();
 }
 
-/// Writes the file once more, without tessellation, if that has not one triangle: the converter
-/// would take the file for one of another kind because of faces that hold nothing.
-bool writeWithoutEmptyFaces(const std::string& path, const Source& source,
-                            const Decisions& decisions, Written& written) {
+/// Writes the file once more where writing it showed that some of it has to be left out: triangles
+/// with points that overflow, or, if not one triangle is left, all faces. The converter would take the
+/// file for one of another kind because of faces that hold nothing.
+bool writeWithout(const std::string& path, const Source& source, Decisions& decisions,
+                  Written& written) {
+  if (!written.error.empty()) {
+    return true;
+  }
+  if (!written.huge.empty()) {
+    decisions.huge = std::move(written.huge);
+    if (std::remove(path.c_str()) != 0 || !writeTo(path, source, decisions, written)) {
+      return false;
+    }
+  }
   if (!written.error.empty() || written.triangles > 0 || decisions.plan.solidCount == 0) {
     return true;
   }
@@ -154,6 +165,63 @@ bool writeWithoutEmptyFaces(const std::string& path, const Source& source,
   const bool isWritten = std::remove(path.c_str()) == 0 && writeTo(path, source, rest, again);
   written.error = again.error;
   return isWritten;
+}
+
+/// Everything about a file that is decided before it is written.
+struct Findings {
+  PartTessellation part;
+  Decisions decisions;
+  Warnings warnings;
+};
+
+Findings decide(const InstanceTable& table, StatementReader& again) {
+  Findings findings;
+  InstanceReader instances(table, again);
+  ProductStructure structure = readProductStructure(table);
+  findings.decisions.orphans = tieOrphans(table, structure);
+  Occurrences occurrences(structure, instances, findings.warnings);
+  findings.part = findPartTessellation(table, structure, occurrences, findings.warnings);
+  findings.decisions.mayHaveExact = findings.part.mayHaveExact;
+  findings.decisions.plan = planTessellation(table, findings.part, occurrences, findings.warnings);
+  findings.decisions.fates = decideFates(table, structure);
+  if (table.hasUnbalanced()) {
+    findings.warnings.insert("instances whose parentheses do not balance are left out");
+  }
+  return findings;
+}
+
+/// Writes what was decided, and reports it.
+int writeDecided(const std::string& outputPath, const Source& source, Findings& findings) {
+  TemporaryFile temporary(outputPath);
+  Written written;
+  const bool isWritten = writeTo(temporary.path(), source, findings.decisions, written) &&
+                         writeWithout(temporary.path(), source, findings.decisions, written);
+  source.progress.wipe();
+  if (!written.error.empty()) {
+    return fail(source.path + ": " + written.error);
+  }
+  if (!isWritten) {
+    return fail("Cannot write " + outputPath);
+  }
+  if (written.emptiedStrings > 0) {
+    findings.warnings.insert("strings of more than 8,192 bytes are emptied");
+  }
+  if (written.hasNormalsAgainst) {
+    findings.warnings.insert(
+        "the stored normals of a body are all against its triangles, which stay");
+  }
+  printReport(source.table, findings.part, findings.decisions, written, findings.warnings);
+  if (!std::cout) {
+    return fail("Cannot print the report");
+  }
+  if (!temporary.takePlace()) {
+    return fail("Cannot write " + outputPath);
+  }
+  std::cout << "Saved: " << outputPath << std::endl;
+  if (!std::cout) {
+    return fail("Cannot print the report");
+  }
+  return findings.part.hasExact || written.triangles > 0 ? kWritten : kNoGeometry;
 }
 
 }  // namespace
@@ -178,43 +246,13 @@ int prepareFile(const std::string& inputPath, const std::string& outputPath) {
   if (!isRead) {
     return fail(inputPath + ": " + table.error());
   }
-  std::cout << "  Read " << table.distinctCount() << " entities" << std::endl;
-
-  Warnings warnings;
-  InstanceReader instances(table, again);
-  const ProductStructure structure = readProductStructure(table);
-  Occurrences occurrences(structure, instances, warnings);
-  const PartTessellation part = findPartTessellation(table, structure, occurrences, warnings);
-  Decisions decisions;
-  decisions.hasExact = part.hasExact;
-  decisions.plan = planTessellation(table, part, occurrences, warnings);
-  decisions.orphans = findOrphans(table, structure);
-  decisions.fates = decideFates(table, structure);
-  if (decisions.plan.hasTooMany) {
+  std::cout << "  Read " << table.countedCount() << " entities" << std::endl;
+  Findings findings = decide(table, again);
+  if (findings.decisions.plan.hasTooMany) {
     return fail(inputPath + ": too many placements");
   }
-
-  TemporaryFile temporary(outputPath);
   const Source source = {inputPath, again, table, progress};
-  Written written;
-  const bool isWritten = writeTo(temporary.path(), source, decisions, written) &&
-                         writeWithoutEmptyFaces(temporary.path(), source, decisions, written);
-  progress.wipe();
-  if (!written.error.empty()) {
-    return fail(inputPath + ": " + written.error);
-  }
-  if (!isWritten || !temporary.takePlace()) {
-    return fail("Cannot write " + outputPath);
-  }
-  if (written.emptiedStrings > 0) {
-    warnings.insert("strings of more than 8,192 bytes are emptied");
-  }
-  if (written.hasNormalsAgainst) {
-    warnings.insert("the stored normals of a body are all against its triangles, which stay");
-  }
-  printReport(table, part, decisions, written, warnings);
-  std::cout << "Saved: " << outputPath << std::endl;
-  return part.hasExact || written.triangles > 0 ? kWritten : kNoGeometry;
+  return writeDecided(outputPath, source, findings);
 }
 
 }  // namespace plenvorith

@@ -16,8 +16,8 @@ void copyBody(StatementReader& reader, OutputFile& output);
 void writeWithoutDropped(StatementReader& reader,
                          const std::function<bool(std::uint64_t)>& isDropped, OutputFile& output);
 
-/// Writes the body of a tessellated representation like this, as a SHAPE_REPRESENTATION.
-void writeRetyped(StatementReader& reader, const std::function<bool(std::uint64_t)>& isDropped,
-                  OutputFile& output);
+/// Writes the body of a representation of this type like this, as a SHAPE_REPRESENTATION.
+void writeRetyped(StatementReader& reader, const EntityType& type,
+                  const std::function<bool(std::uint64_t)>& isDropped, OutputFile& output);
 
 }  // namespace plenvorith

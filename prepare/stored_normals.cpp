@@ -4,9 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <string_view>
 
-#include "exchange/body_cursor.h"
+#include "exchange/token_reader.h"
 #include "prepare/coordinates.h"
 
 namespace plenvorith {
@@ -35,9 +35,9 @@ struct Vectors {
   }
 };
 
-/// Reads what is wanted of the list of vectors at the cursor, as far as that and the budget go.
-void readVectors(BodyCursor& cursor, Vectors& vectors, std::uint64_t& budget) {
-  if (!cursor.take('(')) {
+/// Reads what is wanted of the list of vectors at the tokens, as far as that and the budget go.
+void readVectors(TokenReader& tokens, Vectors& vectors, std::uint64_t& budget) {
+  if (!tokens.take('(')) {
     return;
   }
   std::uint64_t place = 0;
@@ -48,41 +48,28 @@ void readVectors(BodyCursor& cursor, Vectors& vectors, std::uint64_t& budget) {
     --budget;
     ++place;
     if (place == vectors.places[vectors.values.size()]) {
-      Vector value = {};
-      (void)cursor.peek();
-      const char* const end = readPoint(cursor.position(), cursor.end(), value);
-      if (end == nullptr) {
+      ListedPoint vector;
+      if (!takePoint(tokens, vector)) {
         return;
       }
-      cursor.moveTo(end);
-      vectors.values.push_back(value);
+      vectors.values.push_back(vector.numbers);
     } else {
-      cursor.skipParameter();
+      tokens.skipParameter();
     }
-  } while (vectors.values.size() < vectors.places.size() && cursor.take(','));
+  } while (vectors.values.size() < vectors.places.size() && tokens.take(','));
   vectors.isSingle = place == 1;
 }
 
 /// Goes to the normals of a face; false if it has none.
-bool goToNormals(BodyCursor& cursor, const EntityType& type) {
-  int before = 3;  // name, coordinates, pnmax
-  if (type.isComplex) {
-    before = 2;  // the name stands in a record of its own
-    (void)cursor.take('(');
-  }
-  std::string keyword = cursor.takeKeyword();
-  while (type.isComplex && keyword != "TESSELLATED_FACE" && keyword != "TESSELLATED_SURFACE_SET") {
-    if (!cursor.skipRecord()) {
-      return false;
-    }
-    keyword = cursor.takeKeyword();
-  }
-  bool isThere = cursor.take('(');
-  for (int i = 0; i < before && isThere; ++i) {
-    cursor.skipParameter();
-    isThere = cursor.take(',');
-  }
-  return isThere && cursor.isAtItems();
+bool goToNormals(TokenReader& tokens, const EntityType& type) {
+  // Of a complex instance the name stands in a record of its own.
+  const bool isSet = std::find(type.keywords.begin(), type.keywords.end(),
+                               "TESSELLATED_SURFACE_SET") != type.keywords.end();
+  const std::string_view record = !type.isComplex ? std::string_view(type.keywords[0])
+                                  : isSet         ? "TESSELLATED_SURFACE_SET"
+                                                  : "TESSELLATED_FACE";
+  return tokens.enterRecord(record, type.isComplex) &&
+         tokens.skipParameters(type.isComplex ? 2 : 3) && tokens.isAtItems();
 }
 
 /// The normal of a triangle times twice its area.
@@ -131,17 +118,17 @@ NormalsVerdict compareNormals(StatementReader& reader, const InstanceTable& tabl
   }
   {
     reader.seekBody(table.offset(face));
-    BodyCursor cursor(reader);
-    if (!goToNormals(cursor, table.type(face))) {
+    TokenReader tokens(reader);
+    if (!goToNormals(tokens, table.type(face))) {
       return NormalsVerdict::NoNormals;
     }
-    readVectors(cursor, normals, budget);
+    readVectors(tokens, normals, budget);
   }
   {
     reader.seekBody(table.offset(coordinates));
-    BodyCursor cursor(reader);
-    if (goToPoints(cursor)) {
-      readVectors(cursor, points, budget);
+    TokenReader tokens(reader);
+    if (goToPoints(tokens, table.type(coordinates).isComplex)) {
+      readVectors(tokens, points, budget);
     }
   }
   if (budget == 0) {

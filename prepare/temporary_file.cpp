@@ -19,24 +19,44 @@ constexpr std::array kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT
 std::array<char, 4096> removedPath = {};
 
 extern "C" void removeAndEnd(int signal) {
-  (void)std::remove(removedPath.data());
+  TemporaryFile::removeNow();
   (void)std::signal(signal, SIG_DFL);
   (void)std::raise(signal);
 }
 
+/// Where a path leads, over as many links as a system follows. There need be no file.
+std::filesystem::path behindLinks(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;
+  std::error_code error;
+  for (int i = 0; i < kMostLinks && std::filesystem::is_symlink(path, error); ++i) {
+    path = path.parent_path() / std::filesystem::read_symlink(path, error);
+  }
+  return path;
+}
+
+/// A name that nothing has, with as much of the final one as leaves it no longer than a name may be.
+std::string unusedNameBeside(const std::filesystem::path& final) {
+  constexpr std::size_t kLongestStart = 200;
+  const std::string start = final.filename().string().substr(0, kLongestStart) + ".tmp";
+  std::random_device random;
+  std::error_code error;
+  std::filesystem::path path;
+  do {
+    path = final.parent_path() / (start + std::to_string(random()));
+  } while (std::filesystem::exists(path, error));
+  return path.string();
+}
+
 }  // namespace
 
-TemporaryFile::TemporaryFile(const std::string& finalPath) : finalPath_(finalPath) {
-  // A link to a file stays one: what it leads to is replaced.
-  std::error_code error;
-  if (std::filesystem::is_symlink(finalPath, error)) {
-    const std::filesystem::path target = std::filesystem::canonical(finalPath, error);
-    finalPath_ = error ? finalPath : target.string();
+void TemporaryFile::removeNow() {
+  if (removedPath[0] != '\0') {
+    (void)std::remove(removedPath.data());
   }
-  std::random_device random;
-  do {
-    path_ = finalPath_ + ".tmp" + std::to_string(random());
-  } while (std::filesystem::exists(path_, error));
+}
+
+TemporaryFile::TemporaryFile(const std::string& finalPath)
+    : finalPath_(behindLinks(finalPath).string()), path_(unusedNameBeside(finalPath_)) {
   if (path_.size() < removedPath.size()) {
     path_.copy(removedPath.data(), path_.size());
     removedPath[path_.size()] = '\0';
@@ -65,11 +85,16 @@ TemporaryFile::~TemporaryFile() {
 
 bool TemporaryFile::takePlace() {
   std::error_code error;
+  const std::filesystem::file_status before = std::filesystem::status(finalPath_, error);
+  if (std::filesystem::is_regular_file(before)) {
+    std::filesystem::permissions(path_, before.permissions(), error);
+  }
   std::filesystem::rename(path_, finalPath_, error);
   if (error) {
     return false;
   }
   path_.clear();
+  removedPath[0] = '\0';
   return true;
 }
 

@@ -5,9 +5,9 @@
 
 namespace plenvorith {
 
-/// A file under a name of its own beside the one that it is to become. While this lives, the file
-/// is removed if a signal ends the program; it is removed at the end of the scope, too, unless it
-/// took its place. There can be one at a time.
+/// A file under a name of its own beside the one that it is to become, or beside that to which a link
+/// leads. While this lives, the file is removed if a signal ends the program; it is removed at the end
+/// of the scope, too, unless it took its place. There can be one at a time.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& finalPath);
@@ -20,8 +20,12 @@ class TemporaryFile {
     return path_;
   }
 
-  /// Gives the file its final name, over a file that has it. False if the system does not.
+  /// Gives the file its final name, over a file that has it, whose mode it takes on. False if the
+  /// system does not.
   [[nodiscard]] bool takePlace();
+
+  /// Removes the file that there is, if there is one, where the program has to end at once.
+  static void removeNow();
 
  private:
   using Handler = void (*)(int);

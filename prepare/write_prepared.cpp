@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 #include "prepare/coordinates.h"
 #include "prepare/expand_face.h"
@@ -23,7 +24,8 @@ class Writer {
         decisions_(decisions),
         plan_(decisions.plan),
         output_(output),
-        names_(table.largestNumber(), plan_, decisions.orphans),
+        names_(largestNumberOf(table, decisions.fates), table.namedInStrings(), plan_,
+               decisions.orphans),
         normals_(plan_.firstSolids.size(), NormalsVerdict::NoNormals) {
     for (const PlannedList& list : plan_.lists) {
       normalsBudget_ += table.pointCount(list.list);
@@ -74,10 +76,17 @@ void Writer::writeLists(InstanceIndex index) {
   bool isFirst = true;
   for (; nextList_ < plan_.lists.size() && plan_.lists[nextList_].list == index; ++nextList_) {
     const PlannedPlacement& placement = plan_.placements[plan_.lists[nextList_].placement];
-    if (!writeCoordinates(readerFor(index, isFirst), names_.list(nextList_),
-                          table_.pointCount(index),
-                          placement.isIdentity ? nullptr : &placement.placement, output_)) {
+    ListTarget target;
+    target.name = names_.list(nextList_);
+    target.pointCount = table_.pointCount(index);
+    target.isComplex = table_.type(index).isComplex;
+    target.placement = placement.isIdentity ? nullptr : &placement.placement;
+    std::vector<bool> huge;
+    if (!writeCoordinates(readerFor(index, isFirst), target, output_, huge)) {
       fail(index, "no number where one has to be");
+    }
+    if (!huge.empty()) {
+      written_.huge.emplace(nextList_, std::move(huge));
     }
     isFirst = false;
   }
@@ -138,6 +147,8 @@ void Writer::writeFace(StatementReader& reader, std::size_t place) {
   target.coordinates = names_.list(face.list);
   target.isMirrored = plan_.placements[list.placement].isMirrored;
   target.maxSamples = normals == nullptr ? 0 : 1;
+  const auto huge = decisions_.huge.find(face.list);
+  target.huge = huge == decisions_.huge.end() ? nullptr : &huge->second;
   expanded = expandFace(reader, type, table_.pointCount(list.list), target, &output_);
   written_.triangles += expanded.triangles;
   written_.skippedTriangles += expanded.skipped;
@@ -166,7 +177,7 @@ void Writer::writeInstance(InstanceIndex index) {
   } else if (fate == Fate::Changed) {
     writeWithoutDropped(reader_, isDropped, output_);
   } else {
-    writeRetyped(reader_, isDropped, output_);
+    writeRetyped(reader_, table_.type(index), isDropped, output_);
   }
   output_.put(";\n");
   written_.emptiedStrings += reader_.emptiedStrings() - emptiedBefore;
@@ -207,7 +218,7 @@ Written Writer::write() {
   writeOrphans(decisions_.orphans, table_, names_, output_);
   if (plan_.solidCount > 0) {
     writeSolids(plan_, names_, output_);
-    if (decisions_.hasExact) {
+    if (decisions_.mayHaveExact) {
       writeMark(names_, output_);
     }
   }

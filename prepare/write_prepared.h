@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,12 +12,16 @@
 
 namespace plenvorith {
 
+/// By list of the plan the points that overflow, from 0.
+using HugePoints = std::map<std::size_t, std::vector<bool>>;
+
 /// All that is decided about a file.
 struct Decisions {
   std::vector<Fate> fates;
   TessellationPlan plan;
   Orphans orphans;
-  bool hasExact = false;
+  bool mayHaveExact = false;
+  HugePoints huge;  ///< as found by writing the file once
 };
 
 /// What was found while writing.
@@ -25,6 +30,7 @@ struct Written {
   std::uint64_t copiedTriangles = 0;  ///< of bodies that exact geometry duplicates
   std::uint64_t skippedTriangles = 0;
   std::uint64_t emptiedStrings = 0;
+  HugePoints huge;                 ///< whose triangles are written unless they were known before
   bool hasNormalsAgainst = false;  ///< a body's stored normals are all against its triangles
   std::string error;               ///< empty if nothing is wrong with the file
 };

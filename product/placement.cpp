@@ -1,7 +1,6 @@
 #include "product/placement.h"
 
 #include <cmath>
-#include <cstddef>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -55,13 +54,13 @@ Placement fromAxes(const Vector& x, const Vector& y, const Vector& z, const Vect
 }
 
 /// The numbers of a CARTESIAN_POINT or DIRECTION; a missing third one is 0.
-std::optional<Vector> readVector(InstanceReader& reader, std::string_view parameter,
+std::optional<Vector> readVector(InstanceReader& reader, const Parameter& parameter,
                                  std::string_view keyword) {
   const std::optional<Record> record = reader.read(reader.named(parameter), keyword);
-  if (!record || record->parameters.size() != 2) {
+  if (!record || record->parameters.empty() || record->parameters.size() > 2) {
     return std::nullopt;
   }
-  const std::vector<std::string> items = splitList(record->parameters[1]);
+  const std::vector<Parameter>& items = record->parameters.back().items;
   if (items.empty() || items.size() > 3) {
     return std::nullopt;
   }
@@ -77,22 +76,30 @@ std::optional<Vector> readVector(InstanceReader& reader, std::string_view parame
 }
 
 /// A direction that may be left out.
-std::optional<Vector> readDirection(InstanceReader& reader, std::string_view parameter) {
+std::optional<Vector> readDirection(InstanceReader& reader, const Parameter& parameter) {
   const std::optional<Vector> vector = readVector(reader, parameter, "DIRECTION");
   return vector ? normalised(*vector) : std::nullopt;
 }
 
-/// AXIS2_PLACEMENT_3D(name, location, axis, ref_direction)
-std::optional<Placement> readAxes(InstanceReader& reader, const Record& record, double unit) {
-  if (record.parameters.size() != 4) {
+/// AXIS2_PLACEMENT_3D(name, location, axis, ref_direction); of a complex instance the location stands
+/// in PLACEMENT.
+std::optional<Placement> readAxes(InstanceReader& reader, const std::vector<Record>& records,
+                                  const Record& axes, double unit) {
+  std::vector<Parameter> parameters = axes.parameters;
+  for (const Record& record : records) {
+    if (record.keyword == "PLACEMENT" && record.parameters.size() == 1) {
+      parameters.insert(parameters.begin(), {Parameter(), record.parameters[0]});
+    }
+  }
+  if (parameters.size() != 4) {
     return std::nullopt;
   }
-  std::optional<Vector> origin = readVector(reader, record.parameters[1], "CARTESIAN_POINT");
+  std::optional<Vector> origin = readVector(reader, parameters[1], "CARTESIAN_POINT");
   if (!origin) {
     return std::nullopt;
   }
-  const Vector z = readDirection(reader, record.parameters[2]).value_or(Vector{0, 0, 1});
-  const std::optional<Vector> reference = readDirection(reader, record.parameters[3]);
+  const Vector z = readDirection(reader, parameters[2]).value_or(Vector{0, 0, 1});
+  const std::optional<Vector> reference = readDirection(reader, parameters[3]);
   const std::optional<Vector> given = reference ? projected(*reference, z) : std::nullopt;
   const Vector x = given ? *given : defaultX(z);
   for (double& coordinate : *origin) {
@@ -104,12 +111,12 @@ std::optional<Placement> readAxes(InstanceReader& reader, const Record& record, 
 /// Of a CARTESIAN_TRANSFORMATION_OPERATOR_3D: ..., axis1, axis2, local_origin, scale, axis3; how
 /// many names come first depends on the edition.
 std::optional<Placement> readOperator(InstanceReader& reader,
-                                      const std::vector<std::string>& parameters, double unit) {
+                                      const std::vector<Parameter>& parameters, double unit) {
   const std::size_t count = parameters.size();
   if (count < 5) {
     return std::nullopt;
   }
-  const auto parameter = [&parameters, count](std::size_t fromEnd) -> const std::string& {
+  const auto parameter = [&parameters, count](std::size_t fromEnd) -> const Parameter& {
     return parameters[count - fromEnd];
   };
   std::optional<Vector> origin = readVector(reader, parameter(3), "CARTESIAN_POINT");
@@ -137,85 +144,6 @@ std::optional<Placement> readOperator(InstanceReader& reader,
     }
   }
   return placement;
-}
-
-/// The factor of an SI prefix.
-std::optional<double> prefixFactor(std::string_view prefix) {
-  using Named = std::pair<std::string_view, double>;
-  static constexpr std::array kPrefixes = std::to_array<Named>({
-      {".EXA.", 1e18},
-      {".PETA.", 1e15},
-      {".TERA.", 1e12},
-      {".GIGA.", 1e9},
-      {".MEGA.", 1e6},
-      {".KILO.", 1e3},
-      {".HECTO.", 1e2},
-      {".DECA.", 1e1},
-      {"$", 1e0},
-      {".DECI.", 1e-1},
-      {".CENTI.", 1e-2},
-      {".MILLI.", 1e-3},
-      {".MICRO.", 1e-6},
-      {".NANO.", 1e-9},
-      {".PICO.", 1e-12},
-      {".FEMTO.", 1e-15},
-      {".ATTO.", 1e-18},
-  });
-  for (const auto& [name, factor] : kPrefixes) {
-    if (name == prefix) {
-      return factor;
-    }
-  }
-  return std::nullopt;
-}
-
-/// The millimetres in a unit, which a chain of conversions may lead to.
-std::optional<double> readLengthUnit(InstanceReader& reader, InstanceIndex unit) {
-  constexpr int kLongestChain = 16;
-  double factor = 1.0;
-  for (int i = 0; i < kLongestChain; ++i) {
-    InstanceIndex base = kNoInstance;
-    for (const Record& record : reader.read(unit)) {
-      const std::size_t count = record.parameters.size();
-      if (record.keyword == "SI_UNIT" && count >= 2) {
-        const std::optional<double> prefix = prefixFactor(record.parameters[count - 2]);
-        // Multiplied before it is used, so that millimetres are exactly 1.
-        return prefix && record.parameters[count - 1] == ".METRE."
-                   ? std::optional(factor * (*prefix * 1000.0))
-                   : std::nullopt;
-      }
-      if (record.keyword == "CONVERSION_BASED_UNIT" && count >= 2) {
-        base = reader.named(record.parameters[count - 1]);
-      }
-    }
-    unit = kNoInstance;
-    for (const Record& record : reader.read(base)) {
-      // LENGTH_MEASURE_WITH_UNIT(LENGTH_MEASURE(25.4),#12), or its parts
-      if (record.parameters.size() == 2) {
-        const std::vector<Record> measure = splitRecords(record.parameters[0]);
-        const std::optional<double> value = measure.size() == 1 && measure[0].parameters.size() == 1
-                                                ? numberOf(measure[0].parameters[0])
-                                                : numberOf(record.parameters[0]);
-        if (!value || !(*value > 0)) {
-          return std::nullopt;
-        }
-        factor *= *value;
-        unit = reader.named(record.parameters[1]);
-      }
-    }
-  }
-  return std::nullopt;
-}
-
-bool isLengthUnit(const std::vector<Record>& records) {
-  for (const Record& record : records) {
-    const bool isMetre = record.keyword == "SI_UNIT" && !record.parameters.empty() &&
-                         record.parameters.back() == ".METRE.";
-    if (record.keyword == "LENGTH_UNIT" || isMetre) {
-      return true;
-    }
-  }
-  return false;
 }
 
 }  // namespace
@@ -287,25 +215,12 @@ Placement scaled(const Placement& placement, double factor) {
   return result;
 }
 
-std::optional<double> readUnit(InstanceReader& reader, InstanceIndex context) {
-  const std::optional<Record> record = reader.read(context, "GLOBAL_UNIT_ASSIGNED_CONTEXT");
-  if (!record || record->parameters.empty()) {
-    return std::nullopt;
-  }
-  for (const std::string& parameter : splitList(record->parameters.back())) {
-    const InstanceIndex unit = reader.named(parameter);
-    if (isLengthUnit(reader.read(unit))) {
-      return readLengthUnit(reader, unit);
-    }
-  }
-  return std::nullopt;
-}
-
 std::optional<Placement> readPlacement(InstanceReader& reader, InstanceIndex index, double unit) {
-  std::vector<std::string> parameters;  // of an operator, which may be a complex instance
-  for (const Record& record : reader.read(index)) {
+  const std::vector<Record> records = reader.read(index);
+  std::vector<Parameter> parameters;  // of an operator, which may be a complex instance
+  for (const Record& record : records) {
     if (record.keyword == "AXIS2_PLACEMENT_3D") {
-      return readAxes(reader, record, unit);
+      return readAxes(reader, records, record, unit);
     }
     if (record.keyword == "CARTESIAN_TRANSFORMATION_OPERATOR" ||
         record.keyword == "CARTESIAN_TRANSFORMATION_OPERATOR_3D") {

@@ -35,11 +35,6 @@ struct Placement {
 /// Things about a file that the user is told, each once, in the order of their texts.
 using Warnings = std::set<std::string>;
 
-/// The millimetres in one unit of length of the context of representation, from ISO 10303-41:
-/// GLOBAL_UNIT_ASSIGNED_CONTEXT, LENGTH_UNIT, SI_UNIT, CONVERSION_BASED_UNIT. Nothing if the
-/// context has no unit of length that can be read.
-[[nodiscard]] std::optional<double> readUnit(InstanceReader& reader, InstanceIndex context);
-
 /// The placement that AXIS2_PLACEMENT_3D or CARTESIAN_TRANSFORMATION_OPERATOR_3D of ISO 10303-42
 /// means, with its location multiplied by `unit`. Nothing if it is neither, or malformed.
 [[nodiscard]] std::optional<Placement> readPlacement(InstanceReader& reader, InstanceIndex index,

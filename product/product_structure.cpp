@@ -1,82 +1,47 @@
 #include "product/product_structure.h"
 
-#include <algorithm>
 #include <set>
 #include <utility>
+
+#include "product/attributes.h"
+#include "product/exact_geometry.h"
+#include "product/graph.h"
 
 namespace plenvorith {
 namespace {
 
-/// The instances with a role, in the order of their numbers.
-std::vector<InstanceIndex> instancesWith(const InstanceTable& table, std::uint32_t roles) {
-  std::vector<InstanceIndex> found;
-  for (InstanceIndex index = 0; index < table.size(); ++index) {
-    if (table.has(index, roles)) {
-      found.push_back(index);
-    }
-  }
-  std::sort(found.begin(), found.end(), [&table](InstanceIndex a, InstanceIndex b) {
-    return table.number(a) < table.number(b);
-  });
-  return found;
-}
-
 void readRepresentations(const InstanceTable& table, ProductStructure& structure) {
-  for (const InstanceIndex index : instancesWith(table, kRepresentation)) {
+  for (const InstanceIndex index :
+       instancesOf(table, Kind::Representation, Kind::TessellatedShape)) {
     const auto place = static_cast<RepresentationIndex>(structure.representations.size());
     Representation representation;
     representation.instance = index;
-    representation.group = place;
-    const EntityType& type = table.type(index);
-    table.forEachReference(index, [&](const Reference& reference) {
-      if (reference.kind == Reference::Kind::Attribute && reference.attribute == 2 &&
-          isInRecord(type, reference, "REPRESENTATION")) {
-        representation.context = table.find(reference.number);
-      }
-    });
+    representation.context = table.attribute(index, attributes::kContextOfItems);
     structure.byInstance.emplace(index, place);
     structure.representations.push_back(representation);
   }
 }
 
-RepresentationIndex groupOf(const ProductStructure& structure, RepresentationIndex index) {
-  while (structure.representations[index].group != index) {
-    index = structure.representations[index].group;
-  }
-  return index;
-}
-
-void unite(ProductStructure& structure, RepresentationIndex a, RepresentationIndex b) {
-  const RepresentationIndex first = groupOf(structure, a);
-  const RepresentationIndex second = groupOf(structure, b);
-  structure.representations[std::max(first, second)].group = std::min(first, second);
-}
-
-/// The two sides of a relationship; `kNoRepresentation` for what is none.
+/// `rep_1` and `rep_2` of a relationship; `kNoRepresentation` for what is none.
 std::pair<RepresentationIndex, RepresentationIndex> sidesOf(const InstanceTable& table,
                                                             const ProductStructure& structure,
                                                             InstanceIndex relationship) {
-  const std::vector<InstanceIndex> sides =
-      attributesOf(table, relationship, "REPRESENTATION_RELATIONSHIP");
-  if (sides.size() < 2) {
-    return {kNoRepresentation, kNoRepresentation};
-  }
-  return {structure.find(sides[0]), structure.find(sides[1])};
+  return {structure.find(table.attribute(relationship, attributes::kRep1)),
+          structure.find(table.attribute(relationship, attributes::kRep2))};
 }
 
-/// Puts together what relationships without a transformation make equal in place.
+/// Puts together what relationships make equal in place: those all of whose records are plain ones.
 void readGroups(const InstanceTable& table, ProductStructure& structure) {
-  for (const InstanceIndex index : instancesWith(table, kRelationship)) {
-    if (table.has(index, kTransformation)) {
-      continue;
-    }
-    const auto [first, second] = sidesOf(table, structure, index);
-    if (first != kNoRepresentation && second != kNoRepresentation) {
-      unite(structure, first, second);
+  Groups groups(structure.representations.size());
+  for (const InstanceIndex index : instancesOf(table, Kind::Relationship)) {
+    const auto [rep1, rep2] = sidesOf(table, structure, index);
+    if (table.type(index).isOnly(Kind::Relationship) && rep1 != kNoRepresentation &&
+        rep2 != kNoRepresentation) {
+      groups.unite(rep1, rep2);
     }
   }
   for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
-    structure.representations[i].group = groupOf(structure, i);
+    structure.representations[i].group = groups.find(i);
   }
 }
 
@@ -100,16 +65,16 @@ ProductIndex addProduct(ProductStructure& structure, Definitions& definitions,
 
 Definitions readDefinitions(const InstanceTable& table, ProductStructure& structure) {
   Definitions definitions;
-  for (const InstanceIndex shape : instancesWith(table, kProductShape)) {
-    const std::vector<InstanceIndex> attributes = attributesOf(table, shape);
-    if (attributes.empty() || attributes[0] == kNoInstance) {
+  for (const InstanceIndex shape : instancesOf(table, Kind::ProductShape)) {
+    const InstanceIndex definition = table.attribute(shape, attributes::kDefinition);
+    if (definition == kNoInstance) {
       continue;
     }
-    if (table.has(attributes[0], kUsage)) {
-      definitions.usages.emplace(shape, attributes[0]);
+    if (table.is(definition, Kind::Usage)) {
+      definitions.usages.emplace(shape, definition);
     } else {
-      definitions.shapes.emplace(shape, attributes[0]);
-      addProduct(structure, definitions, attributes[0]);
+      definitions.shapes.emplace(shape, definition);
+      addProduct(structure, definitions, definition);
       structure.productShapes.push_back(shape);
     }
   }
@@ -120,22 +85,23 @@ Definitions readDefinitions(const InstanceTable& table, ProductStructure& struct
 void readShapes(const InstanceTable& table, ProductStructure& structure,
                 const Definitions& definitions) {
   std::map<RepresentationIndex, std::set<ProductIndex>> products;
-  for (const InstanceIndex index : instancesWith(table, kDefinition)) {
-    const std::vector<InstanceIndex> attributes = attributesOf(table, index);
-    if (attributes.size() < 2) {
-      continue;
-    }
-    const RepresentationIndex used = structure.find(attributes[1]);
+  for (const InstanceIndex index :
+       instancesOf(table, Kind::ShapeDefinition, Kind::PropertyDefinition)) {
+    const RepresentationIndex used =
+        structure.find(table.attribute(index, attributes::kUsedRepresentation));
     if (used == kNoRepresentation) {
       continue;
     }
-    const auto shape = definitions.shapes.find(attributes[0]);
-    if (shape != definitions.shapes.end()) {
-      products[structure.representations[used].group].insert(
-          definitions.products.at(shape->second));
-    } else {
-      structure.representations[used].isOfProperty = true;
+    Representation& representation = structure.representations[used];
+    const auto shape =
+        definitions.shapes.find(table.attribute(index, attributes::kDefinitionShown));
+    if (shape == definitions.shapes.end()) {
+      representation.isOfProperty = true;
+      continue;
     }
+    products[representation.group].insert(definitions.products.at(shape->second));
+    representation.isNamedByProduct = true;
+    representation.isReached = representation.isReached || table.is(index, Kind::ShapeDefinition);
   }
   for (const auto& [group, found] : products) {
     structure.productsOfGroup[group].assign(found.begin(), found.end());
@@ -149,83 +115,94 @@ bool holdsProduct(const ProductStructure& structure, RepresentationIndex index,
          std::binary_search(products.begin(), products.end(), product);
 }
 
-/// Whether the second side of a relationship is the part: told by the products of the sides.
-bool isPartSecond(const ProductStructure& structure, const Usage& usage, RepresentationIndex first,
-                  RepresentationIndex second) {
-  const bool isFirstPart = holdsProduct(structure, first, usage.part);
-  const bool isSecondPart = holdsProduct(structure, second, usage.part);
+/// Whether `rep_2` of a relationship is the part: told by the products of the sides.
+bool isPartSecond(const ProductStructure& structure, const Usage& usage, RepresentationIndex rep1,
+                  RepresentationIndex rep2) {
+  const bool isFirstPart = holdsProduct(structure, rep1, usage.part);
+  const bool isSecondPart = holdsProduct(structure, rep2, usage.part);
   if (isFirstPart != isSecondPart) {
     return isSecondPart;
   }
-  return holdsProduct(structure, first, usage.whole) &&
-         !holdsProduct(structure, second, usage.whole);
+  return holdsProduct(structure, rep1, usage.whole) && !holdsProduct(structure, rep2, usage.whole);
 }
 
-/// Reads usages, with the relationship that places each. Gives the relationships that do.
-std::set<InstanceIndex> readUsages(const InstanceTable& table, ProductStructure& structure,
-                                   Definitions& definitions) {
-  std::set<InstanceIndex> placing;
-  std::map<InstanceIndex, InstanceIndex> relationshipOf;  // by usage
-  for (const InstanceIndex index : instancesWith(table, kContextDependent)) {
-    const std::vector<InstanceIndex> attributes = attributesOf(table, index);
-    if (attributes.size() < 2 || attributes[0] == kNoInstance) {
+/// The relationships of usages, by usage; adds all that any usage may have to `placing`.
+std::map<InstanceIndex, InstanceIndex> readUsageRelationships(const InstanceTable& table,
+                                                              ProductStructure& structure,
+                                                              const Definitions& definitions,
+                                                              std::set<InstanceIndex>& placing) {
+  std::map<InstanceIndex, InstanceIndex> relationships;
+  for (const InstanceIndex index : instancesOf(table, Kind::ContextDependent)) {
+    const InstanceIndex relationship = table.attribute(index, attributes::kRepresentationRelation);
+    if (relationship == kNoInstance) {
       continue;
     }
-    placing.insert(attributes[0]);
-    const auto usage = definitions.usages.find(attributes[1]);
+    placing.insert(relationship);
+    const auto [rep1, rep2] = sidesOf(table, structure, relationship);
+    for (const RepresentationIndex side : {rep1, rep2}) {
+      if (side != kNoRepresentation) {
+        structure.representations[side].isNamedByProduct = true;
+      }
+    }
+    const auto usage =
+        definitions.usages.find(table.attribute(index, attributes::kRepresentedProductRelation));
     if (usage != definitions.usages.end()) {
-      relationshipOf.emplace(usage->second, attributes[0]);
+      relationships.emplace(usage->second, relationship);
     }
   }
-  for (const InstanceIndex index : instancesWith(table, kUsage)) {
-    const std::vector<InstanceIndex> sides =
-        attributesOf(table, index, "PRODUCT_DEFINITION_RELATIONSHIP");
-    if (sides.size() < 2 || sides[0] == kNoInstance || sides[1] == kNoInstance) {
+  return relationships;
+}
+
+/// Reads usages, with the relationship that places each.
+void readUsages(const InstanceTable& table, ProductStructure& structure, Definitions& definitions,
+                const std::map<InstanceIndex, InstanceIndex>& relationships) {
+  for (const InstanceIndex index : instancesOf(table, Kind::Usage)) {
+    const InstanceIndex whole = table.attribute(index, attributes::kRelatingProduct);
+    const InstanceIndex part = table.attribute(index, attributes::kRelatedProduct);
+    if (whole == kNoInstance || part == kNoInstance) {
       continue;
     }
     Usage usage;
-    usage.whole = addProduct(structure, definitions, sides[0]);
-    usage.part = addProduct(structure, definitions, sides[1]);
-    const auto relationship = relationshipOf.find(index);
-    if (relationship != relationshipOf.end() && table.has(relationship->second, kTransformation)) {
+    usage.whole = addProduct(structure, definitions, whole);
+    usage.part = addProduct(structure, definitions, part);
+    const auto relationship = relationships.find(index);
+    if (relationship != relationships.end() &&
+        table.is(relationship->second, Kind::Transformation)) {
       usage.relationship = relationship->second;
-      const auto [first, second] = sidesOf(table, structure, usage.relationship);
-      usage.isPartSecond = isPartSecond(structure, usage, first, second);
+      const auto [rep1, rep2] = sidesOf(table, structure, usage.relationship);
+      usage.isPartSecond = isPartSecond(structure, usage, rep1, rep2);
     }
     structure.usages.push_back(usage);
   }
-  return placing;
 }
 
 void readTransformations(const InstanceTable& table, ProductStructure& structure,
                          const std::set<InstanceIndex>& ofUsages) {
-  for (const InstanceIndex index : instancesWith(table, kTransformation)) {
-    const auto [first, second] = sidesOf(table, structure, index);
-    if (ofUsages.contains(index) || first == kNoRepresentation || second == kNoRepresentation) {
+  for (const InstanceIndex index : instancesOf(table, Kind::Transformation)) {
+    const auto [rep1, rep2] = sidesOf(table, structure, index);
+    if (ofUsages.contains(index) || rep1 == kNoRepresentation || rep2 == kNoRepresentation) {
       continue;
     }
     // A side that is no product's stands in the one that is.
-    const bool isSecond =
-        !structure.productsOf(first).empty() && structure.productsOf(second).empty();
+    const bool isSecond = !structure.productsOf(rep1).empty() && structure.productsOf(rep2).empty();
     structure.transformations.push_back(
-        {index, isSecond ? second : first, isSecond ? first : second, isSecond});
+        {index, isSecond ? rep2 : rep1, isSecond ? rep1 : rep2, isSecond});
   }
 }
 
 void readMappings(const InstanceTable& table, ProductStructure& structure) {
   for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
     const InstanceIndex holder = structure.representations[i].instance;
-    if (table.has(holder, kDraughtingModel)) {
+    if (table.is(holder, Kind::DraughtingModel)) {
       continue;  // shows the part once more
     }
-    forEachItem(table, holder, [&](std::uint64_t number) {
-      const InstanceIndex item = table.find(number);
-      if (item == kNoInstance || !table.has(item, kMappedItem)) {
+    table.forEachItem(holder, attributes::kItems, [&](InstanceIndex item) {
+      if (!table.is(item, Kind::MappedItem)) {
         return;
       }
-      const InstanceIndex map = table.attribute(item, 0);
+      const InstanceIndex map = table.attribute(item, attributes::kMappingSource);
       const RepresentationIndex mapped =
-          map == kNoInstance ? kNoRepresentation : structure.find(table.attribute(map, 1));
+          structure.find(table.attribute(map, attributes::kMappedRepresentation));
       if (mapped != kNoRepresentation) {
         structure.mappings.push_back({item, map, mapped, i});
       }
@@ -233,69 +210,21 @@ void readMappings(const InstanceTable& table, ProductStructure& structure) {
   }
 }
 
-/// Marks what holds exact geometry itself, and from there whatever maps it.
-void markExact(const InstanceTable& table, ProductStructure& structure) {
-  for (Representation& representation : structure.representations) {
-    if (table.has(representation.instance, kDraughtingModel)) {
-      continue;
-    }
-    forEachItem(table, representation.instance, [&](std::uint64_t number) {
-      const InstanceIndex item = table.find(number);
-      representation.isExact =
-          representation.isExact ||
-          (item != kNoInstance && table.has(item, kSolid | kShell | kExactFace));
-    });
-  }
-  std::multimap<RepresentationIndex, RepresentationIndex> holders;
-  std::vector<RepresentationIndex> found;
-  for (const Mapping& mapping : structure.mappings) {
-    // What is tessellated goes, and its mapping with it.
-    if (!table.has(mapping.item, kTessellated) && !table.has(mapping.map, kTessellated)) {
-      holders.emplace(mapping.mapped, mapping.holder);
-    }
-  }
-  for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
-    if (structure.representations[i].isExact) {
-      found.push_back(i);
-    }
-  }
-  while (!found.empty()) {
-    const auto [begin, end] = holders.equal_range(found.back());
-    found.pop_back();
-    for (auto entry = begin; entry != end; ++entry) {
-      Representation& holder = structure.representations[entry->second];
-      if (!holder.isExact) {
-        holder.isExact = true;
-        found.push_back(entry->second);
-      }
-    }
-  }
-}
-
 /// Marks the shapes of products and, from there, what they map.
 void markOfProduct(ProductStructure& structure) {
-  std::multimap<RepresentationIndex, RepresentationIndex> mappedIn;  // by the holder's group
+  std::vector<std::pair<Node, Node>> mapped;
   for (const Mapping& mapping : structure.mappings) {
-    mappedIn.emplace(structure.representations[mapping.holder].group,
-                     structure.representations[mapping.mapped].group);
+    mapped.emplace_back(structure.representations[mapping.holder].group,
+                        structure.representations[mapping.mapped].group);
   }
-  std::set<RepresentationIndex> groups;
-  std::vector<RepresentationIndex> found;
+  std::vector<Node> shapes;
   for (const auto& [group, products] : structure.productsOfGroup) {
-    groups.insert(group);
-    found.push_back(group);
+    shapes.push_back(group);
   }
-  while (!found.empty()) {
-    const auto [begin, end] = mappedIn.equal_range(found.back());
-    found.pop_back();
-    for (auto entry = begin; entry != end; ++entry) {
-      if (groups.insert(entry->second).second) {
-        found.push_back(entry->second);
-      }
-    }
-  }
+  const std::size_t size = structure.representations.size();
+  const std::vector<bool> isShape = reach(size, shapes, Edges(size, mapped));
   for (Representation& representation : structure.representations) {
-    representation.isOfProduct = groups.contains(representation.group);
+    representation.isOfProduct = isShape[representation.group];
   }
 }
 
@@ -315,54 +244,21 @@ RepresentationIndex ProductStructure::find(InstanceIndex instance) const {
   return found == byInstance.end() ? kNoRepresentation : found->second;
 }
 
-std::vector<InstanceIndex> attributesOf(const InstanceTable& table, InstanceIndex index,
-                                        std::string_view record) {
-  std::vector<InstanceIndex> attributes;
-  const EntityType& type = table.type(index);
-  table.forEachReference(index, [&](const Reference& reference) {
-    if (reference.kind == Reference::Kind::Attribute &&
-        (record.empty() || isInRecord(type, reference, record))) {
-      attributes.push_back(table.find(reference.number));
-    }
-  });
-  return attributes;
-}
-
 ProductStructure readProductStructure(const InstanceTable& table) {
   ProductStructure structure;
   readRepresentations(table, structure);
   readGroups(table, structure);
   Definitions definitions = readDefinitions(table, structure);
   readShapes(table, structure, definitions);
-  const std::set<InstanceIndex> ofUsages = readUsages(table, structure, definitions);
+  std::set<InstanceIndex> ofUsages;
+  const auto relationships = readUsageRelationships(table, structure, definitions, ofUsages);
+  readUsages(table, structure, definitions, relationships);
   readTransformations(table, structure, ofUsages);
   readMappings(table, structure);
   markExact(table, structure);
+  markReached(table, structure);
   markOfProduct(structure);
   return structure;
-}
-
-std::vector<bool> findCarried(const InstanceTable& table, const ProductStructure& structure) {
-  std::vector<bool> carried(table.size());
-  std::vector<InstanceIndex> found;
-  const auto add = [&](std::uint64_t number) {
-    const InstanceIndex index = table.find(number);
-    if (index != kNoInstance && table.has(index, kSolid | kShell | kExactFace) && !carried[index]) {
-      carried[index] = true;
-      found.push_back(index);
-    }
-  };
-  for (const Representation& representation : structure.representations) {
-    if (representation.isExact) {
-      forEachItem(table, representation.instance, add);
-    }
-  }
-  while (!found.empty()) {
-    const InstanceIndex index = found.back();
-    found.pop_back();
-    table.forEachReference(index, [&](const Reference& reference) { add(reference.number); });
-  }
-  return carried;
 }
 
 }  // namespace plenvorith

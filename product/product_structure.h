@@ -1,8 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
-#include <string_view>
 #include <vector>
 
 #include "exchange/instance_table.h"
@@ -21,10 +21,15 @@ struct Representation {
   InstanceIndex instance = kNoInstance;
   InstanceIndex context = kNoInstance;  ///< none if the file names none
   RepresentationIndex group = 0;        ///< the first of those that are equal in place
-  bool isExact = false;                 ///< holds a solid, shell model or face, also by mapping
-  bool isOfProperty = false;            ///< a feature's or a property's
-  bool isOfProduct = false;             ///< it or one of its group is the shape of a product, or
-                                        ///< such a one maps it
+  bool isExact = false;       ///< the kernel makes faces of an item, also of a mapped one, once it
+                              ///< comes to the representation
+  bool isReached = false;     ///< the kernel comes to it from a product
+  bool holdsUnknown = false;  ///< an item of a type that nobody knows
+  bool holdsConstruct = false;  ///< or a solid of a kind that the kernel may come to know
+  bool isOfProperty = false;    ///< a feature's or a property's
+  bool isOfProduct = false;     ///< it or one of its group is the shape of a product, or such a one
+                                ///< maps it
+  bool isNamedByProduct = false;  ///< as its shape, or as a side of a usage's relationship
 };
 
 /// How one product is part of another: NEXT_ASSEMBLY_USAGE_OCCURRENCE of ISO 10303-44.
@@ -32,7 +37,7 @@ struct Usage {
   ProductIndex part = 0;
   ProductIndex whole = 0;
   InstanceIndex relationship = kNoInstance;  ///< with the transformation; none if unplaced
-  bool isPartSecond = false;                 ///< the part is the relationship's second side
+  bool isPartSecond = false;                 ///< the part is `rep_2` of the relationship
 };
 
 /// A MAPPED_ITEM: the mapped representation stands once more in the one that holds the item.
@@ -68,37 +73,21 @@ struct ProductStructure {
   std::map<InstanceIndex, RepresentationIndex> byInstance;
 };
 
-/// Whether a reference stands in the record with this keyword, or in that of a simple instance.
-/// What a malformed one has behind its record belongs to nothing.
-[[nodiscard]] inline bool isInRecord(const EntityType& type, const Reference& reference,
-                                     std::string_view keyword) {
-  return type.isComplex
-             ? reference.record < type.keywords.size() && type.keywords[reference.record] == keyword
-             : reference.record == 0;
-}
-
-/// Calls `visit` with the number of each item of a representation.
-template <typename Visit>
-void forEachItem(const InstanceTable& table, InstanceIndex representation, Visit visit) {
-  const EntityType& type = table.type(representation);
-  table.forEachReference(representation, [&](const Reference& reference) {
-    if (reference.kind == Reference::Kind::ListItem && reference.attribute == 1 &&
-        isInRecord(type, reference, "REPRESENTATION")) {
-      visit(reference.number);
+/// The instances of these kinds, in the order of their numbers.
+template <typename... Kinds>
+[[nodiscard]] std::vector<InstanceIndex> instancesOf(const InstanceTable& table, Kinds... kinds) {
+  std::vector<InstanceIndex> found;
+  for (InstanceIndex index = 0; index < table.size(); ++index) {
+    if (table.is(index, kinds...)) {
+      found.push_back(index);
     }
+  }
+  std::sort(found.begin(), found.end(), [&table](InstanceIndex a, InstanceIndex b) {
+    return table.number(a) < table.number(b);
   });
+  return found;
 }
-
-/// The instances that attributes name which are references themselves, in the order of the text;
-/// of a complex instance those of one record. `kNoInstance` for those that name none.
-[[nodiscard]] std::vector<InstanceIndex> attributesOf(const InstanceTable& table,
-                                                      InstanceIndex index,
-                                                      std::string_view record = {});
 
 [[nodiscard]] ProductStructure readProductStructure(const InstanceTable& table);
-
-/// The items that an exact representation carries, however deep: solids, shells and faces.
-[[nodiscard]] std::vector<bool> findCarried(const InstanceTable& table,
-                                            const ProductStructure& structure);
 
 }  // namespace plenvorith

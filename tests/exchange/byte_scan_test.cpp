@@ -27,12 +27,13 @@ std::size_t specialIn(const std::vector<char>& text) {
   return text.empty() ? 0 : text.size() - 1;
 }
 
-std::size_t markIn(const std::vector<char>& text, std::uint64_t& opened) {
+std::size_t markIn(const std::vector<char>& text, Parentheses& counts) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (std::string_view("'\"/;").find(text[i]) != std::string_view::npos) {
       return i;
     }
-    opened += text[i] == '(' ? 1U : 0U;
+    counts.opened += text[i] == '(' ? 1U : 0U;
+    counts.closed += text[i] == ')' ? 1U : 0U;
   }
   return text.size();
 }
@@ -43,12 +44,13 @@ void expectWhatTheLoopsFind(const std::vector<char>& text) {
   const char* const end = begin + text.size();
   ASSERT_EQ(findSpecial(begin, end) - begin, static_cast<std::ptrdiff_t>(specialIn(text)))
       << std::string(text.begin(), text.end());
-  std::uint64_t opened = 7;
-  std::uint64_t expected = 7;
+  Parentheses found = {7, 5};
+  Parentheses expected = {7, 5};
   const std::size_t mark = markIn(text, expected);
-  ASSERT_EQ(findMark(begin, end, opened) - begin, static_cast<std::ptrdiff_t>(mark))
+  ASSERT_EQ(findMark(begin, end, found) - begin, static_cast<std::ptrdiff_t>(mark))
       << std::string(text.begin(), text.end());
-  ASSERT_EQ(opened, expected) << std::string(text.begin(), text.end());
+  ASSERT_EQ(found.opened, expected.opened) << std::string(text.begin(), text.end());
+  ASSERT_EQ(found.closed, expected.closed) << std::string(text.begin(), text.end());
 }
 
 TEST(ByteScan, FindsEveryByteAtEveryPlace) {
@@ -76,18 +78,20 @@ TEST(ByteScan, FindsReferencesWithLeadingZerosAtEveryPlace) {
 
 TEST(ByteScan, FindsNothingInNothing) {
   const char c = ';';
-  std::uint64_t opened = 0;
+  Parentheses counts;
   EXPECT_EQ(findSpecial(&c, &c), &c);
-  EXPECT_EQ(findMark(&c, &c, opened), &c);
-  EXPECT_EQ(opened, 0U);
+  EXPECT_EQ(findMark(&c, &c, counts), &c);
+  EXPECT_EQ(counts.opened + counts.closed, 0U);
 }
 
 TEST(ByteScan, CountsMoreParenthesesThanAByteHolds) {
   for (const std::size_t size : {4'079U, 4'080U, 4'081U, 4'096U, 100'000U}) {
-    std::vector<char> text(size, '(');
-    expectWhatTheLoopsFind(text);
-    text.back() = ';';
-    expectWhatTheLoopsFind(text);
+    for (const char parenthesis : {'(', ')'}) {
+      std::vector<char> text(size, parenthesis);
+      expectWhatTheLoopsFind(text);
+      text.back() = ';';
+      expectWhatTheLoopsFind(text);
+    }
   }
 }
 

@@ -25,7 +25,6 @@ TEST(InstanceTable, FindsInstancesByNumberInAnyOrder) {
   for (const char* data : {"#1=A();\n#20=B();\n#300=C();\n", "#300=C();\n#1=A();\n#20=B();\n"}) {
     const Instances in(data);
     EXPECT_EQ(in.table.size(), 3U);
-    EXPECT_EQ(in.table.largestNumber(), 300U);
     for (const std::uint64_t number : {1U, 20U, 300U}) {
       ASSERT_NE(in[number], kNoInstance);
       EXPECT_EQ(in.table.number(in[number]), number);
@@ -36,32 +35,41 @@ TEST(InstanceTable, FindsInstancesByNumberInAnyOrder) {
   }
 }
 
-TEST(InstanceTable, KnowsTheLargestNumberThatIsNamed) {
-  EXPECT_EQ(Instances("#1=A(#20);\n#2=B();\n").table.largestNumber(), 20U);
-  EXPECT_EQ(Instances("#1=A(#20);\n#30=B();\n").table.largestNumber(), 30U);
-}
-
 TEST(InstanceTable, TheLastOfOneNumberCounts) {
   const Instances in("#2=A(#1);\n#1=B();\n#02=C();\n");
   EXPECT_EQ(in.table.size(), 3U);
-  EXPECT_EQ(in.table.distinctCount(), 2U);
-  EXPECT_TRUE(in.table.isReplaced(0));
-  EXPECT_FALSE(in.table.isReplaced(2));
+  EXPECT_EQ(in.table.countedCount(), 2U);
+  EXPECT_TRUE(in.table.isVoid(0));
+  EXPECT_FALSE(in.table.isVoid(2));
   EXPECT_EQ(in[2], 2U);
   EXPECT_THAT(in.table.type(in[2]).keywords, ElementsAre("C"));
 }
 
-TEST(InstanceTable, WhatIsReplacedHasNoRole) {
+TEST(InstanceTable, WhatIsReplacedIsOfNoKind) {
   const Instances in("#1=MAPPED_ITEM('',#2,#3);\n#1=A();\n");
-  EXPECT_TRUE(in.table.type(0).has(kMappedItem));
-  EXPECT_FALSE(in.table.has(0, kMappedItem));
+  EXPECT_TRUE(in.table.type(0).is(Kind::MappedItem));
+  EXPECT_FALSE(in.table.is(0, Kind::MappedItem));
+}
+
+TEST(InstanceTable, InstancesWhoseParenthesesDoNotBalanceAreNone) {
+  for (const char* body :
+       {"A(#2", "A(#2))", "CARTESIAN_POINT('(',(0.,0.,0.)", "COORDINATES_LIST('',1,((0.,0.,0.))",
+        "(A()B(", "(BOUNDED_SURFACE()B(", "TRIANGULATED_FACE('',#2,1,(),$,(),((1,2,3))"}) {
+    const Instances in(std::string("#1=") + body + ";\n#2=B();\n");
+    EXPECT_TRUE(in.table.hasUnbalanced()) << body;
+    EXPECT_EQ(in.table.countedCount(), 1U) << body;
+    EXPECT_EQ(in[1], kNoInstance) << body;
+    EXPECT_NE(in[2], kNoInstance) << body;
+  }
+  const Instances in("#1=A();\n#1=B(;\n#2=CARTESIAN_POINT(')',(0.,0.,0.));\n");
+  EXPECT_EQ(in[1], 0U);
+  EXPECT_NE(in[2], kNoInstance);
 }
 
 TEST(InstanceTable, EndsAKeywordWhereOthersEndIt) {
   // Otherwise the first would be taken for a representation, and written anew as one without items.
-  const Instances in("#1=)_TESSELLATED_SHAPE_REPRESENTATION('',(#3),$);\n#2=A,B('');\n#3=C;\n");
-  EXPECT_THAT(in.table.type(in[1]).keywords, ElementsAre(""));
-  EXPECT_FALSE(in.table.type(in[1]).isComplex);
+  const Instances in("#1=,_TESSELLATED_SHAPE_REPRESENTATION('',(#3),$);\n#2=A,B('');\n#3=C;\n");
+  EXPECT_FALSE(in.table.type(in[1]).isTessellated);
   EXPECT_THAT(in.table.type(in[2]).keywords, ElementsAre("A"));
   EXPECT_THAT(in.table.type(in[3]).keywords, ElementsAre("C"));
 }
@@ -89,7 +97,7 @@ TEST(InstanceTable, KeepsOfFacesWhatTheyName) {
       "#3=TRIANGULATED_SURFACE_SET('',#12,3,(),(),((1,2,3)));\n"
       "#4=TRIANGULATED_FACE('',$,3,$,#13,(),());\n");
   EXPECT_THAT(referencesOf(in, 1), ElementsAre(12, 13));
-  EXPECT_EQ(in.table.attribute(in[1], 1), kNoInstance);
+  EXPECT_EQ(in.table.attribute(in[1], {"", 0, 1}), kNoInstance);
   EXPECT_THAT(referencesOf(in, 2), ElementsAre(12));
   EXPECT_THAT(referencesOf(in, 3), ElementsAre(12));
   EXPECT_THAT(referencesOf(in, 4), ElementsAre(13));
@@ -105,12 +113,34 @@ TEST(InstanceTable, CountsThePointsOfCoordinatesLists) {
   EXPECT_EQ(in.table.pointCount(in[4]), 0U);
 }
 
+TEST(InstanceTable, CountsThePointsOfComplexOnes) {
+  const Instances in(
+      "#1=(COORDINATES_LIST(2,((0.,0.,0.),(1.,0.,0.)))GEOMETRIC_REPRESENTATION_ITEM()"
+      "REPRESENTATION_ITEM('(')TESSELLATED_ITEM());\n#2=A();\n");
+  EXPECT_EQ(in.table.pointCount(in[1]), 2U);
+  EXPECT_NE(in[2], kNoInstance);
+}
+
 TEST(InstanceTable, GivesAttributesThatNameInstances) {
-  const Instances in("#1=A('',#2,$,(#3),#4,#9);\n#2=B();\n#3=C();\n#4=D();\n");
-  EXPECT_EQ(in.table.attribute(in[1], 0), in[2]);
-  EXPECT_EQ(in.table.attribute(in[1], 1), in[4]);
-  EXPECT_EQ(in.table.attribute(in[1], 2), kNoInstance);
-  EXPECT_EQ(in.table.attribute(in[1], 3), kNoInstance);
+  const Instances in(
+      "#1=A('',#2,$,(#3),#4,#9);\n#2=B();\n#3=C();\n#4=D();\n#5=(E(#2,#3)F('',#4));\n");
+  const auto attribute = [&in](std::uint64_t number, const char* record, std::uint32_t place) {
+    return in.table.attribute(in[number], {record, place, place});
+  };
+  EXPECT_EQ(attribute(1, "", 1), in[2]);
+  EXPECT_EQ(attribute(1, "", 4), in[4]);
+  EXPECT_EQ(attribute(1, "", 3), kNoInstance);
+  EXPECT_EQ(attribute(1, "", 5), kNoInstance);
+  EXPECT_EQ(attribute(5, "E", 1), in[3]);
+  EXPECT_EQ(attribute(5, "F", 1), in[4]);
+  EXPECT_EQ(attribute(5, "G", 1), kNoInstance);
+}
+
+TEST(InstanceTable, GivesTheItemsOfLists) {
+  std::vector<InstanceIndex> items;
+  const Instances in("#1=A('',(#2,#9,#3),$)A('',(#4),$);\n#2=B();\n#3=C();\n#4=D();\n");
+  in.table.forEachItem(in[1], {"", 1, 1}, [&items](InstanceIndex item) { items.push_back(item); });
+  EXPECT_THAT(items, ElementsAre(in[2], in[3]));
 }
 
 TEST(InstanceTable, KnowsTheRecordsOfComplexInstances) {

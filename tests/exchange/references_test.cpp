@@ -1,25 +1,36 @@
 #include "exchange/references.h"
 
 #include <string>
-#include <string_view>
 
 #include <gmock/gmock.h>
+
+#include "tests/support/memory_file.h"
+#include "tests/support/step_file.h"
 
 namespace plenvorith {
 namespace {
 
-/// What is stored of a body, given in pieces of this size: "2 record.attribute" for a reference that
-/// is an attribute itself, "(3 record.attribute" for the first in a list, "4" for more, "..." where
-/// a list holds other things as well.
-std::string referencesIn(std::string_view body, std::size_t pieceSize) {
+/// A body as the only instance of a file, scanned.
+struct Scanned {
+  explicit Scanned(const std::string& body) {
+    test::MemoryFile file;
+    StatementReader reader(file.write(test::stepFile("#1=" + body + ";\n")));
+    while (reader.next() == Statement::HeaderEntity) {
+    }
+    isBalanced = scanner.scan(reader, store);
+  }
+
   ReferenceStore store;
   ReferenceScanner scanner;
-  scanner.start(store);
-  for (std::size_t place = 0; place < body.size(); place += pieceSize) {
-    scanner.scan(body.substr(place, pieceSize));
-  }
-  scanner.finish();
-  ReferenceWalker walker(store.begin());
+  bool isBalanced = false;
+};
+
+/// What is stored of a body: "2 record.attribute" for a reference that is an attribute itself, "(3
+/// record.attribute" for the first in a list, "4" for more, "..." where a list holds other things as
+/// well.
+std::string referencesIn(const std::string& body) {
+  const Scanned in(body);
+  ReferenceWalker walker(in.store.begin());
   Reference reference;
   std::uint32_t list = 0;
   std::string found;
@@ -39,10 +50,6 @@ std::string referencesIn(std::string_view body, std::size_t pieceSize) {
     }
   }
   return found;
-}
-
-std::string referencesIn(std::string_view body) {
-  return referencesIn(body, body.size());
 }
 
 TEST(References, OfAttributesAreStoredWithTheirPlace) {
@@ -79,13 +86,27 @@ TEST(References, HaveAnyNumber) {
             "99999999999999999 0.0 0 0.1 18014398509481984 0.2 (1 0.3");
 }
 
-TEST(References, InPiecesOfAnySizeAreTheSame) {
-  const std::string body = "(AB('it''s #1',#12,(#345,#345,1.))C2(SET((#6)),\"0F#7\")D((),#8))";
-  const std::string whole = referencesIn(body);
-  EXPECT_EQ(whole, "12 0.1 (345 0.2 ... (6 1.0 8 2.1");
-  for (std::size_t size = 1; size < body.size(); ++size) {
-    EXPECT_EQ(referencesIn(body, size), whole) << size;
+TEST(References, ThatNoInstanceCanHaveNameNothing) {
+  EXPECT_EQ(referencesIn("A(#100000000000000000,#18446744073709551617,#2)"), "2 0.2");
+  EXPECT_EQ(referencesIn("A((#1,#36893488147419103233))"), "(1 0.0 ...");
+}
+
+TEST(References, InListsOfFacesAreNone) {
+  EXPECT_EQ(referencesIn("TRIANGULATED_FACE('',#2,3,((0.,0.,1.),(#7)),#3,(#8),((#9)))"),
+            "2 0.1 3 0.4");
+  EXPECT_EQ(referencesIn("(COMPLEX_TRIANGULATED_FACE((1,2),((#9)),())TESSELLATED_FACE(#2,3,$,#3))"),
+            "2 1.0 3 1.3");
+}
+
+TEST(References, InABodyOfAnyLengthAreTheSame) {
+  std::string body = "A((#1";
+  std::string expected = "(1 0.0";
+  for (int i = 2; i < 100'000; ++i) {
+    body += ",#" + std::to_string(i);
+    expected += ' ' + std::to_string(i);
   }
+  EXPECT_EQ(referencesIn(body + "),#5,\"" + std::string(300'000, '0') + "\",#6)"),
+            expected + " 5 0.1 6 0.3");
 }
 
 TEST(References, MalformedOnesDoNoHarm) {
@@ -94,34 +115,23 @@ TEST(References, MalformedOnesDoNoHarm) {
   EXPECT_EQ(referencesIn("A(#,#2)"), "0 0.0 2 0.1");
 }
 
+TEST(References, TellBodiesWhoseParenthesesBalance) {
+  for (const char* body :
+       {"A()", "A", "(A()B(()))", "A('(',\"(\")", "TRIANGULATED_FACE('',#1,())"}) {
+    EXPECT_TRUE(Scanned(body).isBalanced) << body;
+  }
+  for (const char* body : {"A(", "A())", ")(", "A(()", "(A()B(", "TRIANGULATED_FACE('',#1,("}) {
+    EXPECT_FALSE(Scanned(body).isBalanced) << body;
+  }
+}
+
 TEST(References, ComeWithTheKeywordsOfTheirRecords) {
-  const auto keywordsOf = [](std::string_view body) {
-    ReferenceStore store;
-    ReferenceScanner scanner;
-    scanner.start(store);
-    scanner.scan(body);
-    scanner.finish();
-    return scanner.keywords() + (scanner.isComplex() ? " complex" : "");
+  const auto keywordsOf = [](const std::string& body) {
+    const Scanned in(body);
+    return in.scanner.keywords() + (in.scanner.isComplex() ? " complex" : "");
   };
   EXPECT_EQ(keywordsOf("A(B(#1),C)"), "A");
   EXPECT_EQ(keywordsOf("(A()B(C())D_2(#1))"), "A(B(D_2 complex");
-}
-
-TEST(ReferenceScanner, KnowsTheLargestNumberOfAllInstances) {
-  ReferenceStore store;
-  ReferenceScanner scanner;
-  EXPECT_EQ(scanner.largestNumber(), 0U);
-  for (const char* const body :
-       {"A(#7,(#300,#2))", "B", "C#400", "D(#5)", "E(#100000000000000000,#99999999999999999999)"}) {
-    scanner.start(store);
-    scanner.scan(body);
-    scanner.finish();
-  }
-  EXPECT_EQ(scanner.largestNumber(), 400U);
-  scanner.start(store);
-  scanner.scan("F(#99999999999999999)");
-  scanner.finish();
-  EXPECT_EQ(scanner.largestNumber(), 99'999'999'999'999'999U);
 }
 
 }  // namespace

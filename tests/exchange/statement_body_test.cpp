@@ -134,7 +134,7 @@ TEST(StatementBody, CountsTheParenthesesThatOpen) {
     RawText raw(file.write(content + ";"));
     StatementBody body(raw);
     body.start();
-    EXPECT_EQ(body.countOpened(), 4U);  // all of it is passed over
+    EXPECT_EQ(body.skip().opened, 4U);  // all of it is passed over
   }
   content = "A(";
   for (int i = 0; i < 100'000; ++i) {
@@ -143,7 +143,7 @@ TEST(StatementBody, CountsTheParenthesesThatOpen) {
   RawText raw(file.write(content + "1);B"));
   StatementBody body(raw);
   body.start();
-  EXPECT_EQ(body.countOpened(), 100'001U);
+  EXPECT_EQ(body.skip().opened, 100'001U);
   EXPECT_EQ(body.peek(1), "");
   EXPECT_EQ(raw.peek(), 'B');
 }

@@ -53,6 +53,29 @@ TEST(StatementReader, PassesOverOtherSections) {
             "#1=A()\n#3=B()\n");
 }
 
+TEST(StatementReader, PassesOverUrisWhateverTheyHold) {
+  EXPECT_EQ(dataStatements("#1=A();ENDSEC;ANCHOR;<it's/*>=#1;ENDSEC;reference;#2=<\">;endsec ;"
+                           "DATA;#3=B();\n"),
+            "#1=A()\n#3=B()\n");
+}
+
+TEST(StatementReader, TakesKeywordsInAnyCase) {
+  EXPECT_EQ(statementsOf("iso-10303-21;Header;File_Name('x');EndSec;Data;#1=Point('aB',.t.,1.e5);"
+                         "#2=(a('b')C(x(1)));#3=POINT(1.e5,.t.);endsec;end-Iso-10303-21;#4=A();"),
+            "FILE_NAME('x')\n#1=POINT('aB',.T.,1.E5)\n#2=(A('b')C(X(1)))\n#3=POINT(1.e5,.t.)\n");
+}
+
+TEST(StatementReader, GoesOnAtTheNextInstanceBehindJunk) {
+  EXPECT_EQ(dataStatements("#1=A(;,#2));#3=B();it's junk\n#4=C();#5 #6 = D();#7);#8,x#9=E();"),
+            "#1=A(\n#3=B()\n#4=C()\n#6=D()\n#9=E()\n");
+}
+
+TEST(StatementReader, TakesNoNumberOfJunkForTooLarge) {
+  EXPECT_EQ(dataStatements("#1=A(;#99999999999999999999);#2=B();"), "#1=A(\n#2=B()\n");
+  EXPECT_THAT(dataStatements("#99999999999999999999=A();"),
+              testing::EndsWith("the number of an instance is too large"));
+}
+
 TEST(StatementReader, PassesOverWhatStandsBeforeAndBehind) {
   EXPECT_EQ(statementsOf("junk END-ISO-10303-21; ISO-10303-21 ;HEADER;ENDSEC;DATA;#1=A();ENDSEC;"
                          "END-ISO-10303-21;#2=B();\0'"),
@@ -69,8 +92,8 @@ TEST(StatementReader, ReadsInstancesAtAnyBoundaryOfBlocks) {
 
 TEST(StatementReader, HandsOutWhatTheReferenceDoesOfEveryShortText) {
   test::MemoryFile file;
-  const std::vector<std::string> pieces = {"#1=", "#07", "A(",      "'",        "\"", "/",
-                                           "*",   ";",   "&SCOPE ", "ENDSCOPE", "\n", "ENDSEC;"};
+  const std::vector<std::string> pieces = {"#1=", "#07",     "A(",       "'",  "\"",      "/", "*",
+                                           ";",   "&SCOPE ", "ENDSCOPE", "\n", "endsec;", "a("};
   test::forEveryString(pieces, 4, [&file](const std::string& text) {
     const std::string content = "ISO-10303-21;DATA;" + text;
     ASSERT_EQ(test::readStatements(file.write(content)), test::referenceStatements(content))

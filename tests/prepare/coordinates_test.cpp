@@ -16,11 +16,16 @@ std::string written(const std::string& body, std::uint64_t count,
                     const Placement* placement = nullptr) {
   const test::TempDir directory;
   test::Instances in("#1=" + body + ";\n");
-  in.reader.seekBody(in.table.offset(in[1]));
+  in.reader.seekBody(in.table.offset(0));
   OutputFile output(directory / "out");
-  const bool isWritten = writeCoordinates(in.reader, 7, count, placement, output);
+  std::vector<bool> huge;
+  const bool isWritten = writeCoordinates(in.reader, {7, count, false, placement}, output, huge);
   EXPECT_TRUE(output.close());
-  return isWritten ? test::readFile(directory / "out") : "error";
+  std::string places;
+  for (std::size_t i = 0; i < huge.size(); ++i) {
+    places += huge[i] ? " huge " + std::to_string(i) : "";
+  }
+  return isWritten ? test::readFile(directory / "out") + places : "error";
 }
 
 TEST(Coordinates, WithoutAPlacementStayAsTheyAre) {
@@ -41,8 +46,7 @@ TEST(Coordinates, MalformedOnesAreAnError) {
        {"COORDINATES_LIST('',1,((1.,2.)))", "COORDINATES_LIST('',1,((1.,2.,3.,4.)))",
         "COORDINATES_LIST('',1,((1.,x,3.)))", "COORDINATES_LIST('',1,(1.,2.,3.))",
         "COORDINATES_LIST('',1,((1.,2.,3.)", "COORDINATES_LIST('',1,((1.,2.,3.),))",
-        "COORDINATES_LIST('',1)", "COORDINATES_LIST('',1,$)",
-        "COORDINATES_LIST('',1,((1.,2.,1.E999)))"}) {
+        "COORDINATES_LIST('',1)", "COORDINATES_LIST('',1,$)"}) {
     EXPECT_EQ(written(body, 1), "error") << body;
   }
 }
@@ -54,10 +58,39 @@ TEST(Coordinates, ThatEndTooEarlyAreAnError) {
   EXPECT_EQ(written(early, 2, &twice), "error");
 }
 
-TEST(Coordinates, ThatBecomeTooLargeAreAnError) {
+TEST(Coordinates, ThatAreNextToNothingAreZero) {
+  const std::string body = "COORDINATES_LIST('',3,((1.,2.,3.),(1.E-310,-1.E-999,4.50),(5.,6.,7.)))";
+  EXPECT_EQ(written(body, 3), "#7=COORDINATES_LIST('',3,((1.,2.,3.),(0.,0.,4.5),(5.,6.,7.)));\n");
+  const Placement tiny = scaled(Placement(), 1e-300);
+  EXPECT_EQ(written("COORDINATES_LIST('',1,((1.,-1.E-9,0.)))", 1, &tiny),
+            "#7=COORDINATES_LIST('',1,((1.E-300,0.,0.)));\n");
+}
+
+TEST(Coordinates, ThatOverflowKeepTheirPlace) {
+  EXPECT_EQ(written("COORDINATES_LIST('',3,((1.,2.,3.),(4.,5.,-1.E999),(7.,8.,9.)))", 3),
+            "#7=COORDINATES_LIST('',3,((1.,2.,3.),(0.,0.,0.),(7.,8.,9.)));\n huge 1");
   Placement placement;
   placement.m[0][0] = 1e10;
-  EXPECT_EQ(written("COORDINATES_LIST('',1,((1.E300,2.,3.)))", 1, &placement), "error");
+  EXPECT_EQ(written("COORDINATES_LIST('',2,((1.E300,2.,3.),(0.,2.,3.)))", 2, &placement),
+            "#7=COORDINATES_LIST('',2,((0.,0.,0.),(0.,2.,3.)));\n huge 0");
+}
+
+TEST(Coordinates, OfAnyLengthAreRead) {
+  const std::string zeros(200'000, '0');
+  EXPECT_EQ(written("COORDINATES_LIST('',2,((" + zeros + "1.,2.,3.),(4.,5.,6.)))", 2),
+            "#7=COORDINATES_LIST('',2,((1.,2.,3.),(4.,5.,6.)));\n");
+}
+
+TEST(Coordinates, OfComplexInstancesAreTheSame) {
+  const test::TempDir directory;
+  test::Instances in(
+      "#1=(COORDINATES_LIST(1,((1.,2.,3.)))REPRESENTATION_ITEM('')TESSELLATED_ITEM());\n");
+  in.reader.seekBody(in.table.offset(0));
+  OutputFile output(directory / "out");
+  std::vector<bool> huge;
+  EXPECT_TRUE(writeCoordinates(in.reader, {7, 1, true, nullptr}, output, huge));
+  EXPECT_TRUE(output.close());
+  EXPECT_EQ(test::readFile(directory / "out"), "#7=COORDINATES_LIST('',1,((1.,2.,3.)));\n");
 }
 
 TEST(Coordinates, OfAnyNumberAreWrittenWhole) {
@@ -75,11 +108,11 @@ TEST(Coordinates, OfAnyNumberAreWrittenWhole) {
 
 TEST(Coordinates, APointIsReadToItsEnd) {
   const std::string_view text = "(1.,-2.5,3.E2),";
-  std::array<double, 3> numbers{};
-  EXPECT_EQ(readPoint(text.data(), text.data() + text.size(), numbers), text.data() + 14);
-  EXPECT_THAT(numbers, testing::ElementsAre(1.0, -2.5, 300.0));
+  ListedPoint point;
+  EXPECT_EQ(readPoint(text.data(), text.data() + text.size(), point), text.data() + 14);
+  EXPECT_THAT(point.numbers, testing::ElementsAre(1.0, -2.5, 300.0));
   for (const std::string_view bad : {"", "(", "1.,2.,3.", "(1.,2.)", "(1.,2.,3.", "(1.,,3.)"}) {
-    EXPECT_EQ(readPoint(bad.data(), bad.data() + bad.size(), numbers), nullptr) << bad;
+    EXPECT_EQ(readPoint(bad.data(), bad.data() + bad.size(), point), nullptr) << bad;
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "exchange/instance_table.h"
 #include "tests/support/prepared_file.h"
 #include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
@@ -22,20 +23,24 @@ struct Expansion {
 /// Expands a face whose coordinates list has this many points.
 Expansion expand(std::string_view body, std::uint64_t points, const FaceTarget& wanted) {
   const test::TempDir directory;
-  StatementReader reader(
-      test::writeFile(directory / "in.stp", test::stepFile("#1=" + std::string(body) + ";\n")));
+  const std::string path =
+      test::writeFile(directory / "in.stp", test::stepFile("#1=" + std::string(body) + ";\n"));
+  InstanceTable table;
+  {
+    StatementReader first(path);
+    (void)table.read(first);  // a string that a damaged face is left with may never end
+  }
+  StatementReader reader(path);
   Statement statement = reader.next();
   while (statement == Statement::HeaderEntity) {
     statement = reader.next();
   }
-  EntityTypes types;
-  const EntityType& type = types[types.idOf("A", body.starts_with('('))];
   Expansion result;
   OutputFile output(directory / "out.stp");
   FaceTarget target = wanted;
   target.name = 7;
   target.coordinates = 8;
-  result.face = expandFace(reader, type, points, target, &output);
+  result.face = expandFace(reader, table.type(0), points, target, &output);
   EXPECT_TRUE(output.close());
   const std::string written = test::readFile(directory / "out.stp");
   const std::string before =

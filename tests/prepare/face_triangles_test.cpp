@@ -23,16 +23,16 @@ Result triangles(const std::string& mapping, const FaceTarget& target, Add add,
                  bool mayHaveNormals = false) {
   const test::TempDir directory;
   test::Instances in("#1=A(" + mapping + ",((1,2,3),(3,2,1),(4,4,5)));\n");
-  in.reader.seekBody(in.table.offset(in[1]));
-  BodyCursor cursor(in.reader);
-  (void)cursor.takeKeyword();
-  (void)cursor.take('(');
+  in.reader.seekBody(in.table.offset(0));
+  TokenReader tokens(in.reader);
+  (void)tokens.takeKeyword();
+  (void)tokens.take('(');
   OutputFile output(directory / "out");
-  FaceTriangles face(cursor, 9, target, &output);
+  FaceTriangles face(tokens, 9, target, &output);
   face.result.mayHaveNormals = mayHaveNormals;
   EXPECT_TRUE(face.readMapping());
-  EXPECT_TRUE(cursor.take(','));
-  EXPECT_TRUE(cursor.take('('));
+  EXPECT_TRUE(tokens.take(','));
+  EXPECT_TRUE(tokens.take('('));
   add(face);
   face.flush();
   EXPECT_TRUE(output.close());

@@ -21,13 +21,13 @@ struct List {
 
 List read(const std::string& list) {
   test::Instances in("#1=A(" + list + ",Z);\n");
-  in.reader.seekBody(in.table.offset(in[1]));
-  BodyCursor cursor(in.reader);
-  (void)cursor.takeKeyword();
-  (void)cursor.take('(');
+  in.reader.seekBody(in.table.offset(0));
+  TokenReader tokens(in.reader);
+  (void)tokens.takeKeyword();
+  (void)tokens.take('(');
   List result;
-  result.isRead = readIndices(cursor, [&result](Index index) { result.indices.push_back(index); });
-  result.next = cursor.peek();
+  result.isRead = readIndices(tokens, [&result](Index index) { result.indices.push_back(index); });
+  result.next = tokens.peek();
   return result;
 }
 

@@ -20,20 +20,20 @@ using testing::ElementsAre;
 struct Mapped : test::Instances {
   Mapped(const std::string& list, std::uint64_t points, const MappingLimits& limits)
       : Instances("#1=A(" + list + "Z);\n"), mapping(points, limits) {
-    reader.seekBody(table.offset((*this)[1]));
-    cursor.emplace(reader);
-    (void)cursor->takeKeyword();
-    (void)cursor->take('(');
-    isRead = mapping.read(*cursor);
+    reader.seekBody(table.offset(0));
+    tokens.emplace(reader);
+    (void)tokens->takeKeyword();
+    (void)tokens->take('(');
+    isRead = mapping.read(*tokens);
   }
   std::vector<std::uint32_t> lookedUp(std::vector<std::uint32_t> indices) {
-    mapping.lookUp(*cursor, indices);
-    EXPECT_EQ(cursor->peek(), 'Z');
+    mapping.lookUp(*tokens, indices);
+    EXPECT_EQ(tokens->peek(), 'Z');
     return indices;
   }
 
   IndexMapping mapping;
-  std::optional<BodyCursor> cursor;
+  std::optional<TokenReader> tokens;
   bool isRead = false;
 };
 

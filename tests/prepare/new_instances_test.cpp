@@ -30,7 +30,7 @@ TessellationPlan planOf(std::size_t lists, std::size_t faces, std::uint32_t soli
 }
 
 TEST(NewNames, BeginWithTheFirstPowerOfTenAboveTheOldOnes) {
-  NewNames names(999, planOf(2, 3, 1), {});
+  NewNames names(999, {}, planOf(2, 3, 1), {});
   EXPECT_EQ(names.list(0), 1000U);
   EXPECT_EQ(names.list(1), 1001U);
   EXPECT_EQ(names.face(0), 1002U);
@@ -38,17 +38,17 @@ TEST(NewNames, BeginWithTheFirstPowerOfTenAboveTheOldOnes) {
   EXPECT_EQ(names.solid(0), 1005U);
   EXPECT_EQ(names.next(), 1006U);
   EXPECT_EQ(names.next(), 1007U);
-  EXPECT_EQ(NewNames(1000, planOf(1, 1, 1), {}).list(0), 10000U);
+  EXPECT_EQ(NewNames(1000, {}, planOf(1, 1, 1), {}).list(0), 10000U);
 }
 
 TEST(NewNames, AreAllOfTheSameLength) {
   // 9 and 90 numbers are too few for these and what holds them together.
-  const NewNames names(3, planOf(20, 40, 1), {});
+  const NewNames names(3, {}, planOf(20, 40, 1), {});
   EXPECT_EQ(names.list(0), 100U);
   EXPECT_EQ(names.solid(0), 160U);
   Orphans orphans;
   orphans.representations.resize(900);
-  EXPECT_EQ(NewNames(3, planOf(20, 40, 1), orphans).list(0), 1000U);
+  EXPECT_EQ(NewNames(3, {}, planOf(20, 40, 1), orphans).list(0), 1000U);
 }
 
 TEST(WriteSolids, GivesEachItsFacesInTheOrderOfTheFile) {
@@ -58,7 +58,7 @@ TEST(WriteSolids, GivesEachItsFacesInTheOrderOfTheFile) {
   plan.faces[2].solid = PlannedFace::kNoSolid;
   plan.faces[3].solid = 1;
   plan.faces[4].solid = 0;
-  NewNames names(99, plan, {});
+  NewNames names(99, {}, plan, {});
   EXPECT_EQ(writtenBy([&](OutputFile& output) { writeSolids(plan, names, output); }),
             "#106=TESSELLATED_SOLID('',(#102,#105),$);\n"
             "#107=TESSELLATED_SOLID('',(#101,#104),$);\n"
@@ -69,7 +69,7 @@ TEST(WriteSolids, GivesEachItsFacesInTheOrderOfTheFile) {
 }
 
 TEST(WriteMark, IsACommentToAnyReaderOfStatements) {
-  NewNames names(9, {}, {});
+  NewNames names(9, {}, {}, {});
   EXPECT_EQ(writtenBy([&](OutputFile& output) { writeMark(names, output); }),
             "/*\n"
             "#10=TESSELLATED_SHAPE_REPRESENTATION('',(),$);\n"
@@ -83,7 +83,7 @@ TEST(WriteOrphans, TiesThemToTheShapeThatIsThere) {
   Orphans orphans;
   orphans.representations = {file[7], file[8]};
   orphans.productShape = file[5];
-  NewNames names(9, {}, orphans);
+  NewNames names(9, {}, {}, orphans);
   EXPECT_EQ(
       writtenBy([&](OutputFile& output) { writeOrphans(orphans, file.table, names, output); }),
       "#10=SHAPE_DEFINITION_REPRESENTATION(#5,#7);\n"
@@ -94,7 +94,7 @@ TEST(WriteOrphans, MakesAProductWhereThereIsNone) {
   test::Instances file("#7=A();\n");
   Orphans orphans;
   orphans.representations = {file[7]};
-  NewNames names(9, {}, orphans);
+  NewNames names(9, {}, {}, orphans);
   EXPECT_EQ(
       writtenBy([&](OutputFile& output) { writeOrphans(orphans, file.table, names, output); }),
       "#10=APPLICATION_CONTEXT('');\n"
@@ -108,7 +108,7 @@ TEST(WriteOrphans, MakesAProductWhereThereIsNone) {
 }
 
 TEST(WriteOrphans, WritesNothingWithoutOrphans) {
-  NewNames names(9, {}, {});
+  NewNames names(9, {}, {}, {});
   EXPECT_EQ(writtenBy([&](OutputFile& output) { writeOrphans({}, {}, names, output); }), "");
 }
 

@@ -13,7 +13,8 @@ namespace {
 /// "representations -> product shape", as the numbers of the instances.
 std::string orphansOf(const std::string& data) {
   const test::Instances in(data);
-  const Orphans orphans = findOrphans(in.table, readProductStructure(in.table));
+  ProductStructure structure = readProductStructure(in.table);
+  const Orphans orphans = tieOrphans(in.table, structure);
   std::string text;
   for (const InstanceIndex representation : orphans.representations) {
     text += std::to_string(in.table.number(representation)) + ' ';

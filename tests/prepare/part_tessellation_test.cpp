@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/prepare/tied_structure.h"
 #include "tests/support/instances.h"
 
 namespace plenvorith {
@@ -16,7 +17,7 @@ using testing::IsEmpty;
 struct Found : test::Instances {
   explicit Found(const std::string& data)
       : Instances(data),
-        structure(readProductStructure(table)),
+        structure(test::tiedStructure(table)),
         instances(table, reader),
         occurrences(structure, instances, warnings),
         part(findPartTessellation(table, structure, occurrences, warnings)) {}

@@ -46,14 +46,14 @@ TEST(Preparation, WritesPartTessellationAsPlainTriangles) {
             "Saved: out.stp\n");
   EXPECT_EQ(dataOf(result.file),
             text(kMillimetres,
-                 "#100=COORDINATES_LIST('',4,((0.,0.,0.),(10.,0.,0.),(0.,10.,0.),(0.,0.,10.)));\n"
-                 "#101=COMPLEX_TRIANGULATED_FACE('',#100,4,(),$,(),"
+                 "#10=COORDINATES_LIST('',4,((0.,0.,0.),(10.,0.,0.),(0.,10.,0.),(0.,0.,10.)));\n"
+                 "#11=COMPLEX_TRIANGULATED_FACE('',#10,4,(),$,(),"
                  "((4,3,2),(3,1,2),(4,3,1)),());\n"
-                 "#102=TESSELLATED_SOLID('',(#101),$);\n"
-                 "#103=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
-                 "#104=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#103))"
+                 "#12=TESSELLATED_SOLID('',(#11),$);\n"
+                 "#13=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
+                 "#14=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#13))"
                  "REPRESENTATION_CONTEXT('',''));\n"
-                 "#105=TESSELLATED_SHAPE_REPRESENTATION('',(#102),#104);\n"));
+                 "#15=TESSELLATED_SHAPE_REPRESENTATION('',(#12),#14);\n"));
   EXPECT_EQ(result.files, 2U);
 }
 
@@ -105,7 +105,7 @@ TEST(Preparation, RejectsSomethingElseThanANumberInPartTessellation) {
             "Error: in.stp: no number where one has to be in #10\n");
   EXPECT_EQ(errorOf("COORDINATES_LIST('',1,((1.,2.)))", kFace),
             "Error: in.stp: no number where one has to be in #10\n");
-  EXPECT_EQ(errorOf("COORDINATES_LIST('',3,((1.,2.,3.),(1.,2.,4.)).,(1.,3.,3.)))", kFace),
+  EXPECT_EQ(errorOf("COORDINATES_LIST('',3,((1.,2.,3.),(1.,2.,4.)).,((1.,3.,3.)))", kFace),
             "Error: in.stp: no number where one has to be in #10\n");
   EXPECT_EQ(errorOf(kList, "TRIANGULATED_FACE('',#10,1,(),$,(),((1,$,1)))"),
             "Error: in.stp: no number where one has to be in #11\n");

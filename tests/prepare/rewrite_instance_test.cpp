@@ -16,7 +16,7 @@ template <typename Write>
 std::string rewritten(const std::string& body, Write write) {
   const test::TempDir directory;
   test::Instances in("#1=" + body + ";\n");
-  in.reader.seekBody(in.table.offset(in[1]));
+  in.reader.seekBody(in.table.offset(0));
   OutputFile output(directory / "out");
   write(in.reader, output);
   EXPECT_TRUE(output.close());
@@ -35,8 +35,9 @@ std::string withoutDropped(const std::string& body) {
 }
 
 std::string retyped(const std::string& body) {
-  return rewritten(body, [](StatementReader& reader, OutputFile& output) {
-    writeRetyped(reader, isDropped, output);
+  const test::Instances in("#1=" + body + ";\n");
+  return rewritten(body, [&in](StatementReader& reader, OutputFile& output) {
+    writeRetyped(reader, in.table.type(0), isDropped, output);
   });
 }
 

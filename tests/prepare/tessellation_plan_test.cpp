@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/prepare/tied_structure.h"
 #include "tests/support/instances.h"
 
 namespace plenvorith {
@@ -15,7 +16,7 @@ using testing::IsEmpty;
 struct Planned : test::Instances {
   explicit Planned(const std::string& data)
       : Instances(data),
-        structure(readProductStructure(table)),
+        structure(test::tiedStructure(table)),
         instances(table, reader),
         occurrences(structure, instances, warnings),
         plan(planTessellation(table, findPartTessellation(table, structure, occurrences, warnings),

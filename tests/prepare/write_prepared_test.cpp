@@ -109,7 +109,7 @@ TEST(WritePrepared, GivesNoNewInstanceANumberThatTheFileNames) {
 TEST(WritePrepared, MarksTessellationBesideExactGeometry) {
   Input in(kTriangle);
   in.plan(2, 1);
-  in.decisions.hasExact = true;
+  in.decisions.mayHaveExact = true;
   EXPECT_EQ(in.write().data, kNewTriangle + kBehind +
                                  "/*\n#16=TESSELLATED_SHAPE_REPRESENTATION('',(),$);\n"
                                  "#17=SHAPE_REPRESENTATION('',(),$);\n"

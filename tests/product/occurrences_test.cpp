@@ -29,6 +29,7 @@ struct Placed : Instances {
   std::vector<double> heightsOf(std::uint64_t number) {
     const std::vector<Node> nodes = occurrences.nodesOf(representation(number));
     EXPECT_EQ(nodes.size(), 1U);
+    EXPECT_TRUE(occurrences.place(nodes));
     std::vector<double> heights;
     for (const Placement& placement : occurrences.placementsOf(nodes[0])) {
       heights.push_back(placement.m[2][3]);

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include "product/attributes.h"
+#include "product/exact_geometry.h"
 #include "tests/support/instances.h"
 
 namespace plenvorith {
@@ -155,8 +157,11 @@ TEST(ProductStructure, FindsWhatIsExactAndWhatMapsThat) {
 
 TEST(ProductStructure, TakesNoItemsFromBehindARecord) {
   std::vector<std::uint64_t> items;
-  const Instances in("#1=SHAPE_REPRESENTATION('',(#2),$)SHAPE_REPRESENTATION('',(#3),$);\n");
-  forEachItem(in.table, in[1], [&items](std::uint64_t number) { items.push_back(number); });
+  const Instances in(
+      "#1=SHAPE_REPRESENTATION('',(#2),$)SHAPE_REPRESENTATION('',(#3),$);\n"
+      "#2=A();\n#3=A();\n");
+  in.table.forEachItem(in[1], attributes::kItems,
+                       [&](InstanceIndex item) { items.push_back(in.table.number(item)); });
   EXPECT_THAT(items, ElementsAre(2));
 }
 
@@ -172,7 +177,8 @@ TEST(ProductStructure, WhatIsMappedFromAProductIsOfIt) {
 TEST(ProductStructure, FindsWhatExactRepresentationsCarry) {
   const Structure in(kMappedSolid +
                      "#53=CLOSED_SHELL('',(#54));\n#54=ADVANCED_FACE('',(),$,.T.);\n");
-  const std::vector<bool> carried = findCarried(in.table, in.structure);
+  const std::vector<bool> carried =
+      findCarried(in.table, in.structure, {in.structure.find(in[60])});
   for (const std::uint64_t number : {50U, 51U, 52U}) {
     EXPECT_TRUE(carried[in[number]]) << number;
   }

@@ -106,14 +106,97 @@ void collectExactParts(Model& model, const std::string& name) {
   }
 }
 
-void findExactGeometry(Model& model) {
-  for (const auto& [name, parameters] : model.representations) {
-    for (const std::string& item : itemsOf(model, name)) {
-      if (isOneOf(model, item, kModels) || isOneOf(model, item, kShellsAndFaces)) {
-        collectExactParts(model, item);
-        model.exactGroups.insert(model.groups.at(name));
-        model.result.hasExactGeometry = true;
+/// The representations that mapped items of these show, and those themselves.
+Names withMapped(const Model& model, Names representations) {
+  std::vector<std::string> open(representations.begin(), representations.end());
+  while (!open.empty()) {
+    std::vector<std::string> items;
+    const auto holder = model.representations.find(open.back());
+    open.pop_back();
+    if (holder != model.representations.end()) {
+      collectReferences(holder->second.at(1), items);
+    }
+    for (const std::string& item : items) {
+      if (isA(model, item, "MAPPED_ITEM")) {
+        const std::string map = own(model, item, "MAPPED_ITEM").at(0).text;
+        const std::string mapped = recordOf(*find(model, map), "REPRESENTATION_MAP")->at(1).text;
+        if (representations.insert(mapped).second) {
+          open.push_back(mapped);
+        }
       }
+    }
+  }
+  return representations;
+}
+
+/// What the kernel comes to: shapes of products, over one simple relationship of shapes.
+Names findReached(const Model& model) {
+  Names shapes;
+  for (const auto& [name, instance] : model.instances) {
+    const Parameters* const link = recordOf(instance, "SHAPE_DEFINITION_REPRESENTATION");
+    if (link != nullptr && isA(model, link->at(0).text, "PRODUCT_DEFINITION_SHAPE")) {
+      shapes.insert(link->at(1).text);
+    }
+  }
+  Names reached = shapes;
+  for (const auto& [name, relation] : model.relations) {
+    if (simpleType(*find(model, name)) != "SHAPE_REPRESENTATION_RELATIONSHIP") {
+      continue;
+    }
+    if (shapes.count(relation.first) == 1) {
+      reached.insert(relation.second);
+    }
+    if (shapes.count(relation.second) == 1) {
+      reached.insert(relation.first);
+    }
+  }
+  return withMapped(model, reached);
+}
+
+/// The same with what relationships that place something set beside it.
+Names withPlaced(const Model& model, Names reached) {
+  for (bool isMore = true; isMore;) {
+    isMore = false;
+    for (const auto& [name, relation] : model.relations) {
+      if (!relation.transformation.empty() &&
+          reached.count(relation.first) != reached.count(relation.second)) {
+        reached.insert({relation.first, relation.second});
+        isMore = true;
+      }
+    }
+  }
+  return reached;
+}
+
+/// Whether the kernel makes faces of what a representation holds, also by mapping.
+bool isExact(const Model& model, const std::string& representation) {
+  const Names items = itemsOf(model, representation);
+  return !isA(model, representation, "DRAUGHTING_MODEL") &&
+         std::any_of(items.begin(), items.end(), [&](const std::string& item) {
+           return isOneOf(model, item, kModels) ||
+                  isOneOf(model, item, {"ADVANCED_FACE", "FACE_SURFACE"});
+         });
+}
+
+void findExactGeometry(Model& model) {
+  const Names reached = findReached(model);
+  const Names near = withPlaced(model, reached);
+  Names exact;
+  bool hasProductExact = false;
+  for (const auto& [name, parameters] : model.representations) {
+    if (isExact(model, name)) {
+      exact.insert(name);
+      hasProductExact = hasProductExact || near.count(name) == 1;
+    }
+  }
+  model.result.hasExactGeometry = !exact.empty();
+  // What no product has is tied to one, if none has any.
+  for (const std::string& name : exact) {
+    if (!hasProductExact || reached.count(name) == 1) {
+      for (const std::string& item : itemsOf(model, name)) {
+        collectExactParts(model, item);
+      }
+      model.exactGroups.insert(model.groups.at(name));
     }
   }
 }

@@ -54,6 +54,13 @@ Token tokenAt(std::string_view text, std::size_t place) {
   return {Token::Kind::Byte, std::string(1, c)};
 }
 
+std::string capitals(std::string text) {
+  for (char& c : text) {
+    c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  }
+  return text;
+}
+
 std::string withoutLineEnds(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -76,7 +83,12 @@ class Reference {
   std::string readWord();
   void add(const std::string& start, const std::string& body);
   std::string readBody();
+  std::string readBodyAsItIs();
+  bool readName(std::uint64_t& number);
+  void readNamed(std::uint64_t number);
   void readInstance();
+  void readJunk();
+  void skipSection();
   void readKeyword();
   bool goToStart();
   void fail(const std::string& what) {
@@ -115,7 +127,7 @@ std::string Reference::readWord() {
           std::string_view("_-!&").find(text_[place_]) != std::string_view::npos)) {
     word += text_[place_++];
   }
-  return word.substr(0, 256);
+  return capitals(word.substr(0, 256));
 }
 
 /// Statements that never end are left out: the product may have handed out any part of them.
@@ -125,8 +137,38 @@ void Reference::add(const std::string& start, const std::string& body) {
   }
 }
 
-/// To the semicolon, which is taken.
+/// Whether the keyword at the start, behind one parenthesis perhaps, has small letters.
+bool startsWithSmallLetters(const std::string& body) {
+  for (std::size_t i = body.starts_with('(') ? 1 : 0; i < body.size(); ++i) {
+    const char c = body[i];
+    if (c >= 'a' && c <= 'z') {
+      return true;
+    }
+    if (!((c >= 'A' && c <= 'Z') || c == '_' || (c >= '0' && c <= '9'))) {
+      return false;
+    }
+  }
+  return false;
+}
+
+/// To the semicolon, which is taken. If it starts in small letters, all of them become capital ones,
+/// strings and binaries aside.
 std::string Reference::readBody() {
+  const std::string body = readBodyAsItIs();
+  if (!startsWithSmallLetters(body)) {
+    return body;
+  }
+  std::string raised;
+  for (std::size_t place = 0; place < body.size();) {
+    const Token token = tokenAt(body, place);
+    const bool isText = token.kind == Token::Kind::Byte;
+    raised += isText ? capitals(token.text) : token.text;
+    place += token.text.size();
+  }
+  return raised;
+}
+
+std::string Reference::readBodyAsItIs() {
   std::string body;
   while (place_ < text_.size() && text_[place_] != ';') {
     const Token token = tokenAt(text_, place_);
@@ -167,23 +209,30 @@ std::string Reference::readBody() {
   return body;
 }
 
-void Reference::readInstance() {
+/// Behind "#12="; false where something else stands.
+bool Reference::readName(std::uint64_t& number) {
   ++place_;
-  std::uint64_t number = 0;
+  number = 0;
   bool hasDigits = false;
   while (std::isdigit(static_cast<unsigned char>(next())) != 0) {
     number = number * 10 + static_cast<std::uint64_t>(text_[place_++] - '0');
+    number = number > 99'999'999'999'999'999U ? 100'000'000'000'000'000U : number;
     hasDigits = true;
-    if (number > 99'999'999'999'999'999U) {
-      fail("the number of an instance is too large");
-      return;
-    }
   }
-  const bool isInstance = hasDigits && next() == '=';
-  place_ += isInstance ? 1U : 0U;
-  if (!isInstance || section_ != "DATA") {
-    (void)readBody();
-  } else if (next() == '&') {
+  const bool isName = hasDigits && next() == '=';
+  place_ += isName ? 1U : 0U;
+  if (isName && number > 99'999'999'999'999'999U) {
+    fail("the number of an instance is too large");
+  }
+  return isName;
+}
+
+/// What stands behind "#12=".
+void Reference::readNamed(std::uint64_t number) {
+  if (!error_.empty()) {
+    return;
+  }
+  if (next() == '&') {
     (void)readWord();
     scopes_.push_back(number);
   } else if (next() == '\0' && place_ == text_.size()) {
@@ -191,6 +240,47 @@ void Reference::readInstance() {
   } else {
     add('#' + std::to_string(number) + '=', readBody());
   }
+}
+
+void Reference::readInstance() {
+  std::uint64_t number = 0;
+  if (section_ != "DATA") {
+    (void)readBody();
+  } else if (readName(number)) {
+    readNamed(number);
+  } else {
+    readJunk();
+  }
+}
+
+/// To behind the next semicolon, or over the instance before that.
+void Reference::readJunk() {
+  while (error_.empty()) {
+    const char c = next();
+    if (place_ == text_.size()) {
+      return;
+    }
+    std::uint64_t number = 0;
+    if (c != '#') {
+      ++place_;
+    } else if (readName(number)) {
+      readNamed(number);
+      return;
+    }
+    if (c == ';') {
+      return;
+    }
+  }
+}
+
+/// Behind "ENDSEC;", whatever stands before it.
+void Reference::skipSection() {
+  std::string seen;
+  while (place_ < text_.size() && !seen.ends_with("ENDSEC;")) {
+    const char c = text_[place_++];
+    seen += isBlank(c) ? std::string() : capitals(std::string(1, c));
+  }
+  section_.clear();
 }
 
 void Reference::readKeyword() {
@@ -220,10 +310,15 @@ void Reference::readKeyword() {
       section_ = word;
     } else if (word == "ENDSEC") {
       section_.clear();
-    } else if (word == "ANCHOR" || word == "REFERENCE" || word == "SIGNATURE") {
-      section_ = section_.empty() ? word : section_;
+    } else if (section_.empty() &&
+               (word == "ANCHOR" || word == "REFERENCE" || word == "SIGNATURE")) {
+      skipSection();
+      return;
     } else if (section_ == "HEADER" && !word.empty()) {
       add(word, readBody());
+      return;
+    } else if (section_ == "DATA") {
+      readJunk();
       return;
     }
     (void)readBody();
@@ -233,8 +328,9 @@ void Reference::readKeyword() {
 /// Behind "ISO-10303-21;", which is not behind "END-".
 bool Reference::goToStart() {
   constexpr std::string_view kStart = "ISO-10303-21";
-  for (place_ = text_.find(kStart); place_ != std::string_view::npos;
-       place_ = text_.find(kStart, place_)) {
+  const std::string raised = capitals(std::string(text_));
+  for (place_ = raised.find(kStart); place_ != std::string_view::npos;
+       place_ = raised.find(kStart, place_)) {
     const bool isEnd = place_ > 0 && text_[place_ - 1] == '-';
     place_ += kStart.size();
     if (!isEnd && next() == ';') {
