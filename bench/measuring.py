@@ -25,8 +25,8 @@ BATCH = BIN / "plenvorith-batch"
 INPUTS = ROOT / "build" / "bench"
 MEGABYTE = 1_000_000
 TARGETS = ("plenvorith_programs", "bench_stages", "generate_exact", "generate_tessellation",
-           "baseline_io", "baseline_kernel", "baseline_literal", "baseline_numbers",
-           "baseline_statements", "baseline_stream")
+           "baseline_binding", "baseline_io", "baseline_kernel", "baseline_literal",
+           "baseline_numbers", "baseline_statements", "baseline_stream")
 
 
 @dataclass

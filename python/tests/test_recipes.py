@@ -5,6 +5,7 @@ import json
 import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import urllib.error
@@ -121,4 +122,4 @@ def test_a_web_service(folder):
                 with urllib.request.urlopen(urllib.request.Request(address, good), timeout=60) as made:
                     assert len(made.read()) == 84 + 50 * 548
         finally:
-            service.terminate()
+            service.send_signal(signal.SIGINT)
