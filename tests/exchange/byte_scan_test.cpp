@@ -18,7 +18,7 @@ namespace {
 /// The plain loops that the product's functions are compared with.
 std::size_t specialIn(const std::vector<char>& text) {
   for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-    const bool isBlank = text[i] >= 0 && text[i] <= ' ';
+    const bool isBlank = static_cast<unsigned char>(text[i]) <= ' ';
     if (isBlank || std::string_view("'\"/;").find(text[i]) != std::string_view::npos ||
         (text[i] == '#' && text[i + 1] == '0')) {
       return i;
