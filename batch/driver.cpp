@@ -24,6 +24,7 @@
 #include "batch/state/names.h"
 #include "batch/state/output_folder.h"
 #include "batch/state/shard.h"
+#include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
 #include "batch/system/host_name.h"
 #include "common/escaped_text.h"
@@ -93,7 +94,7 @@ std::string objection(const Options& options, const Places& places, const FoundF
 }
 
 /// Takes the files out of the list that need no conversion; gives their number.
-std::int64_t dropUpToDate(StateHandle& state, const RunContext& context,
+std::int64_t dropUpToDate(StateHandle& state, const RunContext& context, bool isToTellOnly,
                           std::vector<InputFile>& files) {
   const auto before = static_cast<std::int64_t>(files.size());
   std::vector<FileRecord> touched;
@@ -107,7 +108,7 @@ std::int64_t dropUpToDate(StateHandle& state, const RunContext& context,
     return isKept;
   });
   // Only spares the next run from reading them; it does without.
-  if (!touched.empty() && beginChanges(state)) {
+  if (!isToTellOnly && !touched.empty() && beginChanges(state)) {
     for (const FileRecord& record : touched) {
       (void)putFile(state, record);
     }
@@ -229,7 +230,7 @@ int work(const Options& options, const std::vector<std::string>& arguments, Stat
   }
   Summary summary;
   if (options.resume && state != nullptr) {
-    summary.convertedBefore = dropUpToDate(*state, context, found.files);
+    summary.convertedBefore = dropUpToDate(*state, context, options.dryRun, found.files);
   }
   summary.files = static_cast<std::int64_t>(found.files.size());
   sortForConversion(found.files);
@@ -237,9 +238,53 @@ int work(const Options& options, const std::vector<std::string>& arguments, Stat
                         : convertAll(options, arguments, *state, context, found, summary);
 }
 
+/// Makes this process the owner of the output folder and opens its state; says what is in the way.
+/// A run that only tells what it would do owns nothing, and looks at the state if there is one.
+std::string openFolder(const Options& options, RunContext& context, OwnedFolder& owned,
+                       State& state) {
+  const std::string& database = context.places.database;
+  std::string problem;
+  if (options.dryRun) {
+    if (access(database.c_str(), F_OK) == 0) {
+      state = openState(database, problem, StateUse::Look);
+    }
+    return problem;
+  }
+  problem = takeOutputFolder(options, context, owned);
+  if (problem.empty()) {
+    // A disk without locks, as shards may have, is merged without any.
+    const bool isAlone = options.shard || owned.output.get() < 0;
+    state = openState(database, problem, isAlone ? StateUse::Alone : StateUse::Write);
+  }
+  return problem;
+}
+
+/// Prints what the last conversion of an input said.
+int printTranscript(const Options& options) {
+  const Places places = placesIn(absolutePath(options.output));
+  const std::string input = absolutePath(options.transcriptOf);
+  if (access(places.database.c_str(), F_OK) != 0) {
+    return refuse("no state of earlier runs in " + places.output);
+  }
+  std::string problem;
+  const State state = openState(places.database, problem, StateUse::Look);
+  if (!state) {
+    return refuse(problem);
+  }
+  const std::optional<std::string> transcript = findTranscript(*state, input);
+  if (!transcript) {
+    say("no transcript of " + input);
+    return kSomeFailed;
+  }
+  return writeAll(STDOUT_FILENO, *transcript) ? 0 : kSomeFailed;
+}
+
 }  // namespace
 
 int runDriver(const Options& given, const std::vector<std::string>& arguments) {
+  if (!given.transcriptOf.empty()) {
+    return printTranscript(given);
+  }
   Options options = given;
   std::string& program = options.settings.program;
   if (!program.empty()) {
@@ -251,28 +296,26 @@ int runDriver(const Options& given, const std::vector<std::string>& arguments) {
   const Places all = placesIn(absolutePath(options.output));
   const Places places = options.shard ? placesOfShard(all, *options.shard) : all;
   FoundFiles found = findFiles(options, places.output);
-  RunContext context{places, found.base, settingsText(options.settings),
-                     programText(options.settings), 0};
+  RunContext context{
+      places, found.base,         settingsText(options.settings), programText(options.settings),
+      0,      options.settings.to};
   std::string problem = objection(options, places, found);
-  Locks locks;
+  OwnedFolder owned;
   State state;
-  const bool isStateThere = access(places.database.c_str(), F_OK) == 0;
-  if (problem.empty() && (!options.dryRun || (options.resume && isStateThere))) {
-    problem = takeOutputFolder(options, context, locks);
-    if (problem.empty()) {
-      const StateUse use = options.shard ? StateUse::Alone : StateUse::Write;
-      state = openState(places.database, problem, use);
-    }
+  if (problem.empty()) {
+    problem = openFolder(options, context, owned, state);
   }
   if (problem.empty() && options.shard) {
     problem = becomeShard(options, context, state.get(), found.files);
+  }
+  if (problem.empty() && !options.shard && state != nullptr) {
+    problem = findCollision(*state, context, found.files);
   }
   if (!problem.empty()) {
     return refuse(problem);
   }
   const int status = work(options, arguments, state.get(), context, found);
   state.reset();
-  removeTree(places.run);
   return status;
 }
 

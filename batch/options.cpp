@@ -39,6 +39,7 @@ holds all INPUTs, then the file's full name, then the new extension.
       --time-limit T     longest time for one file: 90, 5m, 2h, 0 for ever (1h)
       --memory-limit M   address space for one file: 800M, 4G, 0 for all (0)
       --memory-free M    begin no file while less memory is free (1G)
+      --transcript FILE  print what the last conversion of an input said
       --export FILE      write what is known of all files, as .csv or .json
       --check            have admesh look for open edges, for the report
       --thumbnails       have f3d draw every mesh, for the report
@@ -52,7 +53,7 @@ holds all INPUTs, then the file's full name, then the new extension.
       --version          print version and kernel release
   -h, --help             this text
 
---export, --prune and --merge need no INPUT.
+--export, --prune, --merge and --transcript need no INPUT.
 
 Exit status: 0 all files are converted; 1 some are not, or could not be looked
 at, or a report or table not written; 2 nothing was begun; 129, 130 and 143 ended
@@ -89,15 +90,44 @@ struct RawValues {
   bool version = false;
 };
 
+/// An option that may be given several times. Its values are taken as they are: what the library
+/// makes of a list would leave out "{}".
+CLI::Option* addTexts(CLI::App& app, const char* name, std::vector<std::string>& texts) {
+  return app
+      .add_option(name,
+                  [&texts](const CLI::results_t& results) {
+                    texts = results;
+                    return true;
+                  })
+      ->take_all();
+}
+
+// The library takes "[a,b]" for a list of two values. No text begins with a bracket behind this.
+constexpr char kGuard = '\x01';
+
+std::vector<std::string> guarded(int argc, char** argv) {
+  std::vector<std::string> arguments(argv, argv + argc);
+  for (std::string& argument : arguments) {
+    if (argument.starts_with('[') || argument.starts_with(kGuard)) {
+      argument.insert(0, 1, kGuard);
+    }
+  }
+  return arguments;
+}
+
+std::string withoutGuard(std::string text) {
+  return text.starts_with(kGuard) ? text.substr(1) : text;
+}
+
 void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.set_help_flag();
   app.option_defaults()->take_last();
-  app.add_option("INPUT", options.inputs)->take_all();
+  addTexts(app, "INPUT", options.inputs)->expected(-1);
   app.add_option("-o,--output", options.output);
   app.add_option("--base", options.base);
   app.add_option("--files-from", options.listing);
-  app.add_option("--include", options.include)->take_all()->allow_extra_args(false);
-  app.add_option("--exclude", options.exclude)->take_all()->allow_extra_args(false);
+  addTexts(app, "--include", options.include);
+  addTexts(app, "--exclude", options.exclude);
   app.add_flag("--follow", options.followLinks);
   app.add_option("--to", options.settings.to);
   app.add_option("--deflection", options.settings.deflection);
@@ -110,6 +140,7 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.add_option("--time-limit", raw.timeLimit);
   app.add_option("--memory-limit", raw.memoryLimit);
   app.add_option("--memory-free", raw.memoryFree);
+  app.add_option("--transcript", options.transcriptOf);
   app.add_option("--export", options.exportPath);
   app.add_option("--sshlogin", options.sshlogin);
   app.add_flag("--transfer", options.transfer);
@@ -122,14 +153,21 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.add_flag("--worker", options.worker);
   app.add_flag("--version", raw.version);
   app.add_flag("-h,--help", raw.help);
+  for (CLI::Option* const option : app.get_options()) {
+    option->transform(withoutGuard);
+  }
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return std::string("plenvorith-batch: ") + error.what() + " (--help lists the options)\n";
   });
 }
 
 /// Gives 0, or another number where the library has printed what is wrong.
-int parse(CLI::App& app, int argc, char** argv) {
-  CLI11_PARSE(app, argc, argv);
+int parse(CLI::App& app, const std::vector<std::string>& arguments) {
+  std::vector<const char*> pointers;
+  for (const std::string& argument : arguments) {
+    pointers.push_back(argument.c_str());
+  }
+  CLI11_PARSE(app, static_cast<int>(pointers.size()), pointers.data());
   return 0;
 }
 
@@ -149,7 +187,8 @@ void take(const char* option, const std::optional<std::string>& text, const char
 
 /// Whether the run has nothing to convert and only works on what earlier runs have noted.
 bool worksOnTheStateOnly(const Options& options) {
-  return !options.dryRun && (options.prune || options.merge || !options.exportPath.empty());
+  return !options.transcriptOf.empty() ||
+         (!options.dryRun && (options.prune || options.merge || !options.exportPath.empty()));
 }
 
 /// What is wrong with the options for hosts and shards together.
@@ -295,7 +334,7 @@ ParsedOptions parseOptions(int argc, char** argv) {
   RawValues raw;
   CLI::App app;
   addOptions(app, parsed.options, raw);
-  if (parse(app, argc, argv) != 0) {
+  if (parse(app, guarded(argc, argv)) != 0) {
     parsed.exitStatus = kWrongUse;
   } else if (raw.help) {
     std::cout << kHelp << std::endl;

@@ -4,12 +4,13 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include <poll.h>
@@ -41,16 +42,9 @@ std::string chunkFolder(const HostEngine& engine, const std::string& chunk) {
   return engine.folder + '/' + chunk;
 }
 
-/// Where the outputs of a job are when they have come.
-std::string outFolder(const HostEngine& engine, const std::string& chunk, std::size_t file) {
-  const std::string number = std::to_string(file);
-  return engine.transfer ? chunkFolder(engine, chunk) + "/made/" + number
-                         : engine.folder + "/file" + number;
-}
-
-std::string transcriptPath(const HostEngine& engine, std::size_t file) {
-  return engine.context.places.state + '/' +
-         transcriptFor(nameBelow(engine.context.base, engine.files[file].path));
+/// Where what jobs make is when it has come.
+std::string baseFolder(const HostEngine& engine, const std::string& chunk) {
+  return engine.transfer ? chunkFolder(engine, chunk) : engine.folder;
 }
 
 std::string nameOf(const std::string& path) {
@@ -61,30 +55,33 @@ std::string nameOf(const std::string& path) {
 Job jobFor(const HostEngine& engine, const std::string& chunk, std::size_t file) {
   const std::string number = std::to_string(file);
   const std::string& input = engine.files[file].path;
+  const std::string base = engine.transfer ? "" : engine.folder + '/';
   Job job;
   job.id = static_cast<std::int64_t>(file);
   job.input = engine.transfer ? "in/" + number + '/' + nameOf(input) : input;
   // A folder that is removed again costs time on some disks: one for each file is enough.
-  job.outFolder = engine.transfer ? "made/" + number : outFolder(engine, chunk, file);
+  job.outFolder = base + "made/" + number;
   job.temporaryFolder = engine.transfer ? "tmp" : chunkFolder(engine, chunk) + ".tmp";
-  job.outputName = outputNameFor(input, engine.settings);
-  job.transcript = engine.transfer ? "transcripts/" + number : transcriptPath(engine, file);
+  job.outputName = workNameFor(input, engine.settings);
+  job.transcript = base + "transcripts/" + number;
   job.settings = engine.settings;
   return job;
 }
 
-bool writeJobs(const HostEngine& engine, const std::string& chunk, const std::string& path,
+bool writeJobs(HostEngine& engine, const std::string& chunk, const std::string& path,
                const std::vector<std::size_t>& files) {
   std::ofstream jobs(path, std::ios::binary);
   for (const std::size_t file : files) {
-    jobs << lineFrom(jobFor(engine, chunk, file)) << '\n';
+    const Job job = jobFor(engine, chunk, file);
+    engine.open[job.id] = job.outputName;
+    jobs << lineFrom(job) << '\n';
   }
   jobs.close();
   return jobs.good();
 }
 
 /// Packs the jobs of a chunk and their inputs. One that cannot be read is missed by the worker.
-bool packChunk(const HostEngine& engine, const std::string& tar, const std::string& chunk,
+bool packChunk(HostEngine& engine, const std::string& tar, const std::string& chunk,
                const std::vector<std::size_t>& files) {
   const std::string folder = chunkFolder(engine, chunk);
   bool isMade = makeFolders(folder + "/made") && makeFolders(folder + "/transcripts") &&
@@ -101,46 +98,59 @@ bool packChunk(const HostEngine& engine, const std::string& tar, const std::stri
   // Its status is that of the worst input.
   (void)runTool(start, std::chrono::hours(24));
   removeTree(folder);
+  engine.chunks.insert(chunk);
   return isMade && access((folder + ".tar").c_str(), F_OK) == 0;
 }
 
-std::optional<Finished> finishedFrom(const HostEngine& engine, const std::string& chunk,
+/// The result in a line, of a job that had none yet.
+std::optional<Finished> finishedFrom(HostEngine& engine, const std::string& chunk,
                                      const std::string& line) {
-  std::optional<JobResult> result = resultFrom(line);
-  if (!result || result->id < 0 || static_cast<std::size_t>(result->id) >= engine.files.size()) {
+  std::optional<JobResult> result = resultFrom(line, engine.open);
+  if (!result) {
     return std::nullopt;
   }
-  const auto file = static_cast<std::size_t>(result->id);
-  return Finished{engine.files[file].path, outFolder(engine, chunk, file), std::move(*result)};
+  const std::string number = std::to_string(result->id);
+  const std::string base = baseFolder(engine, chunk);
+  Finished finished{engine.files[static_cast<std::size_t>(result->id)].path,
+                    base + "/made/" + number, base + "/transcripts/" + number,
+                    engine.open[result->id], std::move(*result)};
+  engine.open.erase(finished.result.id);
+  return finished;
+}
+
+/// Whether nothing in what has been unpacked leads out of it: a host can pack what it likes.
+bool isPlain(const std::string& folder) {
+  std::error_code error;
+  for (auto entry = std::filesystem::recursive_directory_iterator(folder, error);
+       !error && entry != std::filesystem::recursive_directory_iterator(); entry.increment(error)) {
+    const std::filesystem::file_type type = entry->symlink_status(error).type();
+    if (type != std::filesystem::file_type::regular &&
+        type != std::filesystem::file_type::directory) {
+      return false;
+    }
+  }
+  return !error;
 }
 
 /// Unpacks what has come back of a chunk and gives its results.
-std::vector<Finished> unpackChunk(const HostEngine& engine, const std::string& chunk) {
+std::vector<Finished> unpackChunk(HostEngine& engine, const std::string& chunk) {
   std::vector<Finished> all;
+  const std::string folder = chunkFolder(engine, chunk);
   ToolStart start;
-  start.arguments = {findTool("tar"), "-xf", chunk + ".out.tar"};
+  // Nothing but the chunk's own folder, which was removed when it was sent, is made.
+  start.arguments = {findTool("tar"), "-xf", chunk + ".out.tar", chunk};
   start.folder = engine.folder;
-  const bool isWhole = runTool(start, std::chrono::hours(24)).succeeded;
-  (void)unlink((chunkFolder(engine, chunk) + ".out.tar").c_str());
-  (void)unlink((chunkFolder(engine, chunk) + ".tar").c_str());
+  const bool isWhole = runTool(start, std::chrono::hours(24)).succeeded && isPlain(folder);
+  (void)unlink((folder + ".out.tar").c_str());
+  (void)unlink((folder + ".tar").c_str());
   if (!isWhole) {
     return all;
   }
-  std::ifstream results(chunkFolder(engine, chunk) + "/results", std::ios::binary);
+  std::ifstream results(folder + "/results", std::ios::binary);
   for (std::string line; std::getline(results, line);) {
-    std::optional<Finished> finished = finishedFrom(engine, chunk, line);
-    if (!finished) {
-      continue;
+    if (std::optional<Finished> finished = finishedFrom(engine, chunk, line)) {
+      all.push_back(std::move(*finished));
     }
-    const auto file = static_cast<std::size_t>(finished->result.id);
-    const std::string transcript = transcriptPath(engine, file);
-    const std::string from = chunkFolder(engine, chunk) + "/transcripts/" + std::to_string(file);
-    // A file that could not be read at all has none.
-    (void)unlink(transcript.c_str());
-    if (makeFolders(folderOf(transcript))) {
-      (void)std::rename(from.c_str(), transcript.c_str());
-    }
-    all.push_back(std::move(*finished));
   }
   return all;
 }
@@ -188,6 +198,7 @@ std::string startEngine(HostEngine& engine, const std::string& parallel, const H
   start.arguments.insert(start.arguments.begin(), parallel);
   start.arguments.insert(start.arguments.end(), {"::::", "chunks"});
   start.environment = hostEnvironment(wish);
+  start.environment.push_back("TMPDIR=" + engine.folder);  // goes with what it leaves there
   start.folder = engine.folder;
   start.errors = ToolErrors::Shared;
   start.endSignal = SIGINT;  // ends what runs on the hosts, too
@@ -205,9 +216,13 @@ std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {
   for (std::size_t end = 0; (end = engine.pending.find('\n', start)) != std::string::npos;) {
     const std::string line = engine.pending.substr(start, end - start);
     start = end + 1;
-    if (engine.transfer && line.starts_with(kDone)) {
+    const bool isChunk = engine.transfer && line.starts_with(kDone) &&
+                         engine.chunks.erase(line.substr(kDone.size())) == 1;
+    if (isChunk) {
       std::vector<Finished> chunk = unpackChunk(engine, line.substr(kDone.size()));
       std::move(chunk.begin(), chunk.end(), std::back_inserter(all));
+    } else if (engine.transfer) {
+      continue;  // results come with their outputs
     } else if (std::optional<Finished> finished = finishedFrom(engine, "", line)) {
       all.push_back(std::move(*finished));
     }

@@ -85,8 +85,8 @@ std::vector<std::vector<std::size_t>> chunksOf(const HostLoop& loop,
 }
 
 /// Settles what has come.
-void settleSome(HostLoop& loop) {
-  for (Finished& finished : settleResults(loop.run)) {
+void settleSome(HostLoop& loop, bool isUrgent) {
+  for (Finished& finished : settleResults(loop.run, isUrgent)) {
     loop.emptied.push_back(std::move(finished.outFolder));
   }
   constexpr int kPatience = 50;
@@ -152,6 +152,8 @@ void runRound(HostLoop& loop, const std::string& folder) {
                     folder,
                     loop.run.options.transfer,
                     {},
+                    {},
+                    {},
                     {}};
   loop.run.end.problem = startEngine(engine, loop.parallel, wish, hosts, chunksOf(loop, hosts));
   bool isAlive = loop.run.end.problem.empty();
@@ -161,11 +163,11 @@ void runRound(HostLoop& loop, const std::string& folder) {
     } else {
       (void)poll(nullptr, 0, 100);  // only the state is waited for
     }
-    settleSome(loop);
+    settleSome(loop, !isAlive);
     showConversions(loop.run);
   }
   addResults(loop, stopEngine(engine));
-  settleSome(loop);
+  settleSome(loop, true);
   loop.emptied.clear();
   removeTree(folder);
 }

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <ctime>
 #include <memory>
 #include <vector>
 
@@ -21,6 +22,11 @@ struct FreeHashState {
   }
 };
 
+std::int64_t nanosecondsOf(const timespec& time) {
+  constexpr std::int64_t kNanoseconds = 1000000000;
+  return time.tv_sec * kNanoseconds + time.tv_nsec;
+}
+
 }  // namespace
 
 std::optional<InputIdentity> identityOf(const std::string& path, int& error) {
@@ -29,10 +35,18 @@ std::optional<InputIdentity> identityOf(const std::string& path, int& error) {
     error = errno;
     return std::nullopt;
   }
-  constexpr std::int64_t kNanoseconds = 1000000000;
-  return InputIdentity{status.st_size,
-                       status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec,
-                       S_ISREG(status.st_mode)};
+  return InputIdentity{status.st_size, nanosecondsOf(status.st_mtim), nanosecondsOf(status.st_ctim),
+                       static_cast<std::int64_t>(status.st_ino), S_ISREG(status.st_mode)};
+}
+
+bool isSame(const InputIdentity& a, const InputIdentity& b) {
+  return a.size == b.size && a.mtime == b.mtime && a.changed == b.changed && a.inode == b.inode;
+}
+
+std::int64_t nanosecondsNow() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return nanosecondsOf(now);
 }
 
 std::string contentHash(const std::string& path) {

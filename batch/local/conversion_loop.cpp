@@ -87,6 +87,7 @@ void noteLost(Loop& loop, const LostFile& lost) {
     return;
   }
   Finished finished;
+  finished.result.isTried = false;
   finished.input = loop.run.files[lost.file].path;
   finished.result.id = static_cast<std::int64_t>(lost.file);
   finished.result.reason = "its worker ended twice";
@@ -97,14 +98,17 @@ void noteLost(Loop& loop, const LostFile& lost) {
   loop.run.unsettled.push_back(std::move(finished));
 }
 
-/// Settles what has come, and lets its workers go on. A state that cannot be written is tried
-/// again: what is under way leaves room on a full disk when it ends.
+/// Settles what has come, if it is time. A state that cannot be written is tried again: what is
+/// under way leaves room on a full disk when it ends.
 void settleAndRelease(Loop& loop) {
-  for (const Finished& finished : settleResults(loop.run)) {
-    release(loop.pool, static_cast<std::size_t>(finished.result.id));
+  const bool isAllThere = countBusy(loop.pool) == 0 && (!hasFilesLeft(loop) || !mayBegin(loop));
+  for (const Finished& finished : settleResults(loop.run, isAllThere)) {
+    if (!finished.outFolder.empty()) {
+      release(loop.pool, finished);
+    }
   }
   constexpr int kPatience = 10;
-  if (loop.run.refusals > kPatience && countConverting(loop.pool) == 0) {
+  if (loop.run.refusals > kPatience && countBusy(loop.pool) == 0) {
     giveUpOnState(loop.run);
   }
 }
@@ -129,7 +133,7 @@ LoopEnd convertFiles(const Options& options, StateHandle& state, const RunContex
   // A worker that has ended is noticed by the end of its results.
   std::signal(SIGPIPE, SIG_IGN);
   Loop loop{.run = beginConversions(options, state, context, files, summary),
-            .pool = {context.places, context.base, options.settings, {}, 0},
+            .pool = {context.places, context.base, options.settings, {}, {}, 0},
             .again = {},
             .lostBefore = {}};
   while (!isOver(loop.run) &&
@@ -145,6 +149,9 @@ LoopEnd convertFiles(const Options& options, StateHandle& state, const RunContex
     settleAndRelease(loop);
   }
   stopPool(loop.pool);
+  if (loop.run.end.problem.empty()) {
+    (void)settleResults(loop.run, true);  // what has come before a signal
+  }
   noteLargest(loop);
   endConversions(loop.run);
   return loop.run.end;

@@ -13,14 +13,16 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void noteSettled(Conversions& conversions, const FileRecord& record, const Finished& finished) {
-  addToSummary(conversions.summary, record);
+void noteSettled(Conversions& conversions, const Settled& settled, const Finished& finished) {
+  addToSummary(conversions.summary, settled);
   ++conversions.progress.done;
   conversions.progress.doneBytes +=
       conversions.files[static_cast<std::size_t>(finished.result.id)].size;
-  if (record.status != FileStatus::Converted) {
+  if (settled.isKept) {
+    showMessage(conversions.display, "not looked at: " + keptLine(settled));
+  } else if (settled.record.status != FileStatus::Converted) {
     ++conversions.progress.failed;
-    showMessage(conversions.display, "failed: " + failureLine(record));
+    showMessage(conversions.display, "failed: " + failureLine(settled.record));
   }
 }
 
@@ -43,6 +45,7 @@ Conversions beginConversions(const Options& options, StateHandle& state, const R
                           .display = {},
                           .start = Clock::now(),
                           .unsettled = {},
+                          .settledAt = Clock::now(),
                           .end = {}};
   conversions.display.isLine = options.bar || isatty(STDERR_FILENO) == 1;
   conversions.progress.files = static_cast<std::int64_t>(files.size());
@@ -63,19 +66,24 @@ void takeSignal(Conversions& conversions) {
   }
 }
 
-std::vector<Finished> settleResults(Conversions& conversions) {
-  if (conversions.unsettled.empty()) {
+std::vector<Finished> settleResults(Conversions& conversions, bool isUrgent) {
+  constexpr std::size_t kEnough = 256;
+  constexpr std::chrono::seconds kLongEnough(1);
+  const bool isTime = isUrgent || conversions.unsettled.size() >= kEnough ||
+                      Clock::now() - conversions.settledAt >= kLongEnough;
+  if (conversions.unsettled.empty() || !isTime) {
     return {};
   }
-  const std::vector<FileRecord> records =
+  const std::vector<Settled> all =
       settle(conversions.state, conversions.context, conversions.unsettled);
-  if (records.empty()) {
+  conversions.settledAt = Clock::now();
+  if (all.empty()) {
     ++conversions.refusals;
     return {};
   }
   conversions.refusals = 0;
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    noteSettled(conversions, records[i], conversions.unsettled[i]);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    noteSettled(conversions, all[i], conversions.unsettled[i]);
   }
   return std::exchange(conversions.unsettled, {});
 }

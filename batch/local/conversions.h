@@ -33,7 +33,8 @@ struct Conversions {
   ProgressDisplay display;
   std::chrono::steady_clock::time_point start;
   std::vector<Finished> unsettled;  ///< results that the state does not know yet
-  int refusals = 0;                 ///< of the state, one after the other
+  std::chrono::steady_clock::time_point settledAt;
+  int refusals = 0;  ///< of the state, one after the other
   LoopEnd end;
 };
 
@@ -47,11 +48,12 @@ bool isOver(const Conversions& conversions);
 /// Notes the signal that has come, if one has.
 void takeSignal(Conversions& conversions);
 
-/// Settles what has come, and tells of failures. A state that cannot be written, as on a full disk,
-/// counts as a refusal, and the results stay for the next time.
+/// Settles what has come, and tells of failures. Many results are settled together, for each time the
+/// disk is waited for; `isUrgent`: these, too, however few they are. A state that cannot be
+/// written, as on a full disk, counts as a refusal, and the results stay for the next time.
 ///
 /// Gives   what is settled now: its folders are free.
-std::vector<Finished> settleResults(Conversions& conversions);
+std::vector<Finished> settleResults(Conversions& conversions, bool isUrgent);
 
 /// Ends the run because the state refuses to be written.
 void giveUpOnState(Conversions& conversions);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "batch/system/folder.h"
+
 namespace plenvorith {
 namespace {
 
@@ -20,7 +22,7 @@ std::optional<std::size_t> findIdle(WorkerPool& pool, int most) {
   if (unused == pool.workers.end() && pool.workers.size() >= static_cast<std::size_t>(most)) {
     return std::nullopt;
   }
-  auto process = startWorker(pool.places.run + '/' + std::to_string(++pool.started));
+  auto process = startWorker();
   if (!process) {
     return std::nullopt;
   }
@@ -32,19 +34,24 @@ std::optional<std::size_t> findIdle(WorkerPool& pool, int most) {
   return pool.workers.size() - 1;
 }
 
-std::string outFolderOf(const WorkerProcess& worker) {
-  return worker.folder + "/out";
+std::string takeFolder(WorkerPool& pool) {
+  if (pool.freeFolders.empty()) {
+    return pool.places.run + '/' + std::to_string(++pool.folders);
+  }
+  std::string folder = std::move(pool.freeFolders.back());
+  pool.freeFolders.pop_back();
+  return folder;
 }
 
-Job jobFor(const WorkerPool& pool, const WorkerProcess& worker, const InputFile& input,
+Job jobFor(const WorkerPool& pool, const std::string& folder, const InputFile& input,
            std::size_t file) {
   Job job;
   job.id = static_cast<std::int64_t>(file);
   job.input = input.path;
-  job.outFolder = outFolderOf(worker);
-  job.temporaryFolder = worker.folder + "/tmp";
-  job.outputName = outputNameFor(input.path, pool.settings);
-  job.transcript = pool.places.state + '/' + transcriptFor(nameBelow(pool.base, input.path));
+  job.outFolder = folder + "/out";
+  job.temporaryFolder = folder + "/tmp";
+  job.outputName = workNameFor(input.path, pool.settings);
+  job.transcript = folder + "/transcript";
   job.settings = pool.settings;
   return job;
 }
@@ -58,10 +65,10 @@ bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int mos
   }
   PoolWorker& worker = pool.workers[*index];
   worker.file = file;
-  worker.hasResult = false;
+  worker.folder = takeFolder(pool);
   // If the worker has ended, the end of its results tells.
   (void)writeAll(worker.process.jobs.get(),
-                 lineFrom(jobFor(pool, worker.process, input, file)) + '\n');
+                 lineFrom(jobFor(pool, worker.folder, input, file)) + '\n');
   return true;
 }
 
@@ -77,12 +84,6 @@ int countBusy(const WorkerPool& pool) {
                     [](const PoolWorker& worker) { return worker.file.has_value(); }));
 }
 
-int countConverting(const WorkerPool& pool) {
-  return static_cast<int>(
-      std::count_if(pool.workers.begin(), pool.workers.end(),
-                    [](const PoolWorker& worker) { return worker.file && !worker.hasResult; }));
-}
-
 PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& ready,
                           const std::vector<InputFile>& files) {
   PoolEvents events;
@@ -90,17 +91,21 @@ PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& read
     PoolWorker& worker = pool.workers[index];
     bool isAlive = true;
     for (const std::string& line : receiveLines(worker.process, isAlive)) {
-      std::optional<JobResult> result = resultFrom(line);
-      if (result && worker.file && !worker.hasResult &&
-          result->id == static_cast<std::int64_t>(*worker.file)) {
+      OpenJobs open;
+      if (worker.file) {
+        open[static_cast<std::int64_t>(*worker.file)] =
+            workNameFor(files[*worker.file].path, pool.settings);
+      }
+      if (std::optional<JobResult> result = resultFrom(line, open)) {
+        const Job job = jobFor(pool, worker.folder, files[*worker.file], *worker.file);
         events.finished.push_back(
-            {files[*worker.file].path, outFolderOf(worker.process), std::move(*result)});
-        worker.hasResult = true;
+            {job.input, job.outFolder, job.transcript, job.outputName, std::move(*result)});
+        worker.file.reset();
       }
     }
     if (!isAlive) {
       const int signal = buryWorker(worker.process);
-      if (worker.file && !worker.hasResult) {
+      if (worker.file) {
         events.lost.push_back({*worker.file, signal});
         worker.file.reset();
       }
@@ -109,12 +114,8 @@ PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& read
   return events;
 }
 
-void release(WorkerPool& pool, std::size_t file) {
-  for (PoolWorker& worker : pool.workers) {
-    if (worker.file == file) {
-      worker.file.reset();
-    }
-  }
+void release(WorkerPool& pool, const Finished& finished) {
+  pool.freeFolders.push_back(folderOf(finished.outFolder));
 }
 
 void stopPool(WorkerPool& pool) {

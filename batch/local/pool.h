@@ -19,7 +19,7 @@ namespace plenvorith {
 struct PoolWorker {
   WorkerProcess process;
   std::optional<std::size_t> file;  ///< index of the input; none if it is idle
-  bool hasResult = false;           ///< of that file, which is still to be settled
+  std::string folder;               ///< of its job
 };
 
 /// The workers of this machine.
@@ -28,7 +28,8 @@ struct WorkerPool {
   std::string base;
   ConversionSettings settings;
   std::vector<PoolWorker> workers;
-  int started = 0;  ///< so many so far; no two of them have the same folder
+  std::vector<std::string> freeFolders;  ///< for jobs, whose outputs have been taken
+  int folders = 0;                       ///< so many so far; no two have the same name
 };
 
 /// A file that got no result: its worker has ended.
@@ -53,15 +54,13 @@ bool hasIdle(const WorkerPool& pool, int most);
 /// The number of workers that are not idle.
 int countBusy(const WorkerPool& pool);
 
-/// The number of these that have no result yet.
-int countConverting(const WorkerPool& pool);
-
-/// Takes what has come from the workers with these indexes. A worker stays busy until `release`.
+/// Takes what has come from the workers with these indexes. A job's folder is not used again until
+/// `release`: its worker goes on in another one meanwhile.
 PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& ready,
                           const std::vector<InputFile>& files);
 
-/// Makes the worker of a file idle, if it has one: the outputs have been taken.
-void release(WorkerPool& pool, std::size_t file);
+/// Gives back the folder of a job whose outputs have been taken.
+void release(WorkerPool& pool, const Finished& finished);
 
 /// Ends all workers, and what they have under way.
 void stopPool(WorkerPool& pool);

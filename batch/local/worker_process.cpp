@@ -65,7 +65,7 @@ bool hasEnded(WorkerProcess& worker) {
 
 }  // namespace
 
-std::optional<WorkerProcess> startWorker(const std::string& folder) {
+std::optional<WorkerProcess> startWorker() {
   auto jobs = makePipe();
   auto results = makePipe();
   if (!jobs || !results) {
@@ -78,7 +78,6 @@ std::optional<WorkerProcess> startWorker(const std::string& folder) {
   }
   worker.jobs = std::move(jobs->second);
   worker.results = std::move(results->first);
-  worker.folder = folder;
   return worker;
 }
 

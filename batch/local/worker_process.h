@@ -17,12 +17,11 @@ struct WorkerProcess {
   Descriptor jobs;      ///< where it gets them
   Descriptor results;   ///< where they come from
   std::string pending;  ///< the beginning of a result
-  std::string folder;   ///< for its jobs
 };
 
 /// Starts this program again as a worker, in a process group of its own: what is meant for the
 /// driver, as an interruption from the keyboard, does not reach it. Nothing if the system refuses.
-std::optional<WorkerProcess> startWorker(const std::string& folder);
+std::optional<WorkerProcess> startWorker();
 
 /// Takes what has come from a worker and gives the whole lines of it; `isAlive` is set to whether
 /// more may come.

@@ -26,7 +26,9 @@ struct FileRecord {
   std::optional<int> exitStatus;  ///< of the conversion, if it ended by itself
   std::optional<int> signal;      ///< that ended the conversion
   std::int64_t size = 0;          ///< bytes of the input when it was converted
-  std::int64_t mtime = 0;         ///< its time of change, nanoseconds since 1970
+  std::int64_t mtime = 0;         ///< its time of change, nanoseconds since 1970; -1: says nothing
+  std::int64_t changed = -1;      ///< time of change of its status, likewise
+  std::int64_t inode = -1;        ///< what the file system knows it by; -1: not known
   std::string hash;               ///< 16 bytes, of its content; empty for what cannot be read twice
   std::string settings;           ///< all that decides what is made of it, as one text
   std::string program;            ///< name and version of program and kernel
@@ -36,7 +38,6 @@ struct FileRecord {
   std::int64_t peakMemory = 0;   ///< bytes, resident
   std::optional<Bounds> bounds;  ///< of the STL outputs, if they hold a triangle
   std::string host;
-  std::string transcript;  ///< path below the state's folder; any bytes
   /// All files in the output folder that may come from this input, whatever the status.
   std::vector<OutputRecord> outputs;
 };

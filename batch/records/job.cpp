@@ -1,6 +1,8 @@
 #include "batch/records/job.h"
 
+#include <cmath>
 #include <string_view>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -58,10 +60,13 @@ void get(const Json& object, const char* name, bool& value) {
   }
 }
 
+/// A time in seconds.
 void get(const Json& object, const char* name, double& value) {
+  constexpr double kLongest = 1e12;
   const auto found = object.find(name);
-  if (found != object.end() && found->is_number()) {
-    value = found->get<double>();
+  const double number = found != object.end() && found->is_number() ? found->get<double>() : -1.0;
+  if (number >= 0.0 && number < kLongest) {
+    value = number;
   }
 }
 
@@ -75,8 +80,11 @@ void get(const Json& object, const char* name, std::int64_t& value) {
 
 void get(const Json& object, const char* name, std::optional<int>& value) {
   const auto found = object.find(name);
-  if (found != object.end() && found->is_number_integer()) {
-    value = found->get<int>();
+  // The status of a process, or a signal.
+  const std::int64_t number =
+      found != object.end() && found->is_number_integer() ? found->get<std::int64_t>() : -1;
+  if (number >= 0 && number < 256) {
+    value = static_cast<int>(number);
   }
 }
 
@@ -108,9 +116,31 @@ std::optional<Bounds> boundsOf(const Json& object) {
   Bounds bounds;
   for (std::size_t i = 0; i < 6; ++i) {
     const Json& number = (*found)[i];
-    (i < 3 ? bounds.low : bounds.high)[i % 3] = number.is_number() ? number.get<double>() : 0.0;
+    const double value = number.is_number() ? number.get<double>() : NAN;
+    if (!std::isfinite(value)) {
+      return std::nullopt;
+    }
+    (i < 3 ? bounds.low : bounds.high)[i % 3] = value;
   }
   return bounds;
+}
+
+/// The outputs in a result; nothing if one of them cannot come from a job that was asked for `name`.
+std::optional<std::vector<OutputRecord>> outputsOf(const Json& object, const std::string& name) {
+  std::vector<OutputRecord> outputs;
+  const auto found = object.find("outputs");
+  for (const Json& output : found == object.end() ? Json::array() : *found) {
+    OutputRecord record;
+    record.size = -1;
+    get(output, "path", record.path);
+    get(output, "size", record.size);
+    if (!record.path.starts_with(name) || record.path.find('/') != std::string::npos ||
+        record.path.find('\0') != std::string::npos || record.size < 0) {
+      return std::nullopt;
+    }
+    outputs.push_back(std::move(record));
+  }
+  return outputs;
 }
 
 }  // namespace
@@ -163,10 +193,14 @@ std::string lineFrom(const JobResult& result) {
   Json object = {{"protocol", kProtocol},
                  {"id", result.id},
                  {"converted", result.isConverted},
+                 {"tried", result.isTried},
                  {"reason", textFrom(result.reason)},
                  {"lastLine", textFrom(result.lastLine)},
                  {"size", result.size},
                  {"mtime", result.mtime},
+                 {"changed", result.changed},
+                 {"inode", result.inode},
+                 {"started", result.started},
                  {"hash", textFrom(result.hash)},
                  {"triangles", result.triangles},
                  {"seconds", result.seconds},
@@ -201,20 +235,29 @@ std::string lineFrom(const std::vector<ShapeName>& names) {
   return lineOf(shapes);
 }
 
-std::optional<JobResult> resultFrom(const std::string& line) {
+std::optional<JobResult> resultFrom(const std::string& line, const OpenJobs& open) {
   const std::optional<Json> object = objectFrom(line);
   if (!object || !object->contains("converted")) {
     return std::nullopt;
   }
   JobResult result;
+  result.id = -1;
   get(*object, "id", result.id);
+  const auto job = open.find(result.id);
+  if (job == open.end()) {
+    return std::nullopt;
+  }
   get(*object, "converted", result.isConverted);
+  get(*object, "tried", result.isTried);
   get(*object, "reason", result.reason);
   get(*object, "lastLine", result.lastLine);
   get(*object, "exitStatus", result.exitStatus);
   get(*object, "signal", result.signal);
   get(*object, "size", result.size);
   get(*object, "mtime", result.mtime);
+  get(*object, "changed", result.changed);
+  get(*object, "inode", result.inode);
+  get(*object, "started", result.started);
   get(*object, "hash", result.hash);
   get(*object, "triangles", result.triangles);
   get(*object, "seconds", result.seconds);
@@ -222,13 +265,11 @@ std::optional<JobResult> resultFrom(const std::string& line) {
   get(*object, "peakMemory", result.peakMemory);
   get(*object, "host", result.host);
   result.bounds = boundsOf(*object);
-  if (const auto outputs = object->find("outputs"); outputs != object->end()) {
-    for (const Json& output : *outputs) {
-      OutputRecord& record = result.outputs.emplace_back();
-      get(output, "path", record.path);
-      get(output, "size", record.size);
-    }
+  std::optional<std::vector<OutputRecord>> outputs = outputsOf(*object, job->second);
+  if (!outputs || (result.isConverted && outputs->empty())) {
+    return std::nullopt;
   }
+  result.outputs = std::move(*outputs);
   return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,13 +28,18 @@ struct Job {
 struct JobResult {
   std::int64_t id = 0;
   bool isConverted = false;
+  /// Whether the file is the reason: not where it could not be read, or where there was no room.
+  bool isTried = true;
   std::string reason;  ///< why it failed, or what is doubtful about it
   std::string lastLine;
   std::optional<int> exitStatus;
   std::optional<int> signal;
-  std::int64_t size = 0;   ///< of the input
-  std::int64_t mtime = 0;  ///< of the input, nanoseconds since 1970
-  std::string hash;        ///< of the input
+  std::int64_t size = 0;      ///< of the input
+  std::int64_t mtime = 0;     ///< of the input, nanoseconds since 1970
+  std::int64_t changed = -1;  ///< time of change of its status, likewise
+  std::int64_t inode = -1;
+  std::int64_t started = 0;  ///< when the conversion began, nanoseconds since 1970
+  std::string hash;          ///< of the input
   std::int64_t triangles = 0;
   std::optional<Bounds> bounds;
   double seconds = 0.0;
@@ -62,8 +68,18 @@ std::string lineFrom(const JobResult& result);
 /// All names as one line, in the same form.
 std::string lineFrom(const std::vector<ShapeName>& names);
 
-/// The other way; nothing for a line that is none of these.
+/// The other way; nothing for a line that is none.
 std::optional<Job> jobFrom(const std::string& line);
-std::optional<JobResult> resultFrom(const std::string& line);
+
+/// The jobs that are out: the name of the output that each was asked for, by its id.
+using OpenJobs = std::map<std::int64_t, std::string>;
+
+/// The result in a line that has come over a pipe or from a host, which may say anything. This is
+/// the only place where it is checked.
+///
+/// Gives   nothing for a line that is no result, that has an id of no open job, or that names an
+///         output which is no plain name beginning with that of its job; values of the wrong kind
+///         or size count as missing.
+std::optional<JobResult> resultFrom(const std::string& line, const OpenJobs& open);
 
 }  // namespace plenvorith

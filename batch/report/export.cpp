@@ -41,7 +41,6 @@ Json objectFrom(const FileRecord& file) {
   object["host"] = portable(file.host);
   object["program"] = portable(file.program);
   object["settings"] = portable(file.settings);
-  object["transcript"] = portable(file.transcript);
   object["outputs"] = Json::array();
   for (const OutputRecord& output : file.outputs) {
     object["outputs"].push_back({{"path", portable(output.path)}, {"size", output.size}});

@@ -3,15 +3,12 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <optional>
 #include <string>
-#include <system_error>
 
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,39 +23,12 @@ namespace {
 // Half a minute draws a mesh of ten million triangles.
 constexpr std::chrono::seconds kLimit{30};
 
-/// A folder of its own that goes with all that is in it at the end of the scope.
-class WorkFolder {
- public:
-  WorkFolder() {
-    std::error_code ignored;
-    std::string pattern = std::filesystem::temp_directory_path(ignored) / "plenvorith-XXXXXX";
-    if (mkdtemp(pattern.data()) != nullptr) {
-      path_ = pattern + '/';
-    }
-  }
-  ~WorkFolder() {
-    std::error_code ignored;
-    if (!path_.empty()) {
-      std::filesystem::remove_all(path_, ignored);
-    }
-  }
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
-
-  const std::string& path() const {
-    return path_;
-  }
-
- private:
-  std::string path_;
-};
-
 /// A name without surprises for the output of a task: the tools get that.
-std::string aliasOf(const WorkFolder& work, std::size_t number) {
-  return work.path() + std::to_string(number) + ".stl";
+std::string aliasOf(const std::string& work, std::size_t number) {
+  return work + '/' + std::to_string(number) + ".stl";
 }
 
-bool makeAlias(const WorkFolder& work, const std::string& folder, const std::string& path,
+bool makeAlias(const std::string& work, const std::string& folder, const std::string& path,
                std::size_t number) {
   return symlink((folder + path).c_str(), aliasOf(work, number).c_str()) == 0;
 }
@@ -117,7 +87,7 @@ bool runOnAll(InspectionsHandle& inspections, const std::vector<OutputRecord>& m
   return endKeeping(inspections) && isKept;
 }
 
-bool checkAll(InspectionsHandle& inspections, const std::string& folder,
+bool checkAll(InspectionsHandle& inspections, const std::string& folder, const std::string& work,
               const std::vector<OutputRecord>& meshes, const InspectionWish& wish,
               const std::function<bool()>& isInterrupted) {
   const std::string admesh = findTool("admesh");
@@ -125,7 +95,6 @@ bool checkAll(InspectionsHandle& inspections, const std::string& folder,
     std::cerr << "plenvorith-batch: no --check without admesh (Debian package admesh)" << std::endl;
     return true;
   }
-  const WorkFolder work;
   const auto startOf = [&](std::size_t number) {
     (void)makeAlias(work, folder, meshes[number].path, number);  // the tool fails without it
     // Edges that match to the last bit only: a finished mesh has no others.
@@ -187,7 +156,7 @@ std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-bool drawAll(InspectionsHandle& inspections, const std::string& folder,
+bool drawAll(InspectionsHandle& inspections, const std::string& folder, const std::string& work,
              const std::vector<OutputRecord>& meshes, const InspectionWish& wish,
              const std::function<bool()>& isInterrupted) {
   const std::string viewer = findTool("f3d");
@@ -204,7 +173,6 @@ bool drawAll(InspectionsHandle& inspections, const std::string& folder,
     endTool(serverProcess);
     return true;
   }
-  const WorkFolder work;
   const auto startOf = [&](std::size_t number) {
     (void)makeAlias(work, folder, meshes[number].path, number);  // the tool fails without it
     return drawing(viewer, display, aliasOf(work, number));
@@ -228,8 +196,8 @@ bool drawAll(InspectionsHandle& inspections, const std::string& folder,
 }  // namespace
 
 bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,
-                    const std::vector<OutputRecord>& outputs, const InspectionWish& wish,
-                    const std::function<bool()>& isInterrupted) {
+                    const std::string& workFolder, const std::vector<OutputRecord>& outputs,
+                    const InspectionWish& wish, const std::function<bool()>& isInterrupted) {
   std::vector<OutputRecord> toCheck;
   std::vector<OutputRecord> toDraw;
   bool isKept = beginKeeping(inspections);
@@ -252,10 +220,10 @@ bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,
   }
   isKept = endKeeping(inspections) && isKept;
   if (!toCheck.empty()) {
-    isKept = isKept && checkAll(inspections, folder, toCheck, wish, isInterrupted);
+    isKept = isKept && checkAll(inspections, folder, workFolder, toCheck, wish, isInterrupted);
   }
   if (!toDraw.empty() && !isInterrupted()) {
-    isKept = isKept && drawAll(inspections, folder, toDraw, wish, isInterrupted);
+    isKept = isKept && drawAll(inspections, folder, workFolder, toDraw, wish, isInterrupted);
   }
   return isKept;
 }

@@ -19,13 +19,14 @@ struct InspectionWish {
 
 /// Inspects the STL files that have changed since they were inspected.
 ///
-/// Takes   the output folder, with a slash at its end, the outputs, and whether to stop early.
+/// Takes   the output folder, with a slash at its end, a folder for the work of the tools alone, the
+///         outputs, and whether to stop early.
 /// Prints  the progress and, as they come, the files that a tool gave nothing for and why, on standard
 ///         error; how many files it has looked at in which time, on standard output.
 /// Errors  false if the results could not be kept. A tool that fails, or needs more than half a
 ///         minute, leaves a file without its result; it is not tried again on the same file.
 bool inspectOutputs(InspectionsHandle& inspections, const std::string& folder,
-                    const std::vector<OutputRecord>& outputs, const InspectionWish& wish,
-                    const std::function<bool()>& isInterrupted);
+                    const std::string& workFolder, const std::vector<OutputRecord>& outputs,
+                    const InspectionWish& wish, const std::function<bool()>& isInterrupted);
 
 }  // namespace plenvorith

@@ -55,11 +55,27 @@ bool inspectAll(const Options& options, StateHandle& state, const Places& places
   const InspectionWish wish{options.checks, options.pictures,
                             static_cast<std::size_t>(options.jobs),
                             options.bar || isatty(STDERR_FILENO) == 1};
-  return isRead && inspectOutputs(inspections, places.output + '/', outputs, wish, isInterrupted);
+  return isRead &&
+         inspectOutputs(inspections, places.output + '/', places.run, outputs, wish, isInterrupted);
 }
 
-ReportFile reportedFile(const FileRecord& record, InspectionsHandle* inspections) {
+/// The last lines of a transcript.
+std::string endOfTranscript(std::string transcript) {
+  constexpr std::size_t kShown = 2000;
+  if (transcript.size() <= kShown) {
+    return transcript;
+  }
+  transcript.erase(0, transcript.size() - kShown);
+  return transcript.substr(transcript.find('\n') + 1);
+}
+
+ReportFile reportedFile(StateHandle& state, const FileRecord& record,
+                        InspectionsHandle* inspections) {
   ReportFile file{record, {}, record.lastLine};
+  if (record.status != FileStatus::Converted) {
+    file.transcriptEnd =
+        endOfTranscript(findTranscript(state, record.path).value_or(record.lastLine));
+  }
   for (const OutputRecord& output : record.outputs) {
     file.inspections.push_back(inspections != nullptr ? findInspection(*inspections, output.path)
                                                       : Inspection());
@@ -110,7 +126,7 @@ bool reportState(const Options& options, StateHandle& state, const Places& place
   const ReportHead head{aboutRuns(runs), runs.empty() ? "" : runs.back().base, totalsOf(state), {}};
   const bool isWritten = writeReport(path, head, [&](const auto& visit) {
     return forEachFileToShow(state, kMostRows, [&](const FileRecord& record) {
-      visit(reportedFile(record, inspections.get()));
+      visit(reportedFile(state, record, inspections.get()));
     });
   });
   if (isWritten) {

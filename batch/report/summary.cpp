@@ -21,12 +21,13 @@ void printCount(const char* what, std::int64_t count) {
   }
 }
 
-void printProblems(const FoundFiles& found) {
-  if (!found.problems.empty()) {
-    std::cout << "Not looked at: " << found.problems.size() << std::endl;
+void printProblems(const FoundFiles& found, const std::vector<std::string>& kept) {
+  if (!found.problems.empty() || !kept.empty()) {
+    std::cout << "Not looked at: " << found.problems.size() + kept.size() << std::endl;
     for (const std::string& problem : found.problems) {
       std::cout << "  " << printable(problem) << std::endl;
     }
+    printLines(kept);
   }
 }
 
@@ -49,7 +50,12 @@ std::string skippedText(const std::string& what, const Skipped& skipped) {
   return isAll ? text : text + ", ...";
 }
 
-void addToSummary(Summary& summary, const FileRecord& record) {
+void addToSummary(Summary& summary, const Settled& settled) {
+  const FileRecord& record = settled.record;
+  if (settled.isKept) {
+    summary.kept.push_back(keptLine(settled));
+    return;
+  }
   if (record.status != FileStatus::Converted) {
     summary.failures.push_back(failureLine(record));
     return;
@@ -66,17 +72,23 @@ std::string failureLine(const FileRecord& record) {
          reasonWithLine(printable(record.reason), printable(record.lastLine));
 }
 
+std::string keptLine(const Settled& settled) {
+  return printable(settled.record.path) + ": " + printable(settled.obstacle) +
+         "; what was converted before stays";
+}
+
 void printPlan(const Summary& summary, const FoundFiles& found) {
   std::cout << "To convert: " << summary.files << std::endl;
   printCount("Converted before: ", summary.convertedBefore);
-  printProblems(found);
+  printProblems(found, {});
   printSkipped(found);
 }
 
 bool printSummary(const Summary& summary, const FoundFiles& found, double seconds,
                   const std::string& stateFolder) {
   const auto failed = static_cast<std::int64_t>(summary.failures.size());
-  const std::int64_t lost = summary.files - summary.converted - failed;
+  const auto kept = static_cast<std::int64_t>(summary.kept.size());
+  const std::int64_t lost = summary.files - summary.converted - failed - kept;
   std::cout << "Converted: " << summary.converted << " (" << summary.triangles << " triangles)"
             << std::endl;
   printCount("Converted before: ", summary.convertedBefore);
@@ -87,11 +99,11 @@ bool printSummary(const Summary& summary, const FoundFiles& found, double second
   std::cout << "Failed: " << failed << std::endl;
   printLines(summary.failures);
   printCount("Without a result: ", lost);
-  printProblems(found);
+  printProblems(found, summary.kept);
   printSkipped(found);
   std::cout << "Time: " << fixedText(seconds, 0) << " s" << std::endl;
   std::cout << "State and transcripts: " << stateFolder << std::endl;
-  return failed == 0 && lost == 0 && found.problems.empty();
+  return failed == 0 && lost == 0 && kept == 0 && found.problems.empty();
 }
 
 }  // namespace plenvorith

@@ -6,14 +6,14 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <set>
 #include <utility>
 
-#include <sys/stat.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "batch/inputs/input_identity.h"
+#include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
 
 namespace plenvorith {
@@ -44,23 +44,20 @@ std::vector<OutputRecord> joined(std::vector<OutputRecord> outputs,
 }
 
 /// Where the outputs of a result go, below the output folder.
-std::vector<OutputRecord> placedOutputs(const JobResult& result, const std::string& name) {
-  const std::string folder = name.substr(0, name.rfind('/') + 1);
-  std::vector<OutputRecord> outputs = result.outputs;
+std::vector<OutputRecord> placedOutputs(const RunContext& context, const Finished& finished) {
+  const std::string right = nameBelow(context.base, finished.input) + '.' + context.extension;
+  std::vector<OutputRecord> outputs = finished.result.outputs;
   for (OutputRecord& output : outputs) {
-    output.path.insert(0, folder);
+    output.path.replace(0, finished.outputName.size(), right);
   }
   return outputs;
 }
 
-/// Whether a time of change says nothing: a further change might leave it as it is, or the clock
-/// was wrong.
-bool isTooYoung(std::int64_t mtime) {
-  constexpr std::int64_t kNanoseconds = 1000000000;
-  constexpr std::int64_t kTick = 2 * kNanoseconds;  // that of the coarsest file systems
-  timespec now{};
-  clock_gettime(CLOCK_REALTIME, &now);
-  return mtime > now.tv_sec * kNanoseconds + now.tv_nsec - kTick;
+/// Whether a time of change says nothing of a file that was looked at then: a further change might
+/// leave it as it is, or the clock was wrong.
+bool isTooYoung(std::int64_t mtime, std::int64_t lookedAt) {
+  constexpr std::int64_t kTick = 2000000000;  // that of the coarsest file systems, in nanoseconds
+  return mtime > lookedAt - kTick;
 }
 
 /// What stands for a time that says nothing.
@@ -78,7 +75,9 @@ FileRecord recordOf(const RunContext& context, const Finished& finished) {
   record.exitStatus = result.exitStatus;
   record.signal = result.signal;
   record.size = result.size;
-  record.mtime = isTooYoung(result.mtime) ? kUnknownTime : result.mtime;
+  record.mtime = isTooYoung(result.mtime, result.started) ? kUnknownTime : result.mtime;
+  record.changed = result.changed;
+  record.inode = result.inode;
   record.hash = result.hash;
   record.settings = context.settings;
   record.program = context.program;
@@ -88,7 +87,6 @@ FileRecord recordOf(const RunContext& context, const Finished& finished) {
   record.peakMemory = result.peakMemory;
   record.bounds = result.bounds;
   record.host = result.host;
-  record.transcript = transcriptFor(record.name);
   return record;
 }
 
@@ -96,20 +94,51 @@ FileRecord recordOf(const RunContext& context, const Finished& finished) {
 struct Settling {
   FileRecord record;                  ///< its outputs are all that may be there
   std::vector<OutputRecord> outputs;  ///< those that will stay
+  std::string transcript;
+  bool isKept = false;  ///< the state has the record already, and nothing is to be done
+  std::string obstacle;
 };
 
-bool putAll(StateHandle& state, const std::vector<Settling>& all) {
+Settling settlingOf(StateHandle& state, const RunContext& context, const Finished& finished) {
+  Settling settling{.record = recordOf(context, finished), .outputs = {}, .transcript = {}};
+  std::optional<FileRecord> before = findFile(state, finished.input);
+  if (!finished.result.isTried && before && !before->outputs.empty()) {
+    settling.obstacle = finished.result.reason;
+    settling.record = std::move(*before);
+    settling.isKept = true;
+    return settling;
+  }
+  constexpr std::size_t kMostOfTranscript = std::size_t{1} << 20;
+  const Descriptor transcript(open(finished.transcript.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+  settling.transcript = readEnds(transcript.get(), kMostOfTranscript);
+  settling.outputs = placedOutputs(context, finished);
+  settling.record.outputs =
+      joined(settling.outputs, before ? before->outputs : std::vector<OutputRecord>());
+  return settling;
+}
+
+/// `withTranscripts`: those are put, too.
+bool putAll(StateHandle& state, const std::vector<Settling>& all, bool withTranscripts) {
   if (!beginChanges(state)) {
     return false;
   }
   const bool isPut = std::all_of(all.begin(), all.end(), [&](const Settling& settling) {
-    return putFile(state, settling.record);
+    return settling.isKept ||
+           (putFile(state, settling.record) &&
+            (!withTranscripts || putTranscript(state, settling.record.path, settling.transcript)));
   });
   if (!isPut) {
     dropChanges(state);
     return false;
   }
   return commitChanges(state);
+}
+
+/// Waits until all that was written to the output folder's disk is on it. One call for many files:
+/// to wait for each of them would cost a multiple of their conversion.
+bool waitForDisk(const Places& places) {
+  const Descriptor folder(open(places.output.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return folder.isOpen() && syncfs(folder.get()) == 0;
 }
 
 std::string moveProblem(int error, const std::string& path) {
@@ -136,15 +165,24 @@ std::string moveOutputs(const Places& places, const Finished& finished, const Se
   return {};
 }
 
-/// Removes files that may be there, other than those that stay, this input's or another's.
-void removeOutputs(const Places& places, const std::vector<OutputRecord>& outputs,
-                   const std::set<std::string>& staying) {
+/// Removes files that may be there, other than those that stay, this input's or another's. Gives
+/// those that cannot be removed now.
+std::vector<OutputRecord> removeOutputs(const Places& places,
+                                        const std::vector<OutputRecord>& outputs,
+                                        const std::set<std::string>& staying) {
+  std::vector<OutputRecord> stuck;
   for (const OutputRecord& output : outputs) {
     const std::string path = inOutputFolder(places, output.path);
-    if (!staying.contains(output.path) && unlink(path.c_str()) == 0) {
+    if (staying.contains(output.path)) {
+      continue;
+    }
+    if (unlink(path.c_str()) == 0) {
       removeEmptyFolders(places.output, path);
+    } else if (errno != ENOENT && errno != ENOTDIR && errno != EISDIR && errno != ENAMETOOLONG) {
+      stuck.push_back(output);
     }
   }
+  return stuck;
 }
 
 /// Moves what a conversion made to its places, or finds that it has failed after all.
@@ -168,41 +206,49 @@ void carryOut(const Places& places, const std::vector<Finished>& finished,
               std::vector<Settling>& all) {
   std::set<std::string> staying;
   for (std::size_t i = 0; i < all.size(); ++i) {
+    if (all[i].isKept) {
+      staying.merge(pathsOf(all[i].record.outputs));
+      continue;
+    }
     deliver(places, finished[i], all[i]);
     staying.merge(pathsOf(all[i].outputs));
   }
   for (Settling& settling : all) {
-    removeOutputs(places, settling.record.outputs, staying);
-    settling.record.outputs = settling.outputs;
+    if (!settling.isKept) {
+      std::vector<OutputRecord> stuck = removeOutputs(places, settling.record.outputs, staying);
+      settling.record.outputs = joined(settling.outputs, stuck);
+    }
   }
 }
 
 }  // namespace
 
-std::vector<FileRecord> settle(StateHandle& state, const RunContext& context,
-                               const std::vector<Finished>& finished) {
+std::vector<Settled> settle(StateHandle& state, const RunContext& context,
+                            const std::vector<Finished>& finished) {
   std::vector<Settling> all;
+  all.reserve(finished.size());
   for (const Finished& one : finished) {
-    Settling settling{recordOf(context, one), {}};
-    settling.outputs = placedOutputs(one.result, settling.record.name);
-    const auto before = findFile(state, one.input);
-    settling.record.outputs =
-        joined(settling.outputs, before ? before->outputs : std::vector<OutputRecord>());
-    all.push_back(std::move(settling));
+    all.push_back(settlingOf(state, context, one));
   }
-  if (!putAll(state, all)) {
+  const bool isAnyDelivered = std::any_of(all.begin(), all.end(), [](const Settling& settling) {
+    return settling.record.status == FileStatus::Delivering && !settling.isKept;
+  });
+  if (!putAll(state, all, true) || (isAnyDelivered && !waitForDisk(context.places))) {
     return {};
   }
   carryOut(context.places, finished, all);
-  std::vector<FileRecord> records;
-  records.reserve(all.size());
-  for (const Settling& settling : all) {
-    records.push_back(settling.record);
-  }
   // Where that fails, the state says of the outputs that they may not be whole, and they are made
   // again some day.
-  (void)putAll(state, all);
-  return records;
+  if (!isAnyDelivered || waitForDisk(context.places)) {
+    (void)putAll(state, all, false);
+  }
+  std::vector<Settled> settled;
+  settled.reserve(all.size());
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    (void)unlink(finished[i].transcript.c_str());  // there is none of a file that was not tried
+    settled.push_back({std::move(all[i].record), all[i].isKept, std::move(all[i].obstacle)});
+  }
+  return settled;
 }
 
 bool isUpToDate(const RunContext& context, const std::string& input, FileRecord& record,
@@ -221,13 +267,19 @@ bool isUpToDate(const RunContext& context, const std::string& input, FileRecord&
       return false;
     }
   }
-  if (record.mtime == identity->mtime) {
+  // What an earlier version has noted tells neither.
+  const bool isSameFile = record.inode == -1 ||
+                          (record.inode == identity->inode && record.changed == identity->changed);
+  if (record.mtime == identity->mtime && isSameFile) {
     return true;
   }
+  const std::int64_t now = nanosecondsNow();
   if (record.hash.empty() || contentHash(input) != record.hash) {
     return false;
   }
-  record.mtime = isTooYoung(identity->mtime) ? kUnknownTime : identity->mtime;
+  record.mtime = isTooYoung(identity->mtime, now) ? kUnknownTime : identity->mtime;
+  record.changed = identity->changed;
+  record.inode = identity->inode;
   isTouched = record.mtime != kUnknownTime;
   return true;
 }
@@ -244,17 +296,36 @@ std::int64_t prune(StateHandle& state, const Places& places) {
     return -1;
   }
   std::int64_t count = 0;
-  for (const FileRecord& record : gone) {
-    removeOutputs(places, record.outputs, {});
-    const std::string transcript = places.state + '/' + record.transcript;
-    unlink(transcript.c_str());
-    removeEmptyFolders(places.state, transcript);
-    if (!removeFile(state, record.path)) {
+  for (FileRecord& record : gone) {
+    record.outputs = removeOutputs(places, record.outputs, {});
+    const bool isGone = record.outputs.empty();
+    // What cannot be removed now stays on record until it is gone.
+    if (!(isGone ? removeFile(state, record.path) : putFile(state, record))) {
       return -1;
     }
-    ++count;
+    count += isGone ? 1 : 0;
   }
   return count;
+}
+
+std::string findCollision(StateHandle& state, const RunContext& context,
+                          const std::vector<InputFile>& files) {
+  const std::vector<RunRecord> runs = allRuns(state);
+  const bool isSameBase = std::all_of(
+      runs.begin(), runs.end(), [&](const RunRecord& run) { return run.base == context.base; });
+  if (isSameBase) {
+    return {};
+  }
+  for (const InputFile& file : files) {
+    const std::string owner =
+        ownerOf(state, nameBelow(context.base, file.path) + '.' + context.extension);
+    if (!owner.empty() && owner != file.path) {
+      return "the output of " + file.path + " would replace that of " + owner +
+             ": --base with a folder that holds both keeps them apart (--prune forgets an input "
+             "that is gone)";
+    }
+  }
+  return {};
 }
 
 std::string nameBelow(const std::string& base, const std::string& input) {

@@ -1,5 +1,6 @@
 #include "batch/state/merge.h"
 
+#include <cerrno>
 #include <map>
 #include <optional>
 #include <utility>
@@ -35,7 +36,8 @@ std::optional<std::int64_t> takeIn(StateHandle& state, StateHandle& shard) {
     if (run != runs.end() && isTaken) {
       FileRecord taken = record;
       taken.run = run->second;
-      isTaken = putFile(state, taken);
+      isTaken = putFile(state, taken) &&
+                putTranscript(state, taken.path, findTranscript(shard, taken.path).value_or(""));
       ++files;
     }
   });
@@ -49,7 +51,8 @@ std::optional<std::int64_t> takeIn(StateHandle& state, StateHandle& shard) {
 void mergeOne(StateHandle& state, const std::string& folder, Merged& merged) {
   constexpr mode_t kRights = 0666;
   const Descriptor lock(open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kRights));
-  if (!lock.isOpen() || flock(lock.get(), LOCK_EX | LOCK_NB) != 0) {
+  // A disk without locks cannot tell; whoever merges there waits for the shards.
+  if (!lock.isOpen() || (flock(lock.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)) {
     merged.problems.push_back("this shard is at work: " + folder);
     return;
   }

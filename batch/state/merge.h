@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "batch/state/ledger.h"
 #include "batch/state/names.h"
 #include "batch/state/shard.h"
 #include "batch/state/state.h"

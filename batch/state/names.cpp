@@ -1,28 +1,11 @@
 #include "batch/state/names.h"
 
-#include <climits>
-#include <cstddef>
-
-#include <xxhash.h>
+#include <algorithm>
 
 #include "batch/inputs/input_identity.h"
-#include "batch/system/folder.h"
 #include "batch/version.h"
 
 namespace plenvorith {
-namespace {
-
-std::string hexFrom(XXH64_hash_t number) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  std::string text;
-  for (int shift = 60; shift >= 0; shift -= 4) {
-    text += kDigits[number >> shift & 15U];
-  }
-  return text;
-}
-
-}  // namespace
-
 Places placesIn(const std::string& outputFolder) {
   const std::string state = (outputFolder == "/" ? "" : outputFolder) + "/.plenvorith-batch";
   return {outputFolder, state, state + "/run", state + "/state.db", state + "/lock"};
@@ -32,15 +15,11 @@ std::string outputNameFor(const std::string& input, const ConversionSettings& se
   return input.substr(input.rfind('/') + 1) + '.' + settings.to;
 }
 
-std::string transcriptFor(const std::string& name) {
-  constexpr const char* kExtension = ".txt";
-  constexpr std::size_t kKept = 200;
-  const std::size_t start = name.rfind('/') + 1;
-  if (name.size() - start + 4 <= NAME_MAX) {
-    return "transcripts/" + name + kExtension;
-  }
-  const std::string distinct = hexFrom(XXH3_64bits(name.data() + start, name.size() - start));
-  return "transcripts/" + name.substr(0, start + kKept) + '~' + distinct + kExtension;
+std::string workNameFor(const std::string& input, const ConversionSettings& settings) {
+  const std::string name = outputNameFor(input, settings);
+  const bool isPlain =
+      std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  return isPlain ? name : "output." + settings.to;
 }
 
 std::string settingsText(const ConversionSettings& settings) {

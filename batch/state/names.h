@@ -10,19 +10,19 @@ namespace plenvorith {
 struct Places {
   std::string output;  ///< the output folder, DIR
   std::string state;   ///< DIR/.plenvorith-batch
-  std::string run;     ///< work in progress, gone at the end of a run
+  std::string run;     ///< below it is the work in progress of each run, gone at its end
   std::string database;
   std::string lock;
 };
 
 Places placesIn(const std::string& outputFolder);
 
-/// The name of the file that the converter is asked for: that of the input and the new extension.
+/// The name of the output of an input: that of the input and the new extension.
 std::string outputNameFor(const std::string& input, const ConversionSettings& settings);
 
-/// The path of the transcript below the state's folder, for an input with this path below the base.
-/// A name that leaves no room for an extension is cut and made distinct.
-std::string transcriptFor(const std::string& name);
+/// The name that the converter is asked for, in a folder of its own: the same, unless it holds bytes
+/// that the kernel would write as others. Then it is one that it leaves alone.
+std::string workNameFor(const std::string& input, const ConversionSettings& settings);
 
 /// All that decides what is made of an input, as one text: two conversions of the same bytes with
 /// the same text and the same program give the same outputs.

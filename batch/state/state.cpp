@@ -6,6 +6,7 @@
 
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <zlib.h>
 
 #include "batch/state/state_columns.h"
 #include "batch/state/state_queries.h"
@@ -61,11 +62,22 @@ std::string unchangingAddress(const std::string& path) {
   return address + "?immutable=1";
 }
 
+/// Whether there are changes that were not taken into the database yet.
+bool hasLog(const std::string& path) {
+  struct stat status {};
+  return stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0;
+}
+
 int openDatabase(const std::string& path, StateUse use, sqlite3** database) {
   constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   switch (use) {
     case StateUse::Write:
       return sqlite3_open_v2(path.c_str(), database, kFlags, nullptr);
+    case StateUse::Look:
+      if (hasLog(path)) {
+        return sqlite3_open_v2(path.c_str(), database, SQLITE_OPEN_READONLY, nullptr);
+      }
+      [[fallthrough]];
     case StateUse::Read:
       return sqlite3_open_v2(unchangingAddress(path).c_str(), database,
                              SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
@@ -77,12 +89,6 @@ int openDatabase(const std::string& path, StateUse use, sqlite3** database) {
   return result == SQLITE_OK && !executeStatements(*database, "PRAGMA locking_mode = EXCLUSIVE")
              ? SQLITE_ERROR
              : result;
-}
-
-/// Whether there are changes that were not taken into the database yet.
-bool hasLog(const std::string& path) {
-  struct stat status {};
-  return stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0;
 }
 
 std::vector<OutputRecord> outputsOf(StateHandle& state, std::int64_t id) {
@@ -125,6 +131,25 @@ bool visitAll(StateHandle& state, StatementUse& use,
   return use.finish();
 }
 
+bool setUp(StateHandle& state, int version) {
+  return executeStatements(state.database, kSetup) &&
+         (version != 1 || executeStatements(state.database, kUpgradeOfVersion1)) &&
+         (version >= kStateVersion || executeStatements(state.database, kStateSchema));
+}
+
+/// The id of the file with this path; nothing if it is not known, or on a failure.
+std::optional<std::int64_t> idOf(StateHandle& state, const std::string& path) {
+  StatementUse find(statementOf(state, Query::FindId));
+  find.bindBytes(path);
+  return find.step() ? std::optional(find.integer()) : std::nullopt;
+}
+
+bool dropTranscript(StateHandle& state, std::int64_t id) {
+  StatementUse drop(statementOf(state, Query::DropTranscript));
+  drop.bind(id);
+  return drop.finish();
+}
+
 }  // namespace
 
 void CloseState::operator()(StateHandle* state) const {
@@ -155,10 +180,14 @@ State openState(const std::string& path, std::string& problem, StateUse use) {
     problem = path + ": written by a newer version of the program";
     return State();
   }
-  const bool isSetUp = use == StateUse::Read || executeStatements(state->database, kSetup);
-  if (version < 0 || !isSetUp ||
-      (version < kStateVersion && !executeStatements(state->database, kStateSchema)) ||
-      !prepareStatements(*state)) {
+  const bool isWritten = use == StateUse::Write || use == StateUse::Alone;
+  if (!isWritten && version < kStateVersion) {
+    problem = path +
+              ": written by an earlier version of the program, which a run, or --prune, "
+              "brings up to this one";
+    return State();
+  }
+  if (version < 0 || (isWritten && !setUp(*state, version)) || !prepareStatements(*state)) {
     return fail();
   }
   return state;
@@ -210,19 +239,65 @@ bool putFile(StateHandle& state, const FileRecord& file) {
   return putOutputs(state, id, file.outputs);
 }
 
+bool putTranscript(StateHandle& state, const std::string& path, const std::string& transcript) {
+  const std::optional<std::int64_t> id = idOf(state, path);
+  if (!id) {
+    return false;
+  }
+  if (transcript.empty()) {
+    return dropTranscript(state, *id);
+  }
+  // Most are short and alike in every line: a fast pass makes a third of them.
+  uLongf length = compressBound(transcript.size());
+  std::string packed(length, '\0');
+  if (compress2(reinterpret_cast<Bytef*>(packed.data()), &length,
+                reinterpret_cast<const Bytef*>(transcript.data()), transcript.size(),
+                Z_BEST_SPEED) != Z_OK) {
+    return false;
+  }
+  packed.resize(length);
+  StatementUse put(statementOf(state, Query::PutTranscript));
+  put.bind(*id);
+  put.bind(static_cast<std::int64_t>(transcript.size()));
+  put.bindBytes(packed);
+  return put.finish();
+}
+
+std::optional<std::string> findTranscript(StateHandle& state, const std::string& path) {
+  constexpr std::int64_t kMost = std::int64_t{1} << 30;  // far more than is ever kept
+  const std::optional<std::int64_t> id = idOf(state, path);
+  StatementUse find(statementOf(state, Query::FindTranscript));
+  find.bind(id.value_or(0));
+  if (!id || !find.step()) {
+    return std::nullopt;
+  }
+  const std::int64_t size = find.integer();
+  const std::string packed = find.bytes();
+  if (size < 0 || size > kMost) {
+    return std::nullopt;
+  }
+  std::string transcript(static_cast<std::size_t>(size), '\0');
+  uLongf length = transcript.size();
+  const bool isWhole =
+      uncompress(reinterpret_cast<Bytef*>(transcript.data()), &length,
+                 reinterpret_cast<const Bytef*>(packed.data()), packed.size()) == Z_OK;
+  return isWhole && length == transcript.size() ? std::optional(transcript) : std::nullopt;
+}
+
+std::string ownerOf(StateHandle& state, const std::string& output) {
+  StatementUse find(statementOf(state, Query::FindOwner));
+  find.bindBytes(output);
+  return find.step() ? find.bytes() : std::string();
+}
+
 bool removeFile(StateHandle& state, const std::string& path) {
-  std::int64_t id = 0;
-  {
-    StatementUse find(statementOf(state, Query::FindId));
-    find.bindBytes(path);
-    if (!find.step()) {
-      return find.finish();
-    }
-    id = find.integer();
+  const std::optional<std::int64_t> id = idOf(state, path);
+  if (!id) {
+    return sqlite3_errcode(state.database) == SQLITE_OK;
   }
   StatementUse remove(statementOf(state, Query::RemoveFile));
-  remove.bind(id);
-  return putOutputs(state, id, {}) && remove.finish();
+  remove.bind(*id);
+  return putOutputs(state, *id, {}) && dropTranscript(state, *id) && remove.finish();
 }
 
 std::optional<FileRecord> findFile(StateHandle& state, const std::string& path) {

@@ -22,6 +22,7 @@ using State = std::unique_ptr<StateHandle, CloseState>;
 /// How a state is used.
 enum class StateUse {
   Write,  ///< others may read it meanwhile
+  Look,   ///< somebody may be writing it; nothing is changed, and it need not be allowed
   Alone,  ///< nobody else has it open; no locks are used, which a network disk may not have
   Read,   ///< nobody changes it meanwhile; no locks, either
 };
@@ -49,7 +50,18 @@ void dropChanges(StateHandle& state);
 /// one's from now on: the last to write a file owns it.
 [[nodiscard]] bool putFile(StateHandle& state, const FileRecord& file);
 
-/// Forgets the file with this path and its outputs.
+/// Keeps what the conversion of a file said, in the place of what an earlier one did; the file has
+/// to be known.
+[[nodiscard]] bool putTranscript(StateHandle& state, const std::string& path,
+                                 const std::string& transcript);
+
+/// What the last conversion of a file said; nothing if that is not known.
+std::optional<std::string> findTranscript(StateHandle& state, const std::string& path);
+
+/// The path of the input that an output belongs to; empty if it is nobody's.
+std::string ownerOf(StateHandle& state, const std::string& output);
+
+/// Forgets the file with this path, its outputs and its transcript.
 [[nodiscard]] bool removeFile(StateHandle& state, const std::string& path);
 
 /// What is known of the file with this path.

@@ -88,7 +88,8 @@ void bindFile(StatementUse& use, const FileRecord& file) {
   use.bind(file.peakMemory);
   bindBounds(use, file.bounds);
   use.bindText(file.host);
-  use.bindBytes(file.transcript);
+  use.bind(file.changed);
+  use.bind(file.inode);
 }
 
 std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
@@ -112,7 +113,8 @@ std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
   file.peakMemory = use.integer();
   file.bounds = boundsFrom(use);
   file.host = use.bytes();
-  file.transcript = use.bytes();
+  file.changed = use.integer();
+  file.inode = use.integer();
   return {std::move(file), use.integer()};
 }
 

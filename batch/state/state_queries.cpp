@@ -15,33 +15,43 @@ CREATE TABLE IF NOT EXISTS run(
 CREATE TABLE IF NOT EXISTS file(
   id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, name BLOB NOT NULL, run INTEGER NOT NULL,
   status TEXT NOT NULL, reason TEXT NOT NULL, last_line BLOB NOT NULL, exit_status INTEGER,
-  signal INTEGER, size INTEGER NOT NULL, mtime INTEGER NOT NULL, hash BLOB NOT NULL,
-  settings TEXT NOT NULL, program TEXT NOT NULL, triangles INTEGER NOT NULL,
+  signal INTEGER, size INTEGER NOT NULL, mtime INTEGER NOT NULL,
+  hash BLOB NOT NULL, settings TEXT NOT NULL, program TEXT NOT NULL, triangles INTEGER NOT NULL,
   seconds REAL NOT NULL, cpu_seconds REAL NOT NULL, peak_memory INTEGER NOT NULL,
   low_x REAL, low_y REAL, low_z REAL, high_x REAL, high_y REAL, high_z REAL,
-  host TEXT NOT NULL, transcript BLOB NOT NULL);
+  host TEXT NOT NULL, changed INTEGER NOT NULL DEFAULT -1, inode INTEGER NOT NULL DEFAULT -1);
 CREATE TABLE IF NOT EXISTS output(
   path BLOB PRIMARY KEY, file INTEGER NOT NULL, size INTEGER NOT NULL) WITHOUT ROWID;
 CREATE INDEX IF NOT EXISTS output_file ON output(file);
+CREATE TABLE IF NOT EXISTS transcript(
+  file INTEGER PRIMARY KEY, size INTEGER NOT NULL, packed BLOB NOT NULL);
 CREATE VIEW IF NOT EXISTS files AS
   SELECT CAST(path AS TEXT) AS path, CAST(name AS TEXT) AS name, run, status, reason,
          CAST(last_line AS TEXT) AS last_line, exit_status, signal, size, mtime,
          hex(hash) AS hash, settings, program, triangles, seconds, cpu_seconds, peak_memory,
-         low_x, low_y, low_z, high_x, high_y, high_z, host,
-         CAST(transcript AS TEXT) AS transcript
+         low_x, low_y, low_z, high_x, high_y, high_z, host
   FROM file;
-PRAGMA user_version = 1;
+PRAGMA user_version = 2;
+COMMIT;
+)";
+
+const char* const kUpgradeOfVersion1 = R"(
+BEGIN IMMEDIATE;
+DROP VIEW files;
+ALTER TABLE file DROP COLUMN transcript;
+ALTER TABLE file ADD COLUMN changed INTEGER NOT NULL DEFAULT -1;
+ALTER TABLE file ADD COLUMN inode INTEGER NOT NULL DEFAULT -1;
 COMMIT;
 )";
 
 namespace {
 
 /// The columns of a file but for its id, in the order that the header tells.
-constexpr std::array<std::string_view, 25> kFileColumns = {
-    "path",    "name",        "run",         "status",     "reason",   "last_line", "exit_status",
-    "signal",  "size",        "mtime",       "hash",       "settings", "program",   "triangles",
-    "seconds", "cpu_seconds", "peak_memory", "low_x",      "low_y",    "low_z",     "high_x",
-    "high_y",  "high_z",      "host",        "transcript",
+constexpr std::array<std::string_view, 26> kFileColumns = {
+    "path",    "name",        "run",         "status",  "reason",   "last_line", "exit_status",
+    "signal",  "size",        "mtime",       "hash",    "settings", "program",   "triangles",
+    "seconds", "cpu_seconds", "peak_memory", "low_x",   "low_y",    "low_z",     "high_x",
+    "high_y",  "high_z",      "host",        "changed", "inode",
 };
 
 /// The columns with commas between them, each made a text by `write`.
@@ -78,6 +88,10 @@ std::array<std::string, kQueryCount> allQueries() {
           "ORDER BY status = 'converted' AND reason = '', path LIMIT ?) ORDER BY path",
       "SELECT status, reason, count(*), sum(size), sum(triangles), sum(seconds) FROM file "
       "GROUP BY status, reason",
+      "INSERT OR REPLACE INTO transcript VALUES(?, ?, ?)",
+      "SELECT size, packed FROM transcript WHERE file = ?",
+      "DELETE FROM transcript WHERE file = ?",
+      "SELECT path FROM file WHERE id = (SELECT file FROM output WHERE path = ?)",
   };
 }
 

@@ -55,7 +55,11 @@ bool makeFolders(const std::string& path) {
   }
   // There already, or made by another process between the one call and the other.
   struct stat status {};
-  return errno == EEXIST && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+  if (errno != EEXIST || stat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+    return errno == EEXIST;
+  }
+  errno = ENOTDIR;
+  return false;
 }
 
 bool makeEmptyFolder(const std::string& path) {

@@ -29,6 +29,8 @@ namespace {
 
 constexpr std::size_t kTranscriptEnds = std::size_t{1} << 17;
 
+constexpr const char* kCannotBeRead = "cannot be read";
+
 std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
@@ -39,7 +41,7 @@ std::string obstacle(const Job& job, const std::optional<InputIdentity>& identit
     return "name too long";
   }
   if (!identity || access(job.input.c_str(), R_OK) != 0) {
-    return std::string("cannot be read: ") + strerror(identity ? errno : error);
+    return kCannotBeRead + std::string(": ") + strerror(identity ? errno : error);
   }
   if (identity->isRegular && identity->size == 0) {
     return "empty";
@@ -104,10 +106,6 @@ bool mayLackPartsOfCopy(const ChildEnd& end, const std::string& transcript, std:
   return madeCopy(transcript) && end.leastSpace < kCopies * copied + kSpare;
 }
 
-bool isSame(const InputIdentity& a, const std::optional<InputIdentity>& b) {
-  return b && a.size == b->size && a.mtime == b->mtime;
-}
-
 /// Decides what became of the file once its conversion has ended.
 void judge(const Job& job, const ChildEnd& end, const std::string& transcript, JobResult& result) {
   MadeFiles made = lookAtOutputs(job.outFolder);
@@ -126,6 +124,7 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
   result.reason =
       isDoubtful ? kDiskFull
                  : reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});
+  result.isTried = result.reason != kDiskFull;
 }
 
 /// Paths of a job that are relative are those below the folder where the worker runs.
@@ -177,19 +176,24 @@ bool receive(int jobs, const WorkerSignals& signals, std::string& text) {
 JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStopped) {
   JobResult result;
   result.id = job.id;
+  result.started = nanosecondsNow();
   int error = 0;
   const std::optional<InputIdentity> identity = identityOf(job.input, error);
   result.reason = obstacle(job, identity, error);
   if (identity) {
     result.size = identity->size;
     result.mtime = identity->mtime;
+    result.changed = identity->changed;
+    result.inode = identity->inode;
   }
   if (!result.reason.empty()) {
-    unlink(job.transcript.c_str());  // an earlier one tells nothing of this
+    (void)unlink(job.transcript.c_str());  // an earlier one tells nothing of this
+    result.isTried = !result.reason.starts_with(kCannotBeRead);
     return result;
   }
   if (!makeEmptyFolder(job.outFolder) || !makeEmptyFolder(job.temporaryFolder)) {
     result.reason = errno == ENOSPC ? kDiskFull : std::string("no work folder: ") + strerror(errno);
+    result.isTried = false;
     return result;
   }
   if (identity->isRegular) {
@@ -200,7 +204,8 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
   isStopped = end.isStopped;
   noteEnd(end, result);
   judge(job, end, readEnds(transcript.get(), kTranscriptEnds), result);
-  if (!isSame(*identity, identityOf(job.input, error))) {
+  const std::optional<InputIdentity> afterwards = identityOf(job.input, error);
+  if (!afterwards || !isSame(*identity, *afterwards)) {
     result.isConverted = false;
     result.outputs.clear();
     result.reason = "changed while it was converted";

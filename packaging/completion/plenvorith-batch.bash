@@ -6,7 +6,7 @@ _plenvorith_batch() {
   _init_completion -s || return # takes apart --to=stl, too
   case $prev in
     -o | --output | --base) _filedir -d ;;
-    --program | --files-from | --export) _filedir ;;
+    --program | --files-from | --transcript | --export) _filedir ;;
     --to) mapfile -t COMPREPLY < <(compgen -W 'stl stp' -- "$cur") ;;
     --sshlogin) _known_hosts_real -- "$cur" ;;
     --deflection | --shard | --jobs | --time-limit | --memory-limit | --memory-free | --include | --exclude) ;;
@@ -14,7 +14,7 @@ _plenvorith_batch() {
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '--output --base --files-from --include
           --exclude --follow --to --deflection --split --prepare --resume --prune --dry-run --jobs
-          --time-limit --memory-limit --memory-free --export --check --thumbnails --sshlogin
+          --time-limit --memory-limit --memory-free --transcript --export --check --thumbnails --sshlogin
           --transfer --shard --merge --bar --program --version
           --help' -- "$cur")
       else

@@ -60,7 +60,7 @@ TEST_F(DriverTest, ConvertsAFolder) {
   EXPECT_EQ(test::readFile(dir / "out/sub/b.step.stl").size(), 134U);
   EXPECT_TRUE(isThere("out/index.html"));
   EXPECT_THAT(namesInFolder(dir / "out/.plenvorith-batch"),
-              testing::UnorderedElementsAre("lock", "state.db", "transcripts"));
+              testing::UnorderedElementsAre("lock", "state.db"));
 }
 
 TEST_F(DriverTest, NotesTheRun) {

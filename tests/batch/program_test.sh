@@ -103,8 +103,10 @@ ReportsWhatFailedAndWhy() {
     "failed: $odd: not a STEP file (no ISO-10303-21) (Error: No geometry found in file)"
   expect_line stdout "  $PWD/in/malformed.stp: a malformed number (what():  invalid stod argument)"
   expect_row out '^failed,.*/malformed.stp,a malformed number,.*,6,0,'
-  expect_line $'out/.plenvorith-batch/transcripts/sub/new\nline.stp.txt' 'Failed'
-  expect_line out/.plenvorith-batch/transcripts/good.stp.txt 'Saved: good.stp.stl'
+  "$batch" -o out --transcript $'in/sub/new\nline.stp' >transcript
+  expect_line transcript 'Failed'
+  "$batch" -o out --transcript in/good.stp >transcript
+  expect_line transcript 'Saved: good.stp.stl'
   expect_count out 1
   expect_nothing_left out
 }
@@ -575,7 +577,6 @@ RemovesOnDemandWhatVanishedInputsMade() {
   ! grep -q '^Converted' stdout || fail 'tells of a run that was none'
   expect_count out 1
   [[ ! -e out/sub ]] || fail 'an empty folder is left'
-  [[ ! -e out/.plenvorith-batch/transcripts/sub ]] || fail 'a transcript is left'
   rm in/a.stp
   step_file in/c.stp 3
   run 0 in -o out --prune
@@ -640,7 +641,8 @@ expect_same_as_single() {
       "$scratch/in/$name" "$name.$kind" "${settings[@]}" >../transcript 2>&1) || status=$?
     # A time of day and, in split mode, the kernel's own lines with times are all that may differ.
     cmp <(without_times single/transcript) \
-      <(without_times "out/.plenvorith-batch/transcripts/$name.txt") || fail "transcript of $name"
+      <("$batch" -o out --transcript "$scratch/in/$name" | without_times /dev/stdin) ||
+      fail "transcript of $name"
     if ((status == 0)); then
       expect_same_files "single/$name" "$name"
     else
@@ -817,7 +819,8 @@ PreparesFilesFirst() {
     "$converter" single/ready.stp single/out.stl >/dev/null
     cmp single/out.stl "out/$name.step.stl"
   done
-  grep -q '^Preparing: ' out/.plenvorith-batch/transcripts/coupling.step.txt || fail 'no report'
+  "$batch" -o out --transcript in/coupling.step | grep '^Preparing: ' >/dev/null ||
+    fail 'no report'
   grep -q 'noise.stp: not a STEP file' stdout || fail 'no reason'
   grep -q 'none.stp: no geometry in the file, says its preparation' stdout || fail 'no reason'
   run 1 in -o out --prepare --resume

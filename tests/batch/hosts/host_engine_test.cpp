@@ -61,7 +61,7 @@ class HostEngineTest : public testing::Test {
   ConversionSettings settings;
   std::vector<InputFile> files;
   HostWish wish;
-  HostEngine engine{context, settings, files, {}, false, {}, {}};
+  HostEngine engine{context, settings, files, {}, false, {}, {}, {}, {}};
 };
 
 TEST_F(HostEngineTest, GivesTheResultsThatTheHostsPrint) {
@@ -70,7 +70,7 @@ TEST_F(HostEngineTest, GivesTheResultsThatTheHostsPrint) {
   const std::vector<Finished> all = collectAll();
   ASSERT_EQ(all.size(), 2U);
   EXPECT_EQ(all[0].input, dir / "b.stp");
-  EXPECT_EQ(all[0].outFolder, engine.folder + "/file1");
+  EXPECT_EQ(all[0].outFolder, engine.folder + "/made/1");
   EXPECT_EQ(all[0].result.reason, "first");
   EXPECT_EQ(all[1].input, dir / "a.stp");
   EXPECT_EQ(all[1].result.reason, "second");
@@ -85,9 +85,9 @@ TEST_F(HostEngineTest, TellsEachChunkItsJobs) {
   ASSERT_TRUE(job);
   EXPECT_EQ(job->id, 1);
   EXPECT_EQ(job->input, dir / "b.stp");
-  EXPECT_EQ(job->outFolder, engine.folder + "/file1");
+  EXPECT_EQ(job->outFolder, engine.folder + "/made/1");
   EXPECT_EQ(job->outputName, "b.stp.stl");
-  EXPECT_EQ(job->transcript, context.places.state + "/transcripts/b.stp.txt");
+  EXPECT_EQ(job->transcript, engine.folder + "/transcripts/1");
 }
 
 TEST_F(HostEngineTest, PassesOverWhatIsNoResultOfThisRun) {
@@ -112,7 +112,7 @@ TEST_F(HostEngineTest, SendsInputsAndBringsOutputsBack) {
   ASSERT_EQ(all.size(), 1U);
   EXPECT_EQ(all[0].outFolder, engine.folder + "/0/made/0");
   EXPECT_EQ(test::readFile(all[0].outFolder + "/a.stl"), "a.stp");
-  EXPECT_EQ(test::readFile(context.places.state + "/transcripts/a.stp.txt"), "said\n");
+  EXPECT_EQ(test::readFile(all[0].transcript), "said\n");
   EXPECT_FALSE(std::filesystem::exists(engine.folder + "/0.tar"));
   EXPECT_FALSE(std::filesystem::exists(engine.folder + "/0.out.tar"));
 }

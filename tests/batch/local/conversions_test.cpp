@@ -50,11 +50,12 @@ class ConversionsTest : public testing::Test {
     finished.outFolder = dir / "work" + std::to_string(file);
     finished.result.id = static_cast<std::int64_t>(file);
     finished.result.isConverted = isConverted;
+    finished.outputName = (file == 0 ? "a.stp.stl" : "b.stp.stl");
     if (isConverted) {
       finished.result.triangles = 3;
-      finished.result.outputs = {{"out.stl", 4}};
+      finished.result.outputs = {{finished.outputName, 4}};
       EXPECT_TRUE(makeFolders(finished.outFolder));
-      test::writeFile(finished.outFolder + "/out.stl", "1234");
+      test::writeFile(finished.outFolder + '/' + finished.result.outputs[0].path, "1234");
     } else {
       finished.result.reason = "why";
     }
@@ -84,7 +85,7 @@ TEST_F(ConversionsTest, SettlesResultsAndTellsOfFailures) {
   Conversions conversions = begin();
   conversions.unsettled = {resultOf(1, true), resultOf(0, false)};
   testing::internal::CaptureStderr();
-  const std::vector<Finished> settled = settleResults(conversions);
+  const std::vector<Finished> settled = settleResults(conversions, true);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "failed: " + files[0].path + ": why\n");
   ASSERT_THAT(settled, SizeIs(2));
   EXPECT_EQ(settled[0].input, files[1].path);
@@ -97,12 +98,22 @@ TEST_F(ConversionsTest, SettlesResultsAndTellsOfFailures) {
   EXPECT_EQ(summary.triangles, 3);
   EXPECT_THAT(summary.failures, ElementsAre(files[0].path + ": why"));
   EXPECT_EQ(findFile(*state, files[1].path)->status, FileStatus::Converted);
-  EXPECT_EQ(test::readFile(dir / "out/out.stl"), "1234");
+  EXPECT_EQ(test::readFile(dir / "out/b.stp.stl"), "1234");
+}
+
+TEST_F(ConversionsTest, SettlesManyTogetherUnlessItIsUrgent) {
+  Conversions conversions = begin();
+  conversions.unsettled = {resultOf(0, true)};
+  EXPECT_THAT(settleResults(conversions, false), IsEmpty());
+  EXPECT_THAT(conversions.unsettled, SizeIs(1));
+  EXPECT_EQ(conversions.refusals, 0);
+  conversions.settledAt -= std::chrono::seconds(2);
+  EXPECT_THAT(settleResults(conversions, false), SizeIs(1));
 }
 
 TEST_F(ConversionsTest, SettlesNothingWhereNothingHasCome) {
   Conversions conversions = begin();
-  EXPECT_THAT(settleResults(conversions), IsEmpty());
+  EXPECT_THAT(settleResults(conversions, true), IsEmpty());
   EXPECT_EQ(conversions.refusals, 0);
 }
 
@@ -110,8 +121,8 @@ TEST_F(ConversionsTest, KeepsResultsThatTheStateRefuses) {
   open(StateUse::Read);
   Conversions conversions = begin();
   conversions.unsettled = {resultOf(0, true)};
-  EXPECT_THAT(settleResults(conversions), IsEmpty());
-  EXPECT_THAT(settleResults(conversions), IsEmpty());
+  EXPECT_THAT(settleResults(conversions, true), IsEmpty());
+  EXPECT_THAT(settleResults(conversions, true), IsEmpty());
   EXPECT_EQ(conversions.refusals, 2);
   EXPECT_THAT(conversions.unsettled, SizeIs(1));
   EXPECT_EQ(conversions.progress.done, 0);
@@ -126,7 +137,7 @@ TEST_F(ConversionsTest, ForgetsRefusalsWhenTheStateTakesResults) {
   Conversions conversions = begin();
   conversions.refusals = 3;
   conversions.unsettled = {resultOf(0, true)};
-  EXPECT_THAT(settleResults(conversions), SizeIs(1));
+  EXPECT_THAT(settleResults(conversions, true), SizeIs(1));
   EXPECT_EQ(conversions.refusals, 0);
 }
 

@@ -68,9 +68,8 @@ TEST_F(PoolTest, StartsWorkersUntilThereAreEnough) {
   EXPECT_FALSE(hasIdle(pool, 2));
   EXPECT_FALSE(give(2, 2));
   EXPECT_THAT(pool.workers, SizeIs(2));
-  EXPECT_NE(pool.workers[0].process.folder, pool.workers[1].process.folder);
+  EXPECT_NE(pool.workers[0].folder, pool.workers[1].folder);
   EXPECT_EQ(countBusy(pool), 2);
-  EXPECT_EQ(countConverting(pool), 2);
 }
 
 TEST_F(PoolTest, GivesResultsWithTheirFolders) {
@@ -82,31 +81,26 @@ TEST_F(PoolTest, GivesResultsWithTheirFolders) {
   EXPECT_EQ(finished.result.id, 1);
   EXPECT_TRUE(finished.result.isConverted) << finished.result.reason;
   EXPECT_EQ(test::readFile(finished.outFolder + "/b.stp.stl").size(), 134U);
-  EXPECT_THAT(test::readFile(pool.places.state + "/transcripts/b.stp.txt"),
-              testing::EndsWith("Done\n"));
+  EXPECT_EQ(finished.outputName, "b.stp.stl");
+  EXPECT_THAT(test::readFile(finished.transcript), testing::EndsWith("Done\n"));
 }
 
-TEST_F(PoolTest, KeepsAWorkerBusyUntilItsOutputsAreTaken) {
+TEST_F(PoolTest, UsesAFolderAgainOnlyWhenItsOutputsAreTaken) {
   ASSERT_TRUE(give(0, 1));
-  EXPECT_THAT(collect(0).finished, SizeIs(1));
-  EXPECT_EQ(countConverting(pool), 0);
-  EXPECT_EQ(countBusy(pool), 1);
-  EXPECT_FALSE(give(1, 1));
-  release(pool, 0);
+  const PoolEvents first = collect(0);
+  ASSERT_THAT(first.finished, SizeIs(1));
   EXPECT_EQ(countBusy(pool), 0);
-  EXPECT_TRUE(give(1, 1));
+  ASSERT_TRUE(give(1, 1));
+  const PoolEvents second = collect(0);
+  ASSERT_THAT(second.finished, SizeIs(1));
+  EXPECT_NE(second.finished[0].outFolder, first.finished[0].outFolder);
+  EXPECT_EQ(test::readFile(first.finished[0].outFolder + "/a.stp.stl").size(), 134U);
+  release(pool, first.finished[0]);
+  ASSERT_TRUE(give(2, 1));
+  const PoolEvents third = collect(0);
+  ASSERT_THAT(third.finished, SizeIs(1));
+  EXPECT_EQ(third.finished[0].outFolder, first.finished[0].outFolder);
   EXPECT_THAT(pool.workers, SizeIs(1));
-  EXPECT_THAT(collect(0).finished, SizeIs(1));
-}
-
-TEST_F(PoolTest, ReleasesNobodyElse) {
-  ASSERT_TRUE(give(0, 2));
-  ASSERT_TRUE(give(1, 2));
-  release(pool, 2);
-  EXPECT_EQ(countBusy(pool), 2);
-  release(pool, 1);
-  EXPECT_TRUE(pool.workers[0].file.has_value());
-  EXPECT_FALSE(pool.workers[1].file.has_value());
 }
 
 TEST_F(PoolTest, GivesBackTheFileOfAWorkerThatEnds) {
@@ -119,18 +113,17 @@ TEST_F(PoolTest, GivesBackTheFileOfAWorkerThatEnds) {
   EXPECT_EQ(events.lost[0].signal, SIGKILL);
   EXPECT_EQ(countBusy(pool), 0);
 
-  const std::string earlier = pool.workers[0].process.folder;
+  const std::string earlier = pool.workers[0].folder;
   pool.settings.program.clear();
   ASSERT_TRUE(give(2, 1));
   EXPECT_THAT(pool.workers, SizeIs(1));
-  EXPECT_NE(pool.workers[0].process.folder, earlier);
+  EXPECT_NE(pool.workers[0].folder, earlier);
   EXPECT_THAT(collect(0).finished, SizeIs(1));
 }
 
 TEST_F(PoolTest, NoticesAnIdleWorkerThatEnds) {
   ASSERT_TRUE(give(0, 1));
   EXPECT_THAT(collect(0).finished, SizeIs(1));
-  release(pool, 0);
   kill(pool.workers[0].process.process, SIGKILL);
   while (pool.workers[0].process.process != 0) {
     EXPECT_THAT(collectResults(pool, {0}, files).lost, IsEmpty());

@@ -58,20 +58,20 @@ TEST(ReceiveLines, GivesNoLineThatIsNotWholeAtTheEnd) {
   EXPECT_FALSE(isAlive);
 }
 
-std::optional<WorkerProcess> startedIn(const test::TempDir& dir) {
-  auto worker = startWorker(dir / "work");
+std::optional<WorkerProcess> started() {
+  auto worker = startWorker();
   EXPECT_TRUE(worker.has_value());
   return worker;
 }
 
 TEST(StartWorker, GivesAWorkerThatConverts) {
   const test::TempDir dir;
-  auto worker = startedIn(dir);
+  auto worker = started();
   Job job;
   job.id = 3;
   job.input = test::writeFile(dir / "a.stp", test::kTriangleStep);
-  job.outFolder = worker->folder + "/out";
-  job.temporaryFolder = worker->folder + "/tmp";
+  job.outFolder = dir / "work/out";
+  job.temporaryFolder = dir / "work/tmp";
   job.outputName = "a.stl";
   job.transcript = dir / "a.txt";
   ASSERT_TRUE(writeAll(worker->jobs.get(), lineFrom(job) + '\n'));
@@ -81,7 +81,7 @@ TEST(StartWorker, GivesAWorkerThatConverts) {
     lines = receiveLines(*worker, isAlive);
   }
   ASSERT_EQ(lines.size(), 1U);
-  const auto result = resultFrom(lines[0]);
+  const auto result = resultFrom(lines[0], {{3, "a.stl"}});
   ASSERT_TRUE(result.has_value());
   EXPECT_TRUE(result->isConverted) << result->reason;
   EXPECT_EQ(result->id, 3);
@@ -100,16 +100,14 @@ unsigned long long ignoredSignals(pid_t process) {
 TEST(StartWorker, KeepsItApartFromTheSignalsOfItsDriver) {
   const test::ScopedSignals before;
   std::signal(SIGPIPE, SIG_IGN);
-  const test::TempDir dir;
-  auto worker = startedIn(dir);
+  auto worker = started();
   EXPECT_EQ(getpgid(worker->process), worker->process);
   EXPECT_EQ(ignoredSignals(worker->process) & (1ULL << (SIGPIPE - 1)), 0U);
   EXPECT_EQ(buryWorker(*worker), 0);
 }
 
 TEST(BuryWorker, TellsTheSignalThatEndedIt) {
-  const test::TempDir dir;
-  auto worker = startedIn(dir);
+  auto worker = started();
   kill(worker->process, SIGKILL);
   EXPECT_EQ(buryWorker(*worker), SIGKILL);
   EXPECT_FALSE(worker->jobs.isOpen());
@@ -122,7 +120,7 @@ TEST(StopWorkers, EndsThemWithWhatIsUnderWay) {
   std::vector<WorkerProcess> workers;
   workers.reserve(2);
   for (int i = 0; i < 2; ++i) {
-    workers.push_back(std::move(*startedIn(dir)));
+    workers.push_back(std::move(*started()));
   }
   // The first waits for jobs, the second for the writer of its input.
   ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);

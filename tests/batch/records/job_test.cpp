@@ -76,10 +76,14 @@ TEST(ResultLine, GivesAllBack) {
   result.cpuSeconds = 0.125;
   result.peakMemory = 4096;
   result.host = "here";
-  result.outputs = {{"\xff.stl", 684}, {"b.stl", 84}};
+  result.changed = 5;
+  result.inode = 6;
+  result.started = 7;
+  result.isTried = false;
+  result.outputs = {{"\xff.stl", 684}, {"\xff.stl_2", 84}};
   const std::string line = lineFrom(result);
   EXPECT_EQ(line.find('\n'), std::string::npos);
-  const auto back = resultFrom(line);
+  const auto back = resultFrom(line, {{9, "\xff.stl"}});
   ASSERT_TRUE(back.has_value());
   EXPECT_EQ(back->id, 9);
   EXPECT_TRUE(back->isConverted);
@@ -89,6 +93,10 @@ TEST(ResultLine, GivesAllBack) {
   EXPECT_EQ(back->signal, 11);
   EXPECT_EQ(back->size, 5);
   EXPECT_EQ(back->mtime, result.mtime);
+  EXPECT_EQ(back->changed, 5);
+  EXPECT_EQ(back->inode, 6);
+  EXPECT_EQ(back->started, 7);
+  EXPECT_FALSE(back->isTried);
   EXPECT_EQ(back->hash, result.hash);
   EXPECT_EQ(back->triangles, 12);
   ASSERT_TRUE(back->bounds.has_value());
@@ -119,38 +127,67 @@ TEST(NamesLine, KeepsEveryByte) {
 }
 
 TEST(ResultLine, KeepsWhatIsMissingMissing) {
-  const auto back = resultFrom(lineFrom(JobResult()));
+  const auto back = resultFrom(lineFrom(JobResult()), {{0, "a"}});
   ASSERT_TRUE(back.has_value());
   EXPECT_FALSE(back->exitStatus.has_value() || back->signal.has_value() ||
                back->bounds.has_value() || back->isConverted);
   EXPECT_THAT(back->outputs, testing::IsEmpty());
 }
 
-TEST(ResultLine, LeavesOutNumbersThatAreNoIntegersWhereOneHasToBe) {
-  const auto back = resultFrom(R"({"id":1e300,"converted":true,"size":0.5,"seconds":1e300})");
-  ASSERT_TRUE(back.has_value());
-  EXPECT_EQ(back->id, 0);
-  EXPECT_EQ(back->size, 0);
-  EXPECT_EQ(back->seconds, 1e300);
+TEST(ResultLine, LeavesOutNumbersThatCannotBe) {
+  const auto back = resultFrom(
+      R"({"id":0,"converted":false,"size":0.5,"seconds":1e300,"cpuSeconds":-1,"exitStatus":-1,)"
+      R"("signal":4294967297,"bounds":[0,0,0,1,1,1e999]})",
+      {{0, "a"}});
+  ASSERT_FALSE(back.has_value());  // 1e999 is no JSON to the library
+  const auto other = resultFrom(
+      R"({"id":0,"converted":false,"size":0.5,"seconds":1e300,"cpuSeconds":-1,"exitStatus":-1,)"
+      R"("signal":4294967297,"bounds":[0,0,0,1,1,"x"]})",
+      {{0, "a"}});
+  ASSERT_TRUE(other.has_value());
+  EXPECT_EQ(other->size, 0);
+  EXPECT_EQ(other->seconds, 0);
+  EXPECT_EQ(other->cpuSeconds, 0);
+  EXPECT_FALSE(other->exitStatus || other->signal || other->bounds);
+}
+
+TEST(ResultLine, RejectsIdsThatWereNotGivenOut) {
+  for (const char* const id : {"1", "-1", "1e300", "\"0\"", "null"}) {
+    EXPECT_FALSE(resultFrom(std::string(R"({"id":)") + id + R"(,"converted":false})", {{0, "a"}}))
+        << id;
+  }
+}
+
+TEST(ResultLine, RejectsOutputsThatCannotBeThoseOfTheJob) {
+  for (const char* const path : {"../.bashrc", "/etc/passwd", "b.stl", "a.st", "", ".", "..",
+                                 "a.stl/../../x", "a.stl/x", "a.stl\\u0000x"}) {
+    const std::string line = std::string(R"({"id":0,"converted":true,"outputs":[)") +
+                             R"({"path":"a.stl","size":1},{"path":")" + path + R"(","size":1}]})";
+    EXPECT_FALSE(resultFrom(line, {{0, "a.stl"}})) << path;
+  }
+  for (const char* const outputs :
+       {"[]", "[{}]", "[1]", "{}", "\"a.stl\"", R"([{"path":"a.stl","size":-1}])",
+        R"([{"path":"a.stl"}])", R"([{"path":["a.stl"],"size":1}])"}) {
+    EXPECT_FALSE(resultFrom(std::string(R"({"id":0,"converted":true,"outputs":)") + outputs + "}",
+                            {{0, "a.stl"}}))
+        << outputs;
+  }
 }
 
 TEST(Lines, RejectsOtherTexts) {
   for (const char* line : {"", "{", "[]", "1", "{}", "{\"ids\":1}", "motd: welcome", "\xff"}) {
     EXPECT_FALSE(jobFrom(line).has_value()) << line;
-    EXPECT_FALSE(resultFrom(line).has_value()) << line;
+    EXPECT_FALSE(resultFrom(line, {{0, "a"}}).has_value()) << line;
   }
-  EXPECT_FALSE(resultFrom(lineFrom(Job())).has_value());
+  EXPECT_FALSE(resultFrom(lineFrom(Job()), {{0, "a"}}).has_value());
 }
 
 TEST(Lines, KeepDefaultsForValuesOfOtherKinds) {
-  const auto result =
-      resultFrom(R"({"id":"x","converted":1,"reason":3,"bounds":[1,2],"outputs":[{"path":4}]})");
+  const auto result = resultFrom(R"({"id":0,"converted":1,"reason":3,"bounds":[1,2]})", {{0, "a"}});
   ASSERT_TRUE(result.has_value());
-  EXPECT_EQ(result->id, 0);
   EXPECT_FALSE(result->isConverted);
   EXPECT_EQ(result->reason, "");
   EXPECT_FALSE(result->bounds.has_value());
-  EXPECT_EQ(result->outputs.at(0).path, "");
 }
 
 }  // namespace

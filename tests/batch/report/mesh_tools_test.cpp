@@ -21,7 +21,7 @@ struct Setting {
   TempDir directory;
   std::string outputs = directory / "out/";
   test::ScopedEnv searchPath{"PATH", directory / "bin"};
-  test::ScopedEnv temporary{"TMPDIR", directory / "tmp"};
+  std::string work = directory / "tmp";
   Inspections inspections;
 
   Setting() {
@@ -74,7 +74,7 @@ TEST(InspectOutputs, ChecksAndDrawsEveryStlFile) {
   test::writeFile(setting.outputs + odd, "1234");
   test::writeFile(setting.outputs + "b.stl", "12345");
   test::writeFile(setting.outputs + "c.stp", "123456");
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs,
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
                              {{odd, 4}, {"b.stl", 5}, {"c.stp", 6}, {"missing.stl", 7}},
                              {true, true, 2}, never));
   const Inspection first = findInspection(*setting.inspections, odd);
@@ -97,11 +97,14 @@ TEST(InspectOutputs, LooksAgainOnlyAtWhatHasChanged) {
   test::writeFile(setting.outputs + "b.stl", "1234");
   const std::vector<OutputRecord> outputs = {{"a.stl", 4}, {"b.stl", 4}};
   const InspectionWish wish = {true, false, 1};
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs, wish, never));
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs, wish, never));
+  EXPECT_TRUE(
+      inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs, wish, never));
+  EXPECT_TRUE(
+      inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs, wish, never));
   EXPECT_EQ(setting.checksMade(), ".\n.\n");
   test::writeFile(setting.outputs + "b.stl", "123456");
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs, wish, never));
+  EXPECT_TRUE(
+      inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs, wish, never));
   EXPECT_EQ(setting.checksMade(), ".\n.\n.\n");
   EXPECT_EQ(findInspection(*setting.inspections, "b.stl").check->volume, 6);
 }
@@ -122,8 +125,8 @@ TEST(InspectOutputs, NamesTheFilesThatAToolFailsOnAndWhy) {
   test::writeFile(setting.outputs + "b.stl", "12");
   const test::CapturedCout captured;
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a\n.stl", 1}, {"b.stl", 2}},
-                             {true, true, 1}, never));
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
+                             {{"a\n.stl", 1}, {"b.stl", 2}}, {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "plenvorith-batch: admesh gave nothing for a\\n.stl: exit status 1\n"
             "plenvorith-batch: f3d gave nothing for a\\n.stl: exit status 1\n");
@@ -140,8 +143,8 @@ TEST(InspectOutputs, SaysWhatAToolThatEndsWellHasNotDone) {
   setting.addTool("f3d", "exit 0");
   test::writeFile(setting.outputs + "a.stl", "1");
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 1}}, {true, true, 1},
-                             never));
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 1}},
+                             {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "plenvorith-batch: admesh gave nothing for a.stl: it does not say what is asked\n"
             "plenvorith-batch: f3d gave nothing for a.stl: it has drawn nothing\n");
@@ -156,7 +159,7 @@ TEST(InspectOutputs, NamesOnlyTheFirstOfManyAndShowsHowFarItIs) {
     test::writeFile(setting.outputs + outputs.back().path, "1");
   }
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, outputs,
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs,
                              {.checks = true, .isLine = true}, never));
   const std::string errors = testing::internal::GetCapturedStderr();
   EXPECT_THAT(errors, HasSubstr("nothing for 19.stl: exit status 3\n"));
@@ -170,14 +173,14 @@ TEST(InspectOutputs, SaysOnceThatAToolIsMissing) {
   test::writeFile(setting.outputs + "a.stl", "1234");
   test::writeFile(setting.outputs + "b.stl", "1234");
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 4}, {"b.stl", 4}},
-                             {true, true, 1}, never));
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
+                             {{"a.stl", 4}, {"b.stl", 4}}, {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "plenvorith-batch: no --check without admesh (Debian package admesh)\n"
             "plenvorith-batch: no --thumbnails without f3d and Xvfb (Debian packages f3d and "
             "xvfb)\n");
   setting.addAdmesh();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 4}},
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 4}},
                              {true, false, 1}, never));
   EXPECT_TRUE(findInspection(*setting.inspections, "a.stl").check);
 }
@@ -188,7 +191,7 @@ TEST(InspectOutputs, DoesWithoutADisplayThatDoesNotComeUp) {
   setting.addTool("Xvfb", "exit 1");
   test::writeFile(setting.outputs + "a.stl", "1234");
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, {{"a.stl", 4}},
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 4}},
                              {false, true, 1}, never));
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Xvfb does not start"));
 }
@@ -200,7 +203,7 @@ TEST(InspectOutputs, StopsWhenItIsInterrupted) {
     test::writeFile(setting.outputs + name, "1234");
   }
   int calls = 0;
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs,
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
                              {{"a.stl", 4}, {"b.stl", 4}, {"c.stl", 4}}, {true, true, 1},
                              [&] { return ++calls >= 2; }));
   EXPECT_EQ(setting.checksMade(), ".\n.\n");

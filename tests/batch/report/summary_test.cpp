@@ -7,24 +7,28 @@
 namespace plenvorith {
 namespace {
 
-FileRecord recordWith(FileStatus status, const std::string& path, const std::string& reason,
-                      const std::string& lastLine) {
+Settled recordWith(FileStatus status, const std::string& path, const std::string& reason,
+                   const std::string& lastLine) {
   FileRecord record;
   record.status = status;
   record.path = path;
   record.reason = reason;
   record.lastLine = lastLine;
   record.triangles = status == FileStatus::Converted ? 12 : 0;
-  return record;
+  return {.record = record, .obstacle = {}};
 }
 
 TEST(PrintSummary, TellsAllThatIsNotAsItShouldBe) {
   Summary summary;
-  summary.files = 5;
+  summary.files = 6;
   summary.convertedBefore = 7;
   addToSummary(summary, recordWith(FileStatus::Converted, "/a", "", ""));
   addToSummary(summary, recordWith(FileStatus::Converted, "/b", "ends in the middle", ""));
   addToSummary(summary, recordWith(FileStatus::Failed, "/c\n", "disk full", "last\x1b line"));
+  Settled kept = recordWith(FileStatus::Converted, "/d", "", "");
+  kept.isKept = true;
+  kept.obstacle = "cannot be read";
+  addToSummary(summary, kept);
   FoundFiles found;
   found.problems = {"folder cannot be read: /x\n"};
   found.skipped = {{"links to folders", {2, {"a\n", "b/c"}}}, {"excluded", {3, {"x"}}}};
@@ -38,8 +42,9 @@ TEST(PrintSummary, TellsAllThatIsNotAsItShouldBe) {
             "Failed: 1\n"
             "  /c\\n: disk full (last\\x1b line)\n"
             "Without a result: 2\n"
-            "Not looked at: 1\n"
+            "Not looked at: 2\n"
             "  folder cannot be read: /x\\n\n"
+            "  /d: cannot be read; what was converted before stays\n"
             "Skipped: 3 excluded: x, ...\n"
             "Skipped: 2 links to folders: a\\n, b/c\n"
             "Time: 61 s\n"

@@ -49,8 +49,14 @@ class LedgerTest : public testing::Test {
     int error = 0;
     finished.result.isConverted = true;
     finished.result.size = 5;
-    finished.result.mtime = identityOf(finished.input, error)->mtime;
+    const InputIdentity identity = *identityOf(finished.input, error);
+    finished.result.mtime = identity.mtime;
+    finished.result.changed = identity.changed;
+    finished.result.inode = identity.inode;
     finished.result.hash = contentHash(finished.input);
+    finished.result.started = nanosecondsNow();
+    finished.outputName = name + ".stl";
+    finished.transcript = test::writeFile(context.places.run + "/transcript", "said\n");
     return finished;
   }
 
@@ -64,7 +70,7 @@ class LedgerTest : public testing::Test {
   FileRecord settleOne(const Finished& finished) {
     const auto records = settle(*state, context, {finished});
     EXPECT_EQ(records.size(), 1U);
-    return records.at(0);
+    return records.at(0).record;
   }
 
   /// The names in the output folder, but for the state's.
@@ -104,11 +110,11 @@ TEST_F(LedgerTest, RemovesOutputsThatAreNotMadeAgain) {
 }
 
 TEST_F(LedgerTest, FailsWhereAnOutputCannotBeMoved) {
-  ASSERT_TRUE(makeFolders(dir / "out/a_2.stl/x"));
-  const FileRecord record = settleOne(converted("a.stp", {"a_1.stl", "a_2.stl"}));
+  ASSERT_TRUE(makeFolders(dir / "out/a.stp.stl_2.stl/x"));
+  const FileRecord record = settleOne(converted("a.stp", {"a.stp.stl_1.stl", "a.stp.stl_2.stl"}));
   EXPECT_EQ(record.status, FileStatus::Failed);
   EXPECT_THAT(record.reason, testing::StartsWith("cannot be moved into place: "));
-  EXPECT_THAT(outputs(), ElementsAre("a_2.stl"));
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl_2.stl"));
 }
 
 TEST_F(LedgerTest, TakesNothingForConvertedThatWasBeingDelivered) {
@@ -123,18 +129,57 @@ TEST_F(LedgerTest, TakesNothingForConvertedThatWasBeingDelivered) {
 }
 
 TEST_F(LedgerTest, NeverRemovesWhatAnotherInputMade) {
-  settleOne(converted("a.stp", {"x.stl"}));
-  const Finished again = converted("a.stp", {"y.stl"});
-  Finished other = converted("b.stp", {"x.stl"});
-  test::writeFile(other.outFolder + "/y.stl", "1234");
-  const auto records = settle(*state, context, {other, again});
-  ASSERT_EQ(records.size(), 2U);
-  EXPECT_THAT(outputs(), ElementsAre("x.stl", "y.stl"));
-  EXPECT_TRUE(isUpToDateNow("a.stp") && isUpToDateNow("b.stp"));
+  // The second output of a.stp has the name of the only one of a.stp.stl_2.stp.
+  settleOne(converted("a.stp", {"a.stp.stl", "a.stp.stl_2.stp.stl"}));
+  settleOne(converted("a.stp.stl_2.stp", {"a.stp.stl_2.stp.stl"}));
+  settleOne(converted("a.stp", {"a.stp.stl"}));
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl", "a.stp.stl_2.stp.stl"));
+  EXPECT_TRUE(isUpToDateNow("a.stp") && isUpToDateNow("a.stp.stl_2.stp"));
+}
+
+TEST_F(LedgerTest, GivesOutputsTheirRightNames) {
+  Finished finished = converted("\xff.stp", {"output.stl", "output.stl_1.stl"});
+  finished.outputName = "output.stl";
+  settleOne(finished);
+  EXPECT_THAT(outputs(), ElementsAre("\xff.stp.stl", "\xff.stp.stl_1.stl"));
+}
+
+TEST_F(LedgerTest, KeepsWhatWasMadeOfAFileThatCannotBeTried) {
+  const FileRecord before = settleOne(converted("a.stp", {"a.stp.stl"}));
+  Finished finished = failed(converted("a.stp", {}));
+  finished.result.isTried = false;
+  const auto settled = settle(*state, context, {finished});
+  ASSERT_EQ(settled.size(), 1U);
+  EXPECT_TRUE(settled[0].isKept);
+  EXPECT_EQ(settled[0].obstacle, "why");
+  EXPECT_EQ(findFile(*state, before.path)->status, FileStatus::Converted);
+  EXPECT_THAT(outputs(), ElementsAre("a.stp.stl"));
+  EXPECT_EQ(findTranscript(*state, before.path), "said\n");
+  EXPECT_TRUE(isUpToDateNow("a.stp"));
+}
+
+TEST_F(LedgerTest, TakesTranscriptsIntoTheState) {
+  const Finished finished = failed(converted("a.stp", {}));
+  settleOne(finished);
+  EXPECT_EQ(findTranscript(*state, finished.input), "said\n");
+  EXPECT_FALSE(fs::exists(finished.transcript));
+}
+
+TEST_F(LedgerTest, FindsOutputsThatWouldReplaceThoseOfOthers) {
+  settleOne(converted("a.stp", {"a.stp.stl"}));
+  RunRecord run;
+  run.base = context.base;
+  ASSERT_NE(putRun(*state, run), 0);
+  EXPECT_EQ(findCollision(*state, context, {{dir / "in/a.stp", 1}}), "");
+  context.base = dir / "other/";
+  EXPECT_THAT(findCollision(*state, context, {{dir / "other/b.stp", 1}, {dir / "other/a.stp", 1}}),
+              testing::StartsWith("the output of " + (dir / "other/a.stp") +
+                                  " would replace that of " + (dir / "in/a.stp") + ": --base "));
+  EXPECT_EQ(findCollision(*state, context, {{dir / "other/b.stp", 1}}), "");
 }
 
 TEST_F(LedgerTest, KnowsWhatDiffers) {
-  settleOne(converted("a.stp", {"a.stl"}));
+  settleOne(converted("a.stp", {"a.stp.stl"}));
   const RunContext before = context;
   context.settings = "to=stp";
   EXPECT_FALSE(isUpToDateNow("a.stp"));
@@ -146,12 +191,12 @@ TEST_F(LedgerTest, KnowsWhatDiffers) {
   EXPECT_FALSE(isUpToDateNow("a.stp"));
   context = before;
   EXPECT_TRUE(isUpToDateNow("a.stp"));
-  fs::resize_file(dir / "out/a.stl", 3);
+  fs::resize_file(dir / "out/a.stp.stl", 3);
   EXPECT_FALSE(isUpToDateNow("a.stp"));
 }
 
 TEST_F(LedgerTest, KnowsAnInputByItsContentWhereTheTimeDiffers) {
-  settleOne(converted("a.stp", {"a.stl"}));
+  settleOne(converted("a.stp", {"a.stp.stl"}));
   const timespec older[] = {{946684800, 0}, {946684800, 0}};
   ASSERT_EQ(utimensat(AT_FDCWD, (dir / "in/a.stp").c_str(), older, 0), 0);
   auto record = findFile(*state, dir / "in/a.stp");
@@ -165,13 +210,16 @@ TEST_F(LedgerTest, KnowsAnInputByItsContentWhereTheTimeDiffers) {
 }
 
 TEST_F(LedgerTest, TrustsNoTimeThatIsYoungOrInTheFuture) {
-  Finished finished = converted("a.stp", {"a.stl"});
+  Finished finished = converted("a.stp", {"a.stp.stl"});
   for (const std::int64_t seconds : {std::time(nullptr), std::time(nullptr) + 1000000}) {
     const timespec times[] = {{seconds, 0}, {seconds, 0}};
     ASSERT_EQ(utimensat(AT_FDCWD, finished.input.c_str(), times, 0), 0);
     int error = 0;
-    finished.result.mtime = identityOf(finished.input, error)->mtime;
-    test::writeFile(finished.outFolder + "/a.stl", "1234");
+    const InputIdentity identity = *identityOf(finished.input, error);
+    finished.result.mtime = identity.mtime;
+    finished.result.changed = identity.changed;
+    finished.result.started = nanosecondsNow();
+    test::writeFile(finished.outFolder + "/a.stp.stl", "1234");
     settleOne(finished);
     EXPECT_TRUE(isUpToDateNow("a.stp"));
     test::writeFile(finished.input, "INPUT");
@@ -182,11 +230,11 @@ TEST_F(LedgerTest, TrustsNoTimeThatIsYoungOrInTheFuture) {
 }
 
 TEST_F(LedgerTest, PrunesWhatVanishedInputsMade) {
-  settleOne(converted("a.stp", {"a.stl"}));
-  settleOne(converted("b.stp", {"b.stl"}));
+  settleOne(converted("a.stp", {"a.stp.stl"}));
+  settleOne(converted("b.stp", {"b.stp.stl"}));
   fs::remove(dir / "in/a.stp");
   EXPECT_EQ(prune(*state, context.places), 1);
-  EXPECT_THAT(outputs(), ElementsAre("b.stl"));
+  EXPECT_THAT(outputs(), ElementsAre("b.stp.stl"));
   EXPECT_FALSE(findFile(*state, dir / "in/a.stp").has_value());
   EXPECT_EQ(prune(*state, context.places), 0);
 }

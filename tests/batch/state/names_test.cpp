@@ -24,15 +24,14 @@ TEST(OutputNameFor, KeepsTheFullName) {
   EXPECT_EQ(outputNameFor("/in/a.stp", settings), "a.stp.stp");
 }
 
-TEST(TranscriptFor, CutsOnlyWhatIsTooLong) {
-  EXPECT_EQ(transcriptFor("sub/a.stp"), "transcripts/sub/a.stp.txt");
-  const std::string fits(251, 'a');
-  EXPECT_EQ(transcriptFor("b/" + fits), "transcripts/b/" + fits + ".txt");
-  const std::string one = transcriptFor("b/" + std::string(252, 'a'));
-  const std::string other = transcriptFor("b/" + std::string(251, 'a') + 'b');
-  EXPECT_THAT(one, testing::StartsWith("transcripts/b/" + std::string(200, 'a') + '~'));
-  EXPECT_EQ(one.size(), std::string("transcripts/b/").size() + 200 + 1 + 16 + 4);
-  EXPECT_NE(one, other);
+TEST(WorkNameFor, IsAnotherWhereTheKernelWouldChangeIt) {
+  ConversionSettings settings;
+  EXPECT_EQ(workNameFor("/\xff/a b~.STEP", settings), "a b~.STEP.stl");
+  settings.to = "stp";
+  for (const char* const name :
+       {"/in/\xff.stp", "/in/\xc3\xbc.stp", "/in/\n.stp", "/in/\x7f.stp"}) {
+    EXPECT_EQ(workNameFor(name, settings), "output.stp");
+  }
 }
 
 TEST(SettingsText, HoldsAllThatDecides) {

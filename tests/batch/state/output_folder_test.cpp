@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "batch/state/shard.h"
+#include "batch/system/folder.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -37,10 +38,14 @@ class OutputFolderTest : public testing::Test {
 
   /// What is in the way of a run, which keeps its locks.
   std::string take(const Options& options) {
-    return takeOutputFolder(options, contextOf(options), locks.emplace_back());
+    RunContext context = contextOf(options);
+    const std::string problem = takeOutputFolder(options, context, owned.emplace_back());
+    run = context.places.run;
+    return problem;
   }
 
-  std::string join(const Options& options, StateHandle* state = nullptr) {
+  std::string join(Options options, StateHandle* state = nullptr) {
+    options.dryRun = state == nullptr;
     files = {{"/in/a.stp", 100}, {"/in/b.stp", 100}};
     return becomeShard(options, contextOf(options), state, files);
   }
@@ -58,7 +63,8 @@ class OutputFolderTest : public testing::Test {
   }
 
   const test::TempDir dir;
-  std::vector<Locks> locks;
+  std::vector<OwnedFolder> owned;
+  std::string run;  ///< the folder that was given out last
   std::vector<InputFile> files;
 };
 
@@ -67,7 +73,7 @@ TEST_F(OutputFolderTest, BelongsToOneRun) {
   EXPECT_EQ(take(optionsOf({})), "another run is writing to " + dir / "out");
   EXPECT_EQ(take(optionsOf(Shard{1, 2})),
             "another run is writing to " + (dir / "out") + ", or to this shard");
-  locks.clear();
+  owned.clear();
   EXPECT_EQ(take(optionsOf({})), "");
 }
 
@@ -78,11 +84,29 @@ TEST_F(OutputFolderTest, IsSharedByShardsButNotByTwoOfTheSame) {
   EXPECT_THAT(take(optionsOf({})), HasSubstr("another run is writing to"));
 }
 
-TEST_F(OutputFolderTest, LosesWhatAnEarlierRunLeftUnderWay) {
-  const std::string run = contextOf(optionsOf({})).places.run;
-  std::filesystem::create_directories(run + "/worker1");
+TEST_F(OutputFolderTest, LosesWhatAKilledRunLeftUnderWay) {
+  const std::string below = contextOf(optionsOf({})).places.run;
+  std::filesystem::create_directories(below + "/0123456789abcdef/1");
   EXPECT_EQ(take(optionsOf({})), "");
+  EXPECT_EQ(namesInFolder(below), std::vector{run.substr(below.size() + 1)});
   EXPECT_TRUE(std::filesystem::is_empty(run));
+  owned.clear();
+  EXPECT_FALSE(std::filesystem::exists(below));
+}
+
+TEST_F(OutputFolderTest, GivesNoTwoRunsTheSameFolder) {
+  EXPECT_EQ(take(optionsOf({})), "");
+  const std::string first = run;
+  owned.clear();
+  EXPECT_EQ(take(optionsOf({})), "");
+  EXPECT_NE(run, first);
+}
+
+TEST_F(OutputFolderTest, IsNotTakenWhereNothingCanBeWorkedIn) {
+  ASSERT_TRUE(makeFolders(contextOf(optionsOf({})).places.state));
+  test::writeFile(contextOf(optionsOf({})).places.state + "/run", "");
+  EXPECT_EQ(take(optionsOf({})),
+            "no work folder below " + contextOf(optionsOf({})).places.run + ": Not a directory");
 }
 
 TEST_F(OutputFolderTest, CannotBeAFile) {
@@ -92,10 +116,10 @@ TEST_F(OutputFolderTest, CannotBeAFile) {
 
 TEST_F(OutputFolderTest, IsKeptFromWholeRunsUntilItsShardsAreMerged) {
   divide();
-  locks.clear();
+  owned.clear();
   EXPECT_EQ(take(optionsOf({})),
             "there are shards in " + (dir / "out") + " that --merge has not taken in");
-  locks.clear();
+  owned.clear();
   Options merge = optionsOf({});
   merge.merge = true;
   EXPECT_EQ(take(merge), "");

@@ -59,8 +59,9 @@ TEST_F(StateColumnsTest, GiveBackEveryValueOfAFile) {
   in.peakMemory = 7;
   in.bounds = Bounds{{1, 2, 3}, {4, 5, 6}};
   in.host = "h";
-  in.transcript = "t";
-  StatementUse use(prepare(25));
+  in.changed = 8;
+  in.inode = 9;
+  StatementUse use(prepare(26));
   bindFile(use, in);
   ASSERT_TRUE(use.step());
   const auto [out, id] = fileFrom(use);
@@ -86,13 +87,14 @@ TEST_F(StateColumnsTest, GiveBackEveryValueOfAFile) {
   EXPECT_THAT(out.bounds->low, ElementsAre(1, 2, 3));
   EXPECT_THAT(out.bounds->high, ElementsAre(4, 5, 6));
   EXPECT_EQ(out.host, "h");
-  EXPECT_EQ(out.transcript, "t");
+  EXPECT_EQ(out.changed, 8);
+  EXPECT_EQ(out.inode, 9);
 }
 
 TEST_F(StateColumnsTest, KeepWhatIsNotKnownApartFromZero) {
   FileRecord in;
   in.exitStatus = 0;
-  StatementUse use(prepare(25));
+  StatementUse use(prepare(26));
   bindFile(use, in);
   ASSERT_TRUE(use.step());
   const FileRecord out = fileFrom(use).first;

@@ -41,13 +41,13 @@ using Values = std::array<int, 2>;
 
 TEST_F(StateQueriesTest, TakeAndGiveTheValuesOfTheRecords) {
   EXPECT_EQ(valuesOf(Query::PutRun), (Values{9, 1}));
-  EXPECT_EQ(valuesOf(Query::PutFile), (Values{25, 1}));
+  EXPECT_EQ(valuesOf(Query::PutFile), (Values{26, 1}));
   EXPECT_EQ(valuesOf(Query::DropOutputs), (Values{1, 0}));
   EXPECT_EQ(valuesOf(Query::PutOutput), (Values{3, 0}));
   EXPECT_EQ(valuesOf(Query::RemoveFile), (Values{1, 0}));
   EXPECT_EQ(valuesOf(Query::FindId), (Values{1, 1}));
-  EXPECT_EQ(valuesOf(Query::FindFile), (Values{1, 26}));
-  EXPECT_EQ(valuesOf(Query::AllFiles), (Values{0, 26}));
+  EXPECT_EQ(valuesOf(Query::FindFile), (Values{1, 27}));
+  EXPECT_EQ(valuesOf(Query::AllFiles), (Values{0, 27}));
   EXPECT_EQ(valuesOf(Query::FindOutputs), (Values{1, 2}));
   EXPECT_EQ(valuesOf(Query::AllRuns), (Values{0, 9}));
 }
@@ -67,8 +67,8 @@ TEST_F(StateQueriesTest, ShowFilesToPeopleAsTexts) {
   ASSERT_TRUE(executeStatements(
       database,
       "INSERT INTO file(path, name, run, status, reason, last_line, size, mtime, hash, settings, "
-      "program, triangles, seconds, cpu_seconds, peak_memory, host, transcript) VALUES("
-      "x'2f61', x'61', 1, 'failed', '', x'', 0, 0, x'00ff', '', '', 0, 0, 0, 0, '', x'')"));
+      "program, triangles, seconds, cpu_seconds, peak_memory, host) VALUES("
+      "x'2f61', x'61', 1, 'failed', '', x'', 0, 0, x'00ff', '', '', 0, 0, 0, 0, '')"));
   EXPECT_EQ(numberFrom(database, "SELECT path = '/a' AND hash = '00FF' FROM files", -1), 1);
 }
 

@@ -41,7 +41,8 @@ FileRecord fileWithAllValues() {
   file.peakMemory = 4096;
   file.bounds = Bounds{{-1.5, 0, 1}, {2, 3, 1e300}};
   file.host = "here";
-  file.transcript = "transcripts/\xff.txt";
+  file.changed = 8;
+  file.inode = 9;
   file.outputs = {{"a\xff.stl", 684}, {"b.stl", 84}};
   return file;
 }
@@ -79,7 +80,8 @@ void expectEqual(const FileRecord& a, const FileRecord& b) {
     EXPECT_EQ(a.bounds->high, b.bounds->high);
   }
   EXPECT_EQ(a.host, b.host);
-  EXPECT_EQ(a.transcript, b.transcript);
+  EXPECT_EQ(a.changed, b.changed);
+  EXPECT_EQ(a.inode, b.inode);
   EXPECT_EQ(pathsOf(a.outputs), pathsOf(b.outputs));
 }
 

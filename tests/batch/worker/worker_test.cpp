@@ -76,7 +76,7 @@ class WorkerTest : public testing::Test {
     while (read(results.get(), &c, 1) == 1 && c != '\n') {
       line += c;
     }
-    const auto result = resultFrom(line);
+    const auto result = resultFrom(line, {{5, ""}});
     EXPECT_TRUE(result.has_value()) << line;
     return result.value_or(JobResult());
   }
