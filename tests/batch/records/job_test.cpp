@@ -117,7 +117,8 @@ TEST(ResultLine, TellsItsProtocol) {
 
 TEST(Lines, PassOverUnknownFields) {
   EXPECT_EQ(jobFrom(R"({"id":3,"input":"a","colour":["red"],"protocol":2})")->input, "a");
-  EXPECT_EQ(resultFrom(R"({"id":3,"converted":true,"parts":{},"reason":"b"})")->reason, "b");
+  EXPECT_EQ(resultFrom(R"({"id":3,"converted":false,"parts":{},"reason":"b"})", {{3, "a"}})->reason,
+            "b");
 }
 
 TEST(NamesLine, KeepsEveryByte) {
