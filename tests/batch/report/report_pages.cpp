@@ -74,7 +74,6 @@ ReportFile plainFile(std::size_t i, std::size_t count) {
     file.record.reason = i % 20 == 3 ? "ends in the middle" : "kernel crashed (signal 11)";
     file.transcriptEnd = "Reading: part\n  \x1b[31mError: <none>\nFailed";
     file.record.exitStatus = 1;
-    file.transcript = "Reading: part\n  <i>two\x1b lines\nFailed\n";
     return file;
   }
   file.record.status = plenvorith::FileStatus::Converted;
