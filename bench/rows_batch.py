@@ -57,7 +57,7 @@ def tree_memory(root):
     return total
 
 
-def measure_batch(table, scratch):
+def measure_batch(table, _, scratch):
     def batch(inputs, output, *options):
         shutil.rmtree(output, ignore_errors=True)
         return run(BATCH, inputs, "-o", output, *options)
