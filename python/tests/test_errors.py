@@ -148,7 +148,7 @@ def the_busy_worker():
     return busy[0] if busy else None
 
 
-@pytest.mark.parametrize("number", [signal.SIGKILL, signal.SIGSEGV])
+@pytest.mark.parametrize("number", [signal.SIGKILL, signal.SIGABRT])
 def test_a_worker_that_is_killed_is_an_error_of_the_worker(endless, number):
     thread, raised = in_background(lambda: plenvorith.load(endless, prepare=False))
     until(the_busy_worker)
@@ -164,7 +164,7 @@ def test_a_worker_that_ends_says_how(endless):
     until(the_busy_worker)
     os.kill(the_busy_worker(), signal.SIGTERM)
     thread.join(30)
-    assert raised[0].reason == "the worker ended with status 0"
+    assert raised[0].reason.startswith("the worker ended with status 0")
 
 
 def test_a_worker_that_is_stopped_is_given_up(endless):
