@@ -3,10 +3,12 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <utility>
 
@@ -181,6 +183,9 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
   }
   if (!end.problem.empty()) {
     say(end.problem);
+    if (!options.sshlogin.empty() && summary.converted + countOf(summary.failures) == 0) {
+      return kNothingBegun;  // no host can convert
+    }
   }
   const bool isOtherDone = end.signal != 0 || doOtherWork(options, context.places, state);
   bool isAllWell = printSummary(summary, found, run.seconds, context.places.state);
@@ -197,6 +202,31 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
   return isAllWell && isOtherDone && end.problem.empty() ? 0 : kSomeFailed;
 }
 
+/// Tells what has become of the files of a division that are not converted; gives their number.
+std::int64_t tellUnconverted(const Division& division, StateHandle& state) {
+  std::int64_t failed = 0;
+  std::map<std::size_t, std::int64_t> untried;  // by shard
+  std::map<std::size_t, std::int64_t> all;
+  const std::vector<std::size_t> shards = shardsOf(division);
+  for (std::size_t i = 0; i < shards.size(); ++i) {
+    const std::optional<FileRecord> record = findFile(state, division.files[i].path);
+    failed += record && record->status != FileStatus::Converted ? 1 : 0;
+    untried[shards[i]] += record ? 0 : 1;
+    ++all[shards[i]];
+  }
+  std::erase_if(untried, [](const auto& entry) { return entry.second == 0; });
+  if (failed > 0) {
+    std::cout << "Failed: " << failed << std::endl;
+  }
+  std::int64_t open = failed;
+  for (const auto& [shard, count] : untried) {
+    std::cout << "Never tried: " << count << " of shard " << shard << '/' << division.count
+              << (count == all[shard] ? ", which is missing" : ", which did not end") << std::endl;
+    open += count;
+  }
+  return open;
+}
+
 /// Makes one state of those of the shards, and the report of it.
 int mergeAll(const Options& options, const Places& places, StateHandle& state) {
   const std::optional<Division> division = readDivision(divisionPath(places));
@@ -205,14 +235,7 @@ int mergeAll(const Options& options, const Places& places, StateHandle& state) {
   for (const std::string& problem : merged.problems) {
     say(problem);
   }
-  std::int64_t open = 0;
-  for (const InputFile& file : division ? division->files : std::vector<InputFile>()) {
-    const std::optional<FileRecord> record = findFile(state, file.path);
-    open += record && record->status == FileStatus::Converted ? 0 : 1;
-  }
-  if (open > 0) {
-    std::cout << "Not converted: " << open << std::endl;
-  }
+  const std::int64_t open = division ? tellUnconverted(*division, state) : 0;
   const bool isOtherDone = doOtherWork(options, places, state);
   const bool isReported = reportState(options, state, places);
   return merged.problems.empty() && open == 0 && isOtherDone && isReported ? 0 : kSomeFailed;

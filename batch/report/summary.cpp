@@ -1,17 +1,60 @@
 #include "batch/report/summary.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <functional>
 #include <iostream>
+#include <span>
 #include <utility>
 
+#include "batch/report/reason_kinds.h"
 #include "batch/system/text.h"
 #include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {
 
-void printLines(const std::vector<std::string>& lines) {
-  for (const std::string& line : lines) {
-    std::cout << "  " << line << std::endl;
+/// As many as a person reads.
+constexpr std::int64_t kExamples = 20;
+
+void keep(ToldFiles& files, const FileRecord& record, const std::string& reason,
+          const std::string& lastLine) {
+  Told& told = files[std::string(beginningOf(reason))];
+  if (told.count == 0) {
+    told.title = reason;
+  } else if (told.title != reason) {
+    told.title = beginningOf(reason);
+  }
+  if (++told.count <= kExamples) {
+    told.examples.push_back({record.name, reason, lastLine});
+  }
+}
+
+std::string exampleText(const std::string& name, const std::string& reason,
+                        const std::string& lastLine) {
+  const std::string text = reasonWithLine(printable(reason), printable(lastLine));
+  return printable(name) + (text.empty() ? "" : ": ") + text;
+}
+
+/// Counts the kinds of reasons, the most frequent first, each with a fair part of the examples.
+void printTold(const ToldFiles& files) {
+  std::vector<Told> kinds;
+  for (const auto& [beginning, told] : files) {
+    kinds.push_back(told);
+  }
+  std::ranges::stable_sort(kinds, std::ranges::greater(), &Told::count);
+  std::int64_t left = kExamples;
+  auto open = static_cast<std::int64_t>(kinds.size());
+  for (const Told& kind : kinds) {
+    std::cout << "  " << kind.count << ' ' << printable(kind.title) << std::endl;
+    const std::int64_t part = std::min(kind.count, (left + open - 1) / open);
+    left -= part;
+    --open;
+    for (const Example& file : std::span(kind.examples).first(static_cast<std::size_t>(part))) {
+      const bool isAlike = file.reason == kind.title;
+      std::cout << "    " << exampleText(file.name, isAlike ? "" : file.reason, file.lastLine)
+                << std::endl;
+    }
   }
 }
 
@@ -21,14 +64,20 @@ void printCount(const char* what, std::int64_t count) {
   }
 }
 
-void printProblems(const FoundFiles& found, const std::vector<std::string>& kept) {
-  if (!found.problems.empty() || !kept.empty()) {
-    std::cout << "Not looked at: " << found.problems.size() + kept.size() << std::endl;
-    for (const std::string& problem : found.problems) {
-      std::cout << "  " << printable(problem) << std::endl;
-    }
-    printLines(kept);
+void printProblems(const FoundFiles& found, const ToldFiles& kept) {
+  const auto problems = static_cast<std::int64_t>(found.problems.size());
+  if (problems == 0 && kept.empty()) {
+    return;
   }
+  std::cout << "Not looked at: " << problems + countOf(kept) << std::endl;
+  for (const std::string& problem :
+       std::span(found.problems).first(static_cast<std::size_t>(std::min(problems, kExamples)))) {
+    std::cout << "  " << printable(problem) << std::endl;
+  }
+  if (problems > kExamples) {
+    std::cout << "  and " << problems - kExamples << " more" << std::endl;
+  }
+  printTold(kept);
 }
 
 void printSkipped(const FoundFiles& found) {
@@ -50,31 +99,35 @@ std::string skippedText(const std::string& what, const Skipped& skipped) {
   return isAll ? text : text + ", ...";
 }
 
+std::int64_t countOf(const ToldFiles& files) {
+  std::int64_t count = 0;
+  for (const auto& [beginning, told] : files) {
+    count += told.count;
+  }
+  return count;
+}
+
 void addToSummary(Summary& summary, const Settled& settled) {
   const FileRecord& record = settled.record;
   if (settled.isKept) {
-    summary.kept.push_back(keptLine(settled));
-    return;
-  }
-  if (record.status != FileStatus::Converted) {
-    summary.failures.push_back(failureLine(record));
-    return;
-  }
-  ++summary.converted;
-  summary.triangles += record.triangles;
-  if (!record.reason.empty()) {
-    summary.doubtful.push_back(failureLine(record));
+    keep(summary.kept, record, settled.obstacle + "; what was converted before stays", "");
+  } else if (record.status != FileStatus::Converted) {
+    keep(summary.failures, record, record.reason, record.lastLine);
+  } else {
+    ++summary.converted;
+    summary.triangles += record.triangles;
+    if (!record.reason.empty()) {
+      keep(summary.doubtful, record, record.reason, record.lastLine);
+    }
   }
 }
 
 std::string failureLine(const FileRecord& record) {
-  return printable(record.path) + ": " +
-         reasonWithLine(printable(record.reason), printable(record.lastLine));
+  return exampleText(record.name, record.reason, record.lastLine);
 }
 
 std::string keptLine(const Settled& settled) {
-  return printable(settled.record.path) + ": " + printable(settled.obstacle) +
-         "; what was converted before stays";
+  return exampleText(settled.record.name, settled.obstacle, "");
 }
 
 void printPlan(const Summary& summary, const FoundFiles& found) {
@@ -86,18 +139,18 @@ void printPlan(const Summary& summary, const FoundFiles& found) {
 
 bool printSummary(const Summary& summary, const FoundFiles& found, double seconds,
                   const std::string& stateFolder) {
-  const auto failed = static_cast<std::int64_t>(summary.failures.size());
-  const auto kept = static_cast<std::int64_t>(summary.kept.size());
+  const std::int64_t failed = countOf(summary.failures);
+  const std::int64_t kept = countOf(summary.kept);
   const std::int64_t lost = summary.files - summary.converted - failed - kept;
   std::cout << "Converted: " << summary.converted << " (" << summary.triangles << " triangles)"
             << std::endl;
   printCount("Converted before: ", summary.convertedBefore);
   if (!summary.doubtful.empty()) {
-    std::cout << "Converted, but doubtful: " << summary.doubtful.size() << std::endl;
-    printLines(summary.doubtful);
+    std::cout << "Converted, but doubtful: " << countOf(summary.doubtful) << std::endl;
+    printTold(summary.doubtful);
   }
   std::cout << "Failed: " << failed << std::endl;
-  printLines(summary.failures);
+  printTold(summary.failures);
   printCount("Without a result: ", lost);
   printProblems(found, summary.kept);
   printSkipped(found);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -10,16 +12,36 @@
 
 namespace plenvorith {
 
+/// A file that something was said of.
+struct Example {
+  std::string name;
+  std::string reason;
+  std::string lastLine;
+};
+
+/// Files with reasons of one kind.
+struct Told {
+  std::int64_t count = 0;
+  std::string title;  ///< the whole reason as long as all have the same, else what they begin with
+  std::vector<Example> examples;  ///< the first few
+};
+
+/// What was said of files, by the beginning of the reason.
+using ToldFiles = std::map<std::string, Told, std::less<>>;
+
 /// What a run came to.
 struct Summary {
   std::int64_t files = 0;  ///< to convert in this run
   std::int64_t converted = 0;
   std::int64_t triangles = 0;
   std::int64_t convertedBefore = 0;
-  std::vector<std::string> failures;  ///< one line each
-  std::vector<std::string> doubtful;  ///< converted, but; one line each
-  std::vector<std::string> kept;      ///< could not be tried, what was there stays; one line each
+  ToldFiles failures;
+  ToldFiles doubtful;  ///< converted, but
+  ToldFiles kept;      ///< could not be tried, and what was there before stays
 };
+
+/// How many files something was said of.
+std::int64_t countOf(const ToldFiles& files);
 
 /// Adds a file that got a result.
 void addToSummary(Summary& summary, const Settled& settled);
@@ -27,11 +49,11 @@ void addToSummary(Summary& summary, const Settled& settled);
 /// A file and what is wrong with it, in one line for a person.
 std::string failureLine(const FileRecord& record);
 
-/// What is left out, in one line: "3 files that end in .zip: a.zip, b.zip, c.zip".
-std::string skippedText(const std::string& what, const Skipped& skipped);
-
 /// The same of a file that could not be tried.
 std::string keptLine(const Settled& settled);
+
+/// What is left out, in one line: "3 files that end in .zip: a.zip, b.zip, c.zip".
+std::string skippedText(const std::string& what, const Skipped& skipped);
 
 /// Prints on standard output what a run would do and what it would leave out.
 void printPlan(const Summary& summary, const FoundFiles& found);

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "batch/inputs/input_identity.h"
@@ -96,8 +97,21 @@ struct Settling {
   std::vector<OutputRecord> outputs;  ///< those that will stay
   std::string transcript;
   bool isKept = false;  ///< the state has the record already, and nothing is to be done
-  std::string obstacle;
+  std::string obstacle = {};
 };
+
+/// What a conversion said; of more than a million bytes the two ends.
+std::string readTranscript(const std::string& path) {
+  constexpr std::size_t kMost = std::size_t{1} << 20;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+  std::string transcript = readEnds(file.get(), kMost);
+  struct stat status {};
+  if (fstat(file.get(), &status) == 0 && static_cast<std::size_t>(status.st_size) > kMost) {
+    transcript.insert(kMost / 2, "\n[" + std::to_string(status.st_size - std::int64_t{kMost}) +
+                                     " bytes are left out here]\n");
+  }
+  return transcript;
+}
 
 Settling settlingOf(StateHandle& state, const RunContext& context, const Finished& finished) {
   Settling settling{.record = recordOf(context, finished), .outputs = {}, .transcript = {}};
@@ -108,9 +122,7 @@ Settling settlingOf(StateHandle& state, const RunContext& context, const Finishe
     settling.isKept = true;
     return settling;
   }
-  constexpr std::size_t kMostOfTranscript = std::size_t{1} << 20;
-  const Descriptor transcript(open(finished.transcript.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
-  settling.transcript = readEnds(transcript.get(), kMostOfTranscript);
+  settling.transcript = readTranscript(finished.transcript);
   settling.outputs = placedOutputs(context, finished);
   settling.record.outputs =
       joined(settling.outputs, before ? before->outputs : std::vector<OutputRecord>());

@@ -132,16 +132,23 @@ std::optional<Division> readDivision(const std::string& path) {
   return division;
 }
 
-std::vector<InputFile> filesOfShard(const Division& division, int number) {
+std::vector<std::size_t> shardsOf(const Division& division) {
   std::vector<std::uint64_t> sizes;
   for (const InputFile& file : division.files) {
     sizes.push_back(static_cast<std::uint64_t>(file.size));
   }
-  const std::vector<std::size_t> partOf =
-      divideEvenly(sizes, static_cast<std::size_t>(division.count));
+  std::vector<std::size_t> shards = divideEvenly(sizes, static_cast<std::size_t>(division.count));
+  for (std::size_t& shard : shards) {
+    ++shard;
+  }
+  return shards;
+}
+
+std::vector<InputFile> filesOfShard(const Division& division, int number) {
+  const std::vector<std::size_t> shards = shardsOf(division);
   std::vector<InputFile> files;
-  for (std::size_t i = 0; i < partOf.size(); ++i) {
-    if (partOf[i] + 1 == static_cast<std::size_t>(number)) {
+  for (std::size_t i = 0; i < shards.size(); ++i) {
+    if (shards[i] == static_cast<std::size_t>(number)) {
       files.push_back(division.files[i]);
     }
   }

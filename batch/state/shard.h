@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,6 +39,9 @@ Division agreeOnDivision(const std::string& path, const Division& proposal, std:
 
 /// The division in a file; nothing if there is none.
 std::optional<Division> readDivision(const std::string& path);
+
+/// The number of the shard, from 1 on, that each of the files belongs to.
+std::vector<std::size_t> shardsOf(const Division& division);
 
 /// The files of one shard, in the order of the division.
 std::vector<InputFile> filesOfShard(const Division& division, int number);

@@ -61,9 +61,9 @@ ShardsKeepToTheListOfTheFirst() {
   step_file in/late.stp 7
   rm in/5.stp # one of the second shard
   run 1 in -o out --shard 2/2
-  grep -q 'in/5.stp: cannot be read' stdout || fail 'the list of the first was not kept to'
+  grep -q '^failed: 5.stp: cannot be read' stderr || fail 'the list of the first was not kept to'
   run 1 --merge -o out
-  expect_line stdout 'Not converted: 1'
+  expect_line stdout 'Failed: 1'
   [[ ! -e out/late.stp.stl ]] || fail 'a file that came late was converted'
   run 0 in -o out --shard 1/1 --resume
   run 0 --merge -o out --prune
@@ -88,6 +88,13 @@ AShardGoesOnWhereItWasKilled() {
   expect_line stdout 'Converted before: 6'
   run 0 --merge -o out
   expect_files 12 out
+}
+
+AMergeNamesTheShardThatIsMissing() {
+  make_files 6
+  run 0 in -o out --shard 1/2
+  run 1 --merge -o out
+  expect_line stdout 'Never tried: 3 of shard 2/2, which is missing'
 }
 
 AShardKnowsWhatWasConvertedBeforeTheDivision() {
@@ -211,7 +218,7 @@ ShardsRunAsAnArrayOfSlurm() {
   [[ $(cat slurm-*.out | grep -c '^failed: ') == 1 ]] || fail "more has failed: $(cat slurm-*.out)"
   run 1 --merge -o out
   expect_line stdout 'Merged: 4 shards, 41 files'
-  expect_line stdout 'Not converted: 1'
+  expect_line stdout 'Failed: 1'
   expect_files 40 out
 }
 

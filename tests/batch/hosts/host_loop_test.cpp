@@ -87,7 +87,7 @@ TEST_F(HostLoopTest, NeedsGnuParallel) {
 TEST_F(HostLoopTest, GivesUpWhereNoHostCanConvert) {
   const LoopEnd end = convert("echo 'no such option'\n");
   EXPECT_EQ(end.problem, "no host can convert: no such option");
-  EXPECT_EQ(summary.failures.size(), 0U);
+  EXPECT_EQ(countOf(summary.failures), 0);
 }
 
 TEST_F(HostLoopTest, SettlesWhatTheHostsSayAndLeavesNothingOfARound) {
@@ -95,7 +95,7 @@ TEST_F(HostLoopTest, SettlesWhatTheHostsSayAndLeavesNothingOfARound) {
   const LoopEnd end = convert(answerAsHost() + "cat '" + (dir / "answers") + "'\n");
   EXPECT_EQ(end.problem, "");
   EXPECT_EQ(end.signal, 0);
-  EXPECT_EQ(summary.failures.size(), 3U);
+  EXPECT_EQ(countOf(summary.failures), 3);
   EXPECT_EQ(findFile(*state, dir / "b.stp")->reason, "broken");
   EXPECT_EQ(test::readFile(dir / "rounds"), "round\n");
   EXPECT_TRUE(std::filesystem::is_empty(context.places.run));
@@ -106,7 +106,7 @@ TEST_F(HostLoopTest, SendsOutAnewWhatHasNoResultUntilTwoRoundsBringNone) {
   const LoopEnd end = convert(answerAsHost() + "cat chunks *.jobs >>'" + (dir / "sent") +
                               "'\ncat '" + (dir / "answers") + "'\n");
   EXPECT_EQ(end.problem, "");
-  EXPECT_EQ(summary.failures.size(), 1U);
+  EXPECT_EQ(countOf(summary.failures), 1);
   EXPECT_TRUE(findFile(*state, dir / "b.stp").has_value());
   EXPECT_FALSE(findFile(*state, dir / "a.stp").has_value());
   EXPECT_EQ(test::readFile(dir / "rounds"), "round\nround\nround\n");

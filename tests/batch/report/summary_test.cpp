@@ -1,5 +1,6 @@
 #include "batch/report/summary.h"
 
+#include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -11,7 +12,8 @@ Settled recordWith(FileStatus status, const std::string& path, const std::string
                    const std::string& lastLine) {
   FileRecord record;
   record.status = status;
-  record.path = path;
+  record.path = "/in" + path;
+  record.name = path.substr(1);
   record.reason = reason;
   record.lastLine = lastLine;
   record.triangles = status == FileStatus::Converted ? 12 : 0;
@@ -38,17 +40,63 @@ TEST(PrintSummary, TellsAllThatIsNotAsItShouldBe) {
             "Converted: 2 (24 triangles)\n"
             "Converted before: 7\n"
             "Converted, but doubtful: 1\n"
-            "  /b: ends in the middle\n"
+            "  1 ends in the middle\n"
+            "    b\n"
             "Failed: 1\n"
-            "  /c\\n: disk full (last\\x1b line)\n"
+            "  1 disk full\n"
+            "    c\\n: last\\x1b line\n"
             "Without a result: 2\n"
             "Not looked at: 2\n"
             "  folder cannot be read: /x\\n\n"
-            "  /d: cannot be read; what was converted before stays\n"
+            "  1 cannot be read; what was converted before stays\n"
+            "    d\n"
             "Skipped: 3 excluded: x, ...\n"
             "Skipped: 2 links to folders: a\\n, b/c\n"
             "Time: 61 s\n"
             "State and transcripts: /out/.plenvorith-batch\n");
+}
+
+std::string printed(const Summary& summary) {
+  testing::internal::CaptureStdout();
+  EXPECT_FALSE(printSummary(summary, FoundFiles(), 0, "/s"));
+  const std::string text = testing::internal::GetCapturedStdout();
+  return text.substr(text.find("Failed: "), text.find("Time: ") - text.find("Failed: "));
+}
+
+TEST(PrintSummary, CountsFailuresByKindAndTellsThemApart) {
+  Summary summary;
+  summary.files = 4;
+  addToSummary(summary, recordWith(FileStatus::Failed, "/a", "empty", ""));
+  addToSummary(summary, recordWith(FileStatus::Failed, "/b", "exit status 3", "no luck"));
+  addToSummary(summary, recordWith(FileStatus::Failed, "/c", "exit status 4", ""));
+  addToSummary(summary, recordWith(FileStatus::Failed, "/d", "exit status 4", ""));
+  EXPECT_EQ(printed(summary),
+            "Failed: 4\n"
+            "  3 exit status\n"
+            "    b: exit status 3 (no luck)\n"
+            "    c: exit status 4\n"
+            "    d: exit status 4\n"
+            "  1 empty\n"
+            "    a\n");
+}
+
+TEST(PrintSummary, GivesTwentyExamplesOfAnyNumberOfFailures) {
+  Summary summary;
+  summary.files = 3002;
+  for (int i = 0; i < 3000; ++i) {
+    const std::string reason = i < 1500 ? "empty" : "incomplete: " + std::to_string(i) + ".stl";
+    addToSummary(summary, recordWith(FileStatus::Failed, "/x" + std::to_string(i), reason, ""));
+  }
+  addToSummary(summary, recordWith(FileStatus::Failed, "/y", "disk full", ""));
+  addToSummary(summary, recordWith(FileStatus::Failed, "/z", "name too long", ""));
+  const std::string text = printed(summary);
+  const auto lines = std::ranges::count(text, '\n');
+  const auto kinds = 4;
+  EXPECT_LE(lines, 1 + kinds + 20) << text;
+  EXPECT_GE(lines, 1 + kinds + 12) << text;
+  EXPECT_NE(text.find("  1500 incomplete\n    x1500: incomplete: 1500.stl\n"), std::string::npos);
+  EXPECT_NE(text.find("  1500 empty\n    x0\n"), std::string::npos);
+  EXPECT_NE(text.find("  1 disk full\n    y\n  1 name too long\n    z\n"), std::string::npos);
 }
 
 TEST(PrintSummary, SaysLittleWhereAllIsWell) {

@@ -165,6 +165,15 @@ TEST_F(LedgerTest, TakesTranscriptsIntoTheState) {
   EXPECT_FALSE(fs::exists(finished.transcript));
 }
 
+TEST_F(LedgerTest, CutsLongTranscriptsInTheMiddle) {
+  constexpr std::size_t kHalf = std::size_t{1} << 19;
+  const Finished finished = failed(converted("a.stp", {}));
+  test::writeFile(finished.transcript, std::string(kHalf, 'a') + "12345" + std::string(kHalf, 'z'));
+  settleOne(finished);
+  EXPECT_EQ(findTranscript(*state, finished.input),
+            std::string(kHalf, 'a') + "\n[5 bytes are left out here]\n" + std::string(kHalf, 'z'));
+}
+
 TEST_F(LedgerTest, FindsOutputsThatWouldReplaceThoseOfOthers) {
   settleOne(converted("a.stp", {"a.stp.stl"}));
   RunRecord run;
