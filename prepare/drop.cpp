@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <numeric>
+#include <string>
+#include <utility>
 
 #include "product/attributes.h"
 
@@ -93,6 +95,7 @@ class Dropper {
     }
     if (isAnyTessellated) {
       dropWhatNames();
+      dropOwnContexts();
     }
     return std::move(fates_);
   }
@@ -149,6 +152,45 @@ class Dropper {
           dropped.push_back(slot.owner);
         }
       });
+    }
+  }
+
+  /// The unit and the context that a prepared file has in front of its one tessellated representation
+  /// go with that, or each preparing would add two more.
+  void dropOwnContexts() {
+    static const std::vector<std::string> kUnit = {"LENGTH_UNIT", "NAMED_UNIT", "SI_UNIT"};
+    static const std::vector<std::string> kContext = {"GEOMETRIC_REPRESENTATION_CONTEXT",
+                                                      "GLOBAL_UNIT_ASSIGNED_CONTEXT",
+                                                      "REPRESENTATION_CONTEXT"};
+    std::vector<std::pair<InstanceIndex, InstanceIndex>> own;  // context, unit
+    std::vector<bool> isOwn(table_.size());
+    for (InstanceIndex index = 2; index < table_.size(); ++index) {
+      const InstanceIndex context = index - 1;
+      const InstanceIndex unit = index - 2;
+      if (fates_[index] == Fate::Dropped && table_.is(index, Kind::TessellatedShape) &&
+          table_.attribute(index, attributes::kContextOfItems) == context &&
+          table_.type(context).keywords == kContext && table_.type(unit).keywords == kUnit) {
+        own.emplace_back(context, unit);
+        isOwn[context] = true;
+        isOwn[unit] = true;
+      }
+    }
+    std::vector<bool> isNamed(own.empty() ? 0 : table_.size());
+    for (InstanceIndex index = 0; index < isNamed.size(); ++index) {
+      if (fates_[index] != Fate::Dropped && !isOwn[index]) {
+        table_.forEachReference(index, [&](const Reference& reference) {
+          const InstanceIndex named = table_.find(reference.number);
+          if (named != kNoInstance) {
+            isNamed[named] = true;
+          }
+        });
+      }
+    }
+    for (const auto& [context, unit] : own) {
+      if (!isNamed[context]) {
+        fates_[context] = Fate::Dropped;
+        fates_[unit] = isNamed[unit] ? fates_[unit] : Fate::Dropped;
+      }
     }
   }
 
