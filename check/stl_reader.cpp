@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "check/counted.h"
 #include "common/block_reader.h"
 #include "common/little_endian.h"
 
@@ -23,10 +24,6 @@ StlTriangle triangleAt(const char* record) {
     triangle[i] = getFloat(record + sizeof(float) * i);
   }
   return triangle;
-}
-
-std::string counted(std::uint64_t count, const char* noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 /// Why a file of this size and start is no binary STL file; empty if it is one. A header may begin

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "check/counted.h"
 #include "check/problems.h"
 #include "common/escaped_text.h"
 
@@ -22,10 +23,6 @@ std::string shortNumber(double number) {
   const auto end = std::to_chars(text.data(), text.data() + text.size(), number,
                                  std::chars_format::general, kDigits);
   return {text.data(), end.ptr};
-}
-
-std::string counted(std::uint64_t count, const char* noun) {
-  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
 /// What a part is called, from the root down.

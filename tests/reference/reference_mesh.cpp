@@ -15,6 +15,7 @@ using Facet = std::array<Vertex, 3>;
 
 std::vector<Facet> facetsOf(const std::vector<StlRecord>& records) {
   std::vector<Facet> facets;
+  facets.reserve(records.size());
   for (const StlRecord& r : records) {
     facets.push_back({{{r[3], r[4], r[5]}, {r[6], r[7], r[8]}, {r[9], r[10], r[11]}}});
   }
