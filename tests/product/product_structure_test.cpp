@@ -124,6 +124,14 @@ TEST(ProductStructure, TellsThePartOfAUsageByTheProduct) {
   }
 }
 
+TEST(ProductStructure, PassesOverUsagesWhosePartOrWholeNamesNothing) {
+  for (const char* const sides : {"#1,#97", "#97,#2", "#1,$", "$,#2", "#97,#97"}) {
+    const Structure in(kTwo + "#33=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','',''," + sides + ",$);\n");
+    EXPECT_THAT(in.structure.usages, IsEmpty()) << sides;
+    EXPECT_EQ(in.structure.products.size(), 2U) << sides;
+  }
+}
+
 TEST(ProductStructure, KeepsUsagesWithoutARelationship) {
   const Structure in(kTwo + "#33=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#1,#2,$);\n");
   ASSERT_EQ(in.structure.usages.size(), 1U);
