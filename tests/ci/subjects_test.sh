@@ -6,7 +6,7 @@
 # Exit status 77 means that the case cannot run here.
 set -euo pipefail
 check=$(realpath "$1") case=$2
-command -v git >/dev/null || exit 77
+command -v git >/dev/null || { echo "skipped: no git" && exit 77; }
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT

@@ -3,7 +3,7 @@
 #
 #   archive_test.sh SCRIPT CASE
 set -euo pipefail
-type -P git >/dev/null || exit 77
+type -P git >/dev/null || { echo "skipped: no git" && exit 77; }
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT

@@ -27,7 +27,7 @@ END
 }
 
 IsThatOfTheCommit() {
-  type -P git >/dev/null || exit 77
+  type -P git >/dev/null || { echo "skipped: no git" && exit 77; }
   git init -q
   git config user.name Tester
   git config user.email tester@example.com
