@@ -5,9 +5,11 @@
 
 #include "batch/driver.h"
 #include "batch/options.h"
+#include "batch/system/descriptor.h"
 #include "batch/worker/worker.h"
 
 int main(int argc, char** argv) {
+  plenvorith::openStandardStreams();
   const plenvorith::ParsedOptions parsed = plenvorith::parseOptions(argc, argv);
   if (parsed.exitStatus) {
     return *parsed.exitStatus;

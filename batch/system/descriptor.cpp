@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,6 +38,14 @@ void Descriptor::close() {
   if (descriptor_ >= 0) {
     ::close(descriptor_);
     descriptor_ = -1;
+  }
+}
+
+void openStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0 && errno == EBADF) {
+      (void)open("/dev/null", O_RDWR);  // gets the lowest number that is free
+    }
   }
 }
 

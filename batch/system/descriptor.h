@@ -31,6 +31,10 @@ class Descriptor {
   int descriptor_ = -1;
 };
 
+/// Opens those of the standard streams that are closed to /dev/null: what is opened later would get
+/// their numbers, and what is printed would go there.
+void openStandardStreams();
+
 /// Writes all of it, waiting where the system is slow; false, with the system's number in errno, if
 /// that fails.
 [[nodiscard]] bool writeAll(int descriptor, const std::string& bytes);

@@ -11,7 +11,11 @@ Descriptor listenToSignals(std::initializer_list<int> signals) {
   sigset_t set;
   sigemptyset(&set);
   for (const int signal : signals) {
-    sigaddset(&set, signal);
+    struct sigaction action {};
+    // Whoever started this process, as nohup, wants those that it ignores to stay ignored.
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_IGN) {
+      sigaddset(&set, signal);
+    }
   }
   sigprocmask(SIG_BLOCK, &set, nullptr);
   return Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));

@@ -6,7 +6,8 @@
 
 namespace plenvorith {
 
-/// Has signals wait until they are read, instead of ending this process or being lost.
+/// Has signals wait until they are read, instead of ending this process or being lost. Those that are
+/// ignored stay ignored.
 ///
 /// Gives   a descriptor that can be polled: it is readable while one of them waits.
 Descriptor listenToSignals(std::initializer_list<int> signals);

@@ -188,7 +188,7 @@ ChildEnd runChild(const ChildSettings& child, const WorkerSignals& signals) {
     becomeConverter(child, worker);
   }
   if (watch.child < 0) {
-    end.exitStatus = kCannotStart;
+    end.forkError = errno;
     return end;
   }
   setpgid(watch.child, watch.child);  // whoever of the two is first

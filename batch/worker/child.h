@@ -25,6 +25,7 @@ struct ChildSettings {
 struct ChildEnd {
   std::optional<int> exitStatus;
   std::optional<int> signal;
+  int forkError = 0;  ///< the system's number, if no process could be started
   bool timedOut = false;
   bool isStopped = false;  ///< ended because the worker is to end
   double seconds = 0.0;

@@ -50,6 +50,9 @@ std::string signalText(int signal) {
 
 /// Limits of time, memory and space, whatever else there is to say; empty if it was none of them.
 std::string limitReason(const Evidence& evidence) {
+  if (evidence.end.forkError != 0) {
+    return std::string("no process can be started: ") + strerror(evidence.end.forkError);
+  }
   if (evidence.end.timedOut) {
     return "time limit of " + std::to_string(evidence.settings.timeLimit.count()) + " s";
   }

@@ -124,7 +124,7 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
   result.reason =
       isDoubtful ? kDiskFull
                  : reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});
-  result.isTried = result.reason != kDiskFull;
+  result.isTried = result.reason != kDiskFull && end.forkError == 0;
 }
 
 /// Paths of a job that are relative are those below the folder where the worker runs.

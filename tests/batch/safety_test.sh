@@ -285,4 +285,32 @@ NothingIsLeftAfterAKill() {
   expect_nothing_left out
 }
 
+SignalsThatAreIgnoredStayIgnored() {
+  local number
+  for number in 1 2 3; do
+    step_file "in/$number.stp" "$number"
+  done
+  pretend 'echo >>"'"$scratch"'/begun"; sleep 0.3; head -c 84 /dev/zero >"$2"'
+  (
+    trap '' HUP INT
+    exec "$batch" "${program[@]}" in -o out --jobs 1 >log 2>&1
+  ) &
+  until [[ -s begun ]]; do
+    sleep 0.02
+  done
+  kill -HUP $!
+  kill -INT $!
+  wait $! || fail "ended with $?: $(cat log)"
+  expect_count out 3
+}
+
+ClosedStreamsAreNoFilesOfOurs() {
+  step_file in/a.stp 1
+  "$batch" in -o out <&- >&- 2>&- || fail "exit status $?"
+  expect_stl out/a.stp.stl 1
+  [[ $(sqlite3 out/.plenvorith-batch/state.db 'PRAGMA integrity_check') == ok ]] || fail 'damaged'
+  run 0 -o out --transcript in/a.stp
+  [[ $(tail -n 1 stdout) == Done ]] || fail "$(cat stdout)"
+}
+
 "$case"
