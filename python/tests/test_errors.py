@@ -56,6 +56,17 @@ def test_nothing_at_all_is_empty(source):
     assert error_of(source).reason == "empty"
 
 
+@pytest.mark.parametrize("content", [b"x" * 4096, b"x\n", b"x\r", b"x\0", b"ISO-10303-21"])
+def test_bytes_that_no_path_looks_like_are_content(content):
+    assert error_of(content).source is None
+
+
+@pytest.mark.parametrize("path", [b"x", b"x" * 200, b"/nothing/x.step"])
+def test_other_bytes_are_a_path(path):
+    assert error_of(path).source == path
+    assert error_of(bytearray(path)).source is None
+
+
 def test_a_missing_file_and_a_folder_cannot_be_read(tmp_path):
     error = error_of(tmp_path / "nothing.step")
     assert error.reason == "cannot be read: No such file or directory"

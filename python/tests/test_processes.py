@@ -1,5 +1,6 @@
 """Threads, forks, interruptions and kills: nothing is shared that must not be, nothing stays behind."""
 
+import gc
 import multiprocessing
 import os
 import signal
@@ -212,13 +213,14 @@ def test_where_children_are_ignored_all_works(interpreter):
 
 def test_descriptors_stay_as_many(sample):
     plenvorith.load(TRIANGLE)
+    gc.collect()  # what other tests have left
     before = len(os.listdir("/proc/self/fd"))
     for _ in range(20):
         plenvorith.load(sample("bracket"))
         with pytest.raises(plenvorith.ConversionError):
             plenvorith.load(b"\n")
     list(plenvorith.load_many([TRIANGLE] * 5, jobs=2))
-    assert len(os.listdir("/proc/self/fd")) == before
+    assert len(os.listdir("/proc/self/fd")) <= before
 
 
 @pytest.mark.skipif("PLENVORITH_SANITIZED" in os.environ, reason="so many take too long there")
