@@ -49,7 +49,7 @@ class Edges {
 /// Whether each node is one of `start` or can be reached from there: `forEachNext(node, visit)` calls
 /// `visit` with where one step leads. Looks at each node once.
 template <typename ForEachNext>
-[[nodiscard]] std::vector<bool> reach(std::size_t size, std::vector<Node> start,
+[[nodiscard]] std::vector<bool> reach(std::size_t size, const std::vector<Node>& start,
                                       ForEachNext forEachNext) {
   std::vector<bool> reached(size);
   std::vector<Node> open;
@@ -70,7 +70,7 @@ template <typename ForEachNext>
   return reached;
 }
 
-[[nodiscard]] inline std::vector<bool> reach(std::size_t size, std::vector<Node> start,
+[[nodiscard]] inline std::vector<bool> reach(std::size_t size, const std::vector<Node>& start,
                                              const Edges& edges) {
   return reach(size, std::move(start), [&edges](Node node, auto visit) {
     for (const Node next : edges.from(node)) {

@@ -54,6 +54,7 @@ TEST(Folder, MakesWhatOthersMakeAtTheSameTime) {
     }
   };
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back(make);
   }
