@@ -1,6 +1,7 @@
 #include "prepare/part_tessellation.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -126,21 +127,18 @@ class Originals {
  public:
   Originals(const InstanceTable& table, const ProductStructure& structure)
       : table_(table), structure_(structure), groups_(structure.representations.size()) {
-    products_.resize(structure.products.size());
     std::vector<RepresentationIndex> carrying;
     for (RepresentationIndex i = 0; i < structure.representations.size(); ++i) {
       const Representation& representation = structure.representations[i];
       if (representation.isExact && representation.isReached) {
         carrying.push_back(i);
         groups_[representation.group] = true;
-        for (const ProductIndex product : structure.productsOf(i)) {
-          products_[product] = true;
-        }
       }
     }
     areNone_ = carrying.empty();
     if (!areNone_) {
       carried_ = findCarried(table, structure, carrying);
+      markProducts();
     }
   }
 
@@ -165,10 +163,7 @@ class Originals {
 
   /// Whether some stand where the representation does.
   [[nodiscard]] bool standAt(RepresentationIndex index) const {
-    const std::vector<ProductIndex>& products = structure_.productsOf(index);
-    return groups_[structure_.representations[index].group] ||
-           std::any_of(products.begin(), products.end(),
-                       [this](ProductIndex product) { return products_[product]; });
+    return groups_[structure_.representations[index].group];
   }
 
  private:
@@ -177,10 +172,24 @@ class Originals {
            table_.is(index, Kind::Solid, Kind::Shell, Kind::Face);
   }
 
+  /// Adds the groups whose products have originals in another group.
+  void markProducts() {
+    std::vector<bool> isOriginal(structure_.products.size());
+    for (const auto& [group, products] : structure_.productsOfGroup) {
+      for (const ProductIndex product : products) {
+        isOriginal[product] = isOriginal[product] || groups_[group];
+      }
+    }
+    for (const auto& [group, products] : structure_.productsOfGroup) {
+      groups_[group] = groups_[group] || std::any_of(products.begin(), products.end(),
+                                                     [&](ProductIndex p) { return isOriginal[p]; });
+    }
+  }
+
   const InstanceTable& table_;
   const ProductStructure& structure_;
   bool areNone_ = true;
-  std::vector<bool> groups_, products_, carried_;
+  std::vector<bool> groups_, carried_;
 };
 
 /// Sorts the tessellation of representations by what it is for.
@@ -204,11 +213,13 @@ class PartFinder {
         sortRepresentation(i);
       }
     }
+    spreadToNodes();
     std::erase_if(bodies_, [this](const Body& body) {
       return copied_.contains({body.instance, body.node});
     });
     removeStray();
-    part_.hasTooMany = finder_.visited > kMaxItems || bodies_.size() > kMaxItems;
+    part_.hasTooMany =
+        finder_.visited > kMaxItems || bodies_.size() > kMaxItems || copied_.size() > kMaxItems;
     part_.bodies.assign(bodies_.begin(), bodies_.end());
     part_.copies.assign(copies_.begin(), copies_.end());
     return std::move(part_);
@@ -244,14 +255,33 @@ class PartFinder {
       }
     }
     const bool areAllCopies = linked.empty() && originals_.standAt(index);
+    const RepresentationIndex group = structure_.representations[index].group;
     for (const Item& item : finder_.bodies) {
-      for (const Node node : occurrences_.nodesOf(index)) {
-        if (areAllCopies || linked.contains(item.instance)) {
-          copies_.insert(item.instance);
-          copied_.emplace(item.instance, node);
-        } else if (bodies_.size() <= kMaxItems) {
-          bodies_.insert({item.instance, index, node, item.repositioning});
-        }
+      if (areAllCopies || linked.contains(item.instance)) {
+        copies_.insert(item.instance);
+        copiedInGroups_.emplace(item.instance, group);
+      } else {
+        inGroups_.emplace(std::pair(item, group), index);
+      }
+    }
+  }
+
+  /// Makes bodies of the nodes of what was found in groups: of all their products, or of themselves.
+  void spreadToNodes() {
+    for (const auto& [instance, group] : copiedInGroups_) {
+      for (const Node node : occurrences_.nodesOf(group)) {
+        copied_.emplace(instance, node);
+      }
+      if (copied_.size() > kMaxItems) {
+        break;
+      }
+    }
+    for (const auto& [found, representation] : inGroups_) {
+      for (const Node node : occurrences_.nodesOf(found.second)) {
+        bodies_.insert({found.first.instance, representation, node, found.first.repositioning});
+      }
+      if (bodies_.size() > kMaxItems) {
+        break;
       }
     }
   }
@@ -277,6 +307,8 @@ class PartFinder {
   Originals originals_;
   BodyFinder finder_;
   PartTessellation part_;
+  std::map<std::pair<Item, RepresentationIndex>, RepresentationIndex> inGroups_;  // of the group
+  std::set<std::pair<InstanceIndex, RepresentationIndex>> copiedInGroups_;
   std::set<Body> bodies_;
   std::set<InstanceIndex> copies_;
   std::set<std::pair<InstanceIndex, Node>> copied_;

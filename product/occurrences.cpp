@@ -66,6 +66,9 @@ void Occurrences::addSteps(Node node, const Edges& usages, const Edges& mappings
     return;
   }
   for (const std::uint32_t i : transformations.from(node)) {
+    if (steps_.size() > kMaxCount) {
+      return;
+    }
     const std::vector<Node> above = nodesOf(structure_.transformations[i].whole);
     if (std::find(above.begin(), above.end(), node) == above.end()) {
       for (const Node whole : above) {
@@ -107,6 +110,9 @@ void Occurrences::addUsages(ProductIndex product, const Edges& usages, const Edg
 /// Adds the mappings of a node in representations of other nodes.
 void Occurrences::addMappings(Node node, const Edges& mappings) {
   for (const std::uint32_t mapping : mappings.from(node)) {
+    if (steps_.size() > kMaxCount) {
+      return;
+    }
     for (const Node above : nodesOf(structure_.mappings[mapping].holder)) {
       if (!isProduct(node) || (isProduct(above) && above != node)) {
         steps_.push_back({Step::Kind::Mapping, false, above, mapping});
@@ -175,6 +181,9 @@ std::vector<bool> Occurrences::withAllAbove(const std::vector<Node>& nodes) cons
 }
 
 bool Occurrences::place(const std::vector<Node>& nodes) {
+  if (nodes.empty()) {
+    return true;
+  }
   const std::vector<bool> isWanted = withAllAbove(nodes);
   std::size_t count = hasTooMany_ ? kMaxCount + 1 : 0;
   for (Node node = 0; node < isWanted.size() && count <= kMaxCount; ++node) {

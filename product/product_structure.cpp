@@ -17,9 +17,10 @@ void readRepresentations(const InstanceTable& table, ProductStructure& structure
     Representation representation;
     representation.instance = index;
     representation.context = table.attribute(index, attributes::kContextOfItems);
-    structure.byInstance.emplace(index, place);
+    structure.byInstance.emplace_back(index, place);
     structure.representations.push_back(representation);
   }
+  std::sort(structure.byInstance.begin(), structure.byInstance.end());
 }
 
 /// `rep_1` and `rep_2` of a relationship; `kNoRepresentation` for what is none.
@@ -240,8 +241,10 @@ const std::vector<ProductIndex>& ProductStructure::productsOf(RepresentationInde
 }
 
 RepresentationIndex ProductStructure::find(InstanceIndex instance) const {
-  const auto found = byInstance.find(instance);
-  return found == byInstance.end() ? kNoRepresentation : found->second;
+  const auto found = std::lower_bound(
+      byInstance.begin(), byInstance.end(), instance,
+      [](const auto& entry, InstanceIndex wanted) { return entry.first < wanted; });
+  return found == byInstance.end() || found->first != instance ? kNoRepresentation : found->second;
 }
 
 ProductStructure readProductStructure(const InstanceTable& table) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "exchange/instance_table.h"
@@ -70,7 +71,7 @@ struct ProductStructure {
   [[nodiscard]] const std::vector<ProductIndex>& productsOf(RepresentationIndex index) const;
   [[nodiscard]] RepresentationIndex find(InstanceIndex instance) const;
 
-  std::map<InstanceIndex, RepresentationIndex> byInstance;
+  std::vector<std::pair<InstanceIndex, RepresentationIndex>> byInstance;  ///< in order
 };
 
 /// The instances of these kinds, in the order of their numbers.
