@@ -180,6 +180,8 @@ def result_of(line: bytes, number: int, asked: str) -> Result:
     if answer.get("id") != number:
         raise NoResult(f"it is of job {answer.get('id')!r}, not of {number}")
     outputs = _field(answer, "outputs", list, [])
+    if answer.get("converted") is True and not outputs:
+        raise NoResult("it is converted, and there is no output")
     return Result(
         answer.get("converted") is True,
         _text(_field(answer, "reason", str, "")),

@@ -21,7 +21,7 @@ def made_by_program(source, output, *more):
 
 
 @pytest.mark.parametrize("name", ["assembly", "mixed", "tessellated"])
-@pytest.mark.parametrize("output", ["part.stl", "PART.STL", "part.stp", "a.b.step", "a b.STEP"])
+@pytest.mark.parametrize("output", ["part.stl", "PART.STP", "a. b.step"])
 @pytest.mark.parametrize("split", [False, True])
 def test_makes_what_the_program_makes(name, output, split, sample, tmp_path):
     if name == "tessellated" and split and not output.lower().endswith("stl"):

@@ -65,12 +65,11 @@ def test_types_are_right(tmp_path):
         "    else:\n"
         "        print(result.triangles.shape, result.indexed()[1].dtype)\n"
     )
-    for version in ("3.9", "3.11"):
-        run(
-            sys.executable, "-m", "mypy", "--strict", "--python-version", version,
-            "--cache-dir", tmp_path / "cache", "--config-file", PYTHON / "pyproject.toml",
-            PYTHON / "plenvorith", tmp_path / "use.py", cwd=tmp_path,
-        )  # fmt: skip
+    run(
+        sys.executable, "-m", "mypy", "--strict", "--python-version", "3.9",
+        "--cache-dir", tmp_path / "cache", "--config-file", PYTHON / "pyproject.toml",
+        PYTHON / "plenvorith", tmp_path / "use.py", cwd=tmp_path,
+    )  # fmt: skip
 
 
 def test_style_is_clean():
