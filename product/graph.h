@@ -72,7 +72,7 @@ template <typename ForEachNext>
 
 [[nodiscard]] inline std::vector<bool> reach(std::size_t size, const std::vector<Node>& start,
                                              const Edges& edges) {
-  return reach(size, std::move(start), [&edges](Node node, auto visit) {
+  return reach(size, start, [&edges](Node node, auto visit) {
     for (const Node next : edges.from(node)) {
       visit(next);
     }

@@ -183,9 +183,9 @@ TEST(Losses, PointsThatOverflowGoWithTheirTriangles) {
   const std::string list =
       "#12=COORDINATES_LIST('',4,((0.,0.,0.),(1.,0.,0.),(0.,1.E-310,0.),"
       "(1.E999,0.,0.)));\n";
+  const std::string rest = "#15=TESSELLATED_SOLID('',(#13),$);\n" + kShape;
   for (const std::string& instances : {list + face, face + list}) {
-    const Prepared result =
-        prepared(stepFile(instances + "#15=TESSELLATED_SOLID('',(#13),$);\n" + kShape));
+    const Prepared result = prepared(stepFile(instances + rest));
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(result.file, HasSubstr(",(0.,0.,0.),(0.,0.,0.)));\n"));
     EXPECT_THAT(result.file, HasSubstr("((1,2,3)),());\n"));

@@ -62,7 +62,7 @@ class Terminal {
  private:
   void readAll() {
     std::array<char, 4096> buffer{};
-    for (ssize_t count = 0; (count = read(master_, buffer.data(), buffer.size())) > 0;) {
+    for (ssize_t count = 0; (count = ::read(master_, buffer.data(), buffer.size())) > 0;) {
       text_.append(buffer.data(), static_cast<std::size_t>(count));
     }
   }

@@ -46,7 +46,7 @@ class HostLoopTest : public testing::Test {
     const test::ScopedEnv scopedPath("PATH", path);
     const test::ScopedSignals signals;
     testing::internal::CaptureStderr();
-    const LoopEnd end = convertOnHosts(options, *state, context, files, summary);
+    LoopEnd end = convertOnHosts(options, *state, context, files, summary);
     said = testing::internal::GetCapturedStderr();
     return end;
   }

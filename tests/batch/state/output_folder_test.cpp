@@ -39,7 +39,7 @@ class OutputFolderTest : public testing::Test {
   /// What is in the way of a run, which keeps its locks.
   std::string take(const Options& options) {
     RunContext context = contextOf(options);
-    const std::string problem = takeOutputFolder(options, context, owned.emplace_back());
+    std::string problem = takeOutputFolder(options, context, owned.emplace_back());
     run = context.places.run;
     return problem;
   }
