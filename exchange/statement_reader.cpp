@@ -44,7 +44,8 @@ bool StatementReader::findStart() {
   return false;
 }
 
-/// Reads "#12=", the first of which is next; false, somewhere in it, where something else stands.
+/// Reads "#12=", the first of which is next; false, somewhere in it, where something else stands, or
+/// a number that no instance can have.
 bool StatementReader::readName() {
   raw_.skip(1);
   bool hasDigits = false;
@@ -59,10 +60,7 @@ bool StatementReader::readName() {
     return false;
   }
   raw_.skip(1);
-  if (section_ == Section::Data && number_ > kLargestNumber) {
-    fail("the number of an instance is too large");
-  }
-  return true;
+  return number_ <= kLargestNumber;
 }
 
 /// Reads a keyword behind blanks; what is longer than any keyword is cut.

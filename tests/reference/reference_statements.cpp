@@ -221,10 +221,7 @@ bool Reference::readName(std::uint64_t& number) {
   }
   const bool isName = hasDigits && next() == '=';
   place_ += isName ? 1U : 0U;
-  if (isName && number > 99'999'999'999'999'999U) {
-    fail("the number of an instance is too large");
-  }
-  return isName;
+  return isName && number <= 99'999'999'999'999'999U;
 }
 
 /// What stands behind "#12=".
