@@ -45,6 +45,12 @@ TEST(DeliveredTypes, AreNotThoseThatSayHowASolidIsMade) {
   }
 }
 
+TEST(DeliveredTypes, MayHoldWhatIsNotDelivered) {
+  for (const ExactItem& item : test::malformedItems()) {
+    EXPECT_FALSE(givesTriangles(exactItemFile("SHAPE_REPRESENTATION", item))) << item.name;
+  }
+}
+
 TEST(DeliveredTypes, StandInRepresentationsThatTheKernelKnows) {
   for (const std::string& type : test::deliveredRepresentations()) {
     EXPECT_TRUE(givesTriangles(exactItemFile(type, kSolid))) << type;

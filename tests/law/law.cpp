@@ -21,11 +21,10 @@ std::size_t exactCountIn(const std::string& transcript) {
   return at == std::string::npos ? 0 : std::stoul(transcript.substr(at + kBefore.size()));
 }
 
-Conversion convert(const TempDir& directory, const char* name) {
+Conversion convert(const TempDir& directory, const char* name, const std::string& deflection) {
   Command command;
   command.program = PLENVORITH_PROGRAM;
-  // Coarse: a unit may make balls of kilometres.
-  command.arguments = {name, kMesh, "1000000"};
+  command.arguments = {name, kMesh, deflection};
   command.directory = directory.path();
   command.environment = {"TMPDIR=" + directory.path().string()};
   const Outcome outcome = runProgram(command);
@@ -74,17 +73,18 @@ std::string brokenPart(const LawCase& tried) {
 
 }  // namespace
 
-LawCase tryLaw(const TempDir& directory, const std::string& content) {
+LawCase tryLaw(const TempDir& directory, const std::string& content,
+               const std::string& deflection) {
   writeFile(directory / kInput, content);
   Command command;
   command.program = PLENVORITH_PREPARE;
   command.arguments = {kInput, kReady};
   command.directory = directory.path();
   LawCase tried;
-  tried.alone = convert(directory, kInput);
+  tried.alone = convert(directory, kInput, deflection);
   tried.prepareStatus = runProgram(command).exitStatus;
   if (std::filesystem::exists(directory / kReady)) {
-    tried.prepared = convert(directory, kReady);
+    tried.prepared = convert(directory, kReady, deflection);
   }
   for (const auto& entry : std::filesystem::directory_iterator(directory.path())) {
     std::filesystem::remove_all(entry.path());

@@ -28,7 +28,9 @@ struct LawCase {
 /// the converter does not crash on it where it reads exact geometry of the file alone and does not.
 /// (A file that it takes for tessellation only keeps the damage of its exact geometry to itself.)
 ///
-/// Runs both programs on a file with this content in `directory`, and leaves nothing there.
-LawCase tryLaw(const TempDir& directory, const std::string& content);
+/// Runs both programs on a file with this content in `directory`, and leaves nothing there. Meshes may
+/// be off by `deflection`, in millimetres.
+LawCase tryLaw(const TempDir& directory, const std::string& content,
+               const std::string& deflection = "1");
 
 }  // namespace plenvorith::test

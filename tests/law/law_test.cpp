@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/law/exact_cases.h"
 #include "tests/prepare/tessellated_file_generator.h"
 #include "tests/support/rounds.h"
 
@@ -31,8 +32,8 @@ std::vector<std::string> filesIn(const std::string& folder) {
 
 class Law : public testing::Test {
  protected:
-  LawCase expectKept(const std::string& content) const {
-    LawCase tried = tryLaw(directory, content);
+  LawCase expectKept(const std::string& content, const char* deflection = "1") const {
+    LawCase tried = tryLaw(directory, content, deflection);
     EXPECT_EQ(tried.broken, "");
     return tried;
   }
@@ -64,13 +65,41 @@ TEST_F(Law, HoldsForFilesOfTheCorpus) {
   }
 }
 
+TEST_F(Law, HoldsBesideTessellationThatDuplicatesIt) {
+  for (const ExactCase& one : casesOfCopies()) {
+    SCOPED_TRACE(one.name);
+    const LawCase tried = expectKept(one.content);
+    EXPECT_FALSE(tried.prepared.exact.empty());
+    EXPECT_TRUE(tried.prepared.decoded.empty()) << "stands there twice";
+  }
+}
+
+TEST_F(Law, LeavesTessellationWhereTheKernelDeliversNothing) {
+  for (const ExactCase& one : casesOfTheOnlyGeometry()) {
+    SCOPED_TRACE(one.name);
+    const LawCase tried = expectKept(one.content);
+    EXPECT_TRUE(tried.alone.exact.empty());
+    EXPECT_EQ(tried.prepared.decoded.size(), 1U);
+  }
+}
+
+TEST_F(Law, HoldsInAssembliesWhoseShapeIsTessellation) {
+  for (const ExactCase& one : casesOfAssemblies()) {
+    SCOPED_TRACE(one.name);
+    const LawCase tried = expectKept(one.content);
+    EXPECT_FALSE(tried.prepared.exact.empty());
+    EXPECT_EQ(tried.prepared.decoded.size(), 1U);
+  }
+}
+
 TEST_F(Law, HoldsForGeneratedFiles) {
   int exact = 0;
   const int count = rounds(200);
   for (int seed = 1; seed <= count; ++seed) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
     const std::string content = generateTessellatedFile(random);
-    exact += expectKept(content).alone.exact.empty() ? 0 : 1;
+    // Coarse: units make balls of kilometres.
+    exact += expectKept(content, "1000000").alone.exact.empty() ? 0 : 1;
     ASSERT_FALSE(HasFailure()) << "seed " << seed << "\n" << content;
   }
   EXPECT_GT(exact, 0);

@@ -101,7 +101,6 @@ const std::vector<ExactItem>& deliveredItems() {
 
 const std::vector<ExactItem>& undeliveredItems() {
   static const std::vector<ExactItem> items = {
-      {"FACETED_BREP of FACE", "#100=FACETED_BREP('',#83);\n"},
       {"MANIFOLD_SOLID_BREP complex",
        "#100=(GEOMETRIC_REPRESENTATION_ITEM()MANIFOLD_SOLID_BREP(#36)REPRESENTATION_ITEM('')SOLID_"
        "MODEL());\n"},
@@ -156,22 +155,6 @@ const std::vector<ExactItem>& undeliveredItems() {
       {"BLOCK_VOLUME", "#100=BLOCK_VOLUME('',#20,1.,2.,3.);\n"},
       {"SPHERICAL_VOLUME", "#100=SPHERICAL_VOLUME('',#20,3.);\n"},
       {"CYLINDRICAL_VOLUME", "#100=CYLINDRICAL_VOLUME('',#20,3.,4.);\n"},
-      {"SHELL_BASED_SURFACE_MODEL of CONNECTED_FACE_SET",
-       "#100=SHELL_BASED_SURFACE_MODEL('',(#38));\n"},
-      {"SHELL_BASED_SURFACE_MODEL of SURFACED_OPEN_SHELL",
-       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
-       "#101=SURFACED_OPEN_SHELL('',(#35));\n"},
-      {"shell of oriented face",
-       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
-       "#101=OPEN_SHELL('',(#102));\n"
-       "#102=ORIENTED_FACE('',*,#35,.F.);\n"},
-      {"shell of subface",
-       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
-       "#101=OPEN_SHELL('',(#102));\n"
-       "#102=SUBFACE('',(#34),#35);\n"},
-      {"shell of face",
-       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
-       "#101=OPEN_SHELL('',(#82));\n"},
       {"SURFACE_MODEL", "#100=SURFACE_MODEL('');\n"},
       {"CLOSED_SHELL", "#100=CLOSED_SHELL('',(#35));\n"},
       {"OPEN_SHELL", "#100=OPEN_SHELL('',(#35));\n"},
@@ -257,9 +240,6 @@ const std::vector<ExactItem>& undeliveredItems() {
       {"item RECTANGULAR_TRIMMED_SURFACE",
        "#100=RECTANGULAR_TRIMMED_SURFACE('',#26,0.,4.,0.,3.,.T.,.T.);\n"},
       {"item CURVE_BOUNDED_SURFACE", "#100=CURVE_BOUNDED_SURFACE('',#26,(#95),.F.);\n"},
-      {"GEOMETRIC_SET of BOUNDED_SURFACE",
-       "#100=GEOMETRIC_SET('',(#101));\n"
-       "#101=BOUNDED_SURFACE('');\n"},
       {"GEOMETRIC_SET of SURFACE",
        "#100=GEOMETRIC_SET('',(#101));\n"
        "#101=SURFACE('');\n"},
@@ -277,6 +257,32 @@ const std::vector<ExactItem>& undeliveredItems() {
        "#101=MAPPED_ITEM('',#102,#20);\n"
        "#102=REPRESENTATION_MAP(#20,#103);\n"
        "#103=SHAPE_REPRESENTATION('',(#20,#124),#11);\n"},
+  };
+  return items;
+}
+
+const std::vector<ExactItem>& malformedItems() {
+  static const std::vector<ExactItem> items = {
+      {"FACETED_BREP of FACE", "#100=FACETED_BREP('',#83);\n"},
+      {"SHELL_BASED_SURFACE_MODEL of CONNECTED_FACE_SET",
+       "#100=SHELL_BASED_SURFACE_MODEL('',(#38));\n"},
+      {"SHELL_BASED_SURFACE_MODEL of SURFACED_OPEN_SHELL",
+       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
+       "#101=SURFACED_OPEN_SHELL('',(#35));\n"},
+      {"shell of oriented face",
+       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
+       "#101=OPEN_SHELL('',(#102));\n"
+       "#102=ORIENTED_FACE('',*,#35,.F.);\n"},
+      {"shell of subface",
+       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
+       "#101=OPEN_SHELL('',(#102));\n"
+       "#102=SUBFACE('',(#34),#35);\n"},
+      {"shell of face",
+       "#100=SHELL_BASED_SURFACE_MODEL('',(#101));\n"
+       "#101=OPEN_SHELL('',(#82));\n"},
+      {"GEOMETRIC_SET of BOUNDED_SURFACE",
+       "#100=GEOMETRIC_SET('',(#101));\n"
+       "#101=BOUNDED_SURFACE('');\n"},
   };
   return items;
 }

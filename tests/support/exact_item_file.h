@@ -18,6 +18,9 @@ const std::vector<ExactItem>& deliveredItems();
 /// those that stand where no reader looks for them.
 const std::vector<ExactItem>& undeliveredItems();
 
+/// Items of types that it makes faces of, but not of what these hold.
+const std::vector<ExactItem>& malformedItems();
+
 /// Types of representations whose items the kernel takes; all others are none of its types.
 const std::vector<std::string>& deliveredRepresentations();
 const std::vector<std::string>& undeliveredRepresentations();
