@@ -18,7 +18,6 @@
 #include "batch/hosts/host_loop.h"
 #include "batch/inputs/find_files.h"
 #include "batch/local/conversion_loop.h"
-#include "batch/report/export.h"
 #include "batch/report/run_report.h"
 #include "batch/report/summary.h"
 #include "batch/state/ledger.h"
@@ -130,23 +129,30 @@ int tellPlan(const Options& options, const Places& places, const FoundFiles& fou
   return found.problems.empty() ? 0 : kSomeFailed;
 }
 
-/// What follows the conversions: pruning and exporting. False if some of it failed.
-bool doOtherWork(const Options& options, const Places& places, StateHandle& state) {
-  bool isDone = true;
-  if (options.prune) {
-    const std::int64_t count = prune(state, places);
-    isDone = count >= 0;
-    if (isDone) {
-      std::cout << "Pruned: " << count << std::endl;
-    } else {
-      say("the state cannot be pruned: " + stateProblem(state));
-    }
+/// Prunes, if that is asked for; false if it failed.
+bool pruneIfAsked(const Options& options, const Places& places, StateHandle& state) {
+  if (!options.prune) {
+    return true;
   }
-  if (!options.exportPath.empty() && !exportState(state, options.exportPath)) {
+  const std::int64_t count = prune(state, places);
+  if (count < 0) {
+    say("the state cannot be pruned: " + stateProblem(state));
+    return false;
+  }
+  std::cout << "Pruned: " << count << std::endl;
+  return true;
+}
+
+/// Exports, if that is asked for, what the report has found out, too; false if it failed.
+bool exportIfAsked(const Options& options, const Places& places, StateHandle& state) {
+  if (options.exportPath.empty()) {
+    return true;
+  }
+  if (!exportAll(options.exportPath, state, places)) {
     say(options.exportPath + " cannot be written");
-    isDone = false;
+    return false;
   }
-  return isDone;
+  return true;
 }
 
 /// Notes the start of a run; false if the state takes nothing.
@@ -187,7 +193,7 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
       return kNothingBegun;  // no host can convert
     }
   }
-  const bool isOtherDone = end.signal != 0 || doOtherWork(options, context.places, state);
+  const bool isPruned = end.signal != 0 || pruneIfAsked(options, context.places, state);
   bool isAllWell = printSummary(summary, found, run.seconds, context.places.state);
   // Whoever interrupts a run does not wait for tools, and shards have one report together.
   Options reported = options;
@@ -196,6 +202,8 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
     reported.pictures = false;
   }
   isAllWell = (options.shard || reportState(reported, state, context.places)) && isAllWell;
+  const bool isOtherDone =
+      end.signal != 0 || (exportIfAsked(options, context.places, state) && isPruned);
   if (end.signal != 0) {
     return 128 + end.signal;
   }
@@ -236,8 +244,9 @@ int mergeAll(const Options& options, const Places& places, StateHandle& state) {
     say(problem);
   }
   const std::int64_t open = division ? tellUnconverted(*division, state) : 0;
-  const bool isOtherDone = doOtherWork(options, places, state);
+  const bool isPruned = pruneIfAsked(options, places, state);
   const bool isReported = reportState(options, state, places);
+  const bool isOtherDone = exportIfAsked(options, places, state) && isPruned;
   return merged.problems.empty() && open == 0 && isOtherDone && isReported ? 0 : kSomeFailed;
 }
 
@@ -248,8 +257,10 @@ int work(const Options& options, const std::vector<std::string>& arguments, Stat
     return mergeAll(options, context.places, *state);
   }
   if (options.inputs.empty() && !options.listing) {
-    const bool isDone = doOtherWork(options, context.places, *state);
-    return reportState(options, *state, context.places) && isDone ? 0 : kSomeFailed;
+    const bool isPruned = pruneIfAsked(options, context.places, *state);
+    const bool isReported = reportState(options, *state, context.places);
+    return exportIfAsked(options, context.places, *state) && isPruned && isReported ? 0
+                                                                                    : kSomeFailed;
   }
   Summary summary;
   if (options.resume && state != nullptr) {

@@ -41,7 +41,8 @@ holds all INPUTs, then the file's full name, then the new extension.
       --memory-free M    begin no file while less memory is free (1G)
       --transcript FILE  print what the last conversion of an input said
       --export FILE      write what is known of all files, as .csv or .json
-      --check            have admesh look for open edges, for the report
+      --check            have plenvorith-check look for parts with problems, for
+                         the report and --export
       --thumbnails       have f3d draw every mesh, for the report
       --sshlogin HOSTS   hosts to convert on, as for GNU parallel; ":" is this one
       --transfer         send inputs to the hosts and bring outputs back: they need

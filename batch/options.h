@@ -33,7 +33,7 @@ struct Options {
   bool transfer = false;  ///< send inputs to the hosts and bring outputs back
   std::optional<Shard> shard;  ///< the part to convert, if not all
   bool merge = false;          ///< make one state of those of the shards; converts nothing
-  bool checks = false;         ///< have admesh look at every mesh
+  bool checks = false;         ///< have plenvorith-check look at every mesh
   bool pictures = false;       ///< have f3d draw every mesh
   bool worker = false;         ///< take jobs on standard input instead, for a driver
 };

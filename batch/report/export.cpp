@@ -22,7 +22,29 @@ Json numberOrNull(const std::optional<int>& number) {
   return number ? Json(*number) : Json();
 }
 
-Json objectFrom(const FileRecord& file) {
+/// The check of an input, which is kept with one of its outputs.
+std::optional<MeshCheck> checkOf(const FileRecord& file, InspectionsHandle* inspections) {
+  for (const OutputRecord& output : file.outputs) {
+    std::optional<MeshCheck> check =
+        inspections != nullptr ? findInspection(*inspections, output.path).check : std::nullopt;
+    if (check) {
+      return check;
+    }
+  }
+  return std::nullopt;
+}
+
+/// What has not been checked has no values.
+void addCheck(Json& object, const std::optional<MeshCheck>& check) {
+  object["parts_with_problems"] = check ? Json(check->badParts) : Json();
+  object["open_solids"] = check ? Json(check->openSolids) : Json();
+  object["faces_without_mesh"] = check ? Json(check->facesWithoutMesh) : Json();
+  object["faces_over"] = check ? Json(check->facesOver) : Json();
+  object["deviation"] = check ? Json(check->deviation) : Json();
+  object["problems"] = check ? Json(portable(check->names)) : Json();
+}
+
+Json objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
   Json object = {{"status", statusName(file.status)},
                  {"input", portable(file.path)},
                  {"reason", portable(file.reason)},
@@ -41,6 +63,7 @@ Json objectFrom(const FileRecord& file) {
   object["host"] = portable(file.host);
   object["program"] = portable(file.program);
   object["settings"] = portable(file.settings);
+  addCheck(object, checkOf(file, inspections));
   object["outputs"] = Json::array();
   for (const OutputRecord& output : file.outputs) {
     object["outputs"].push_back({{"path", portable(output.path)}, {"size", output.size}});
@@ -83,13 +106,13 @@ std::string rowFrom(const Json& object, bool isTitle) {
 
 }  // namespace
 
-bool exportState(StateHandle& state, const std::string& path) {
+bool exportState(StateHandle& state, const std::string& path, InspectionsHandle* inspections) {
   const bool isTable = path.ends_with(".csv");
   return writeAside(path, [&](std::ostream& file) {
-    file << (isTable ? rowFrom(objectFrom(FileRecord()), true) : "[");
+    file << (isTable ? rowFrom(objectFrom(FileRecord(), nullptr), true) : "[");
     const char* separator = "\n";
     const bool isRead = forEachFile(state, [&](const FileRecord& record) {
-      const Json object = objectFrom(record);
+      const Json object = objectFrom(record, inspections);
       if (isTable) {
         file << rowFrom(object, false);
       } else {

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstddef>
-#include <system_error>
 
+#include <nlohmann/json.hpp>
 #include <sqlite3.h>
 
 #include "batch/state/statement.h"
@@ -13,38 +12,58 @@
 namespace plenvorith {
 namespace {
 
+/// The first table is that of the first release, which knew of less.
 constexpr const char* kSchema = R"(
 PRAGMA journal_mode = WAL;
 PRAGMA synchronous = NORMAL;
-CREATE TABLE IF NOT EXISTS mesh(
+DROP TABLE IF EXISTS mesh;
+CREATE TABLE IF NOT EXISTS stl(
   path BLOB PRIMARY KEY, size INTEGER NOT NULL, mtime INTEGER NOT NULL,
-  checked INTEGER NOT NULL DEFAULT 0, open_edges INTEGER, volume REAL,
+  checked INTEGER NOT NULL DEFAULT 0, parts INTEGER, bad_parts INTEGER, open_solids INTEGER,
+  faces_without_mesh INTEGER, faces_over INTEGER, deviation REAL, volume REAL, names BLOB,
   pictured INTEGER NOT NULL DEFAULT 0, picture BLOB NOT NULL DEFAULT x'') WITHOUT ROWID;
 )";
 
 enum Query { Find, FindFile, Renew, PutCheck, PutPicture, Count };
 constexpr std::array<const char*, Count> kQueries = {
-    "SELECT open_edges, volume, picture FROM mesh WHERE path = ?",
-    "SELECT checked, pictured FROM mesh WHERE path = ? AND size = ? AND mtime = ?",
-    "INSERT OR REPLACE INTO mesh(path, size, mtime) VALUES(?, ?, ?)",
-    "UPDATE mesh SET checked = 1, open_edges = ?, volume = ? WHERE path = ?",
-    "UPDATE mesh SET pictured = 1, picture = ? WHERE path = ?",
+    "SELECT parts, bad_parts, open_solids, faces_without_mesh, faces_over, deviation, volume, "
+    "names, "
+    "picture FROM stl WHERE path = ?",
+    "SELECT checked, pictured FROM stl WHERE path = ? AND size = ? AND mtime = ?",
+    "INSERT OR REPLACE INTO stl(path, size, mtime) VALUES(?, ?, ?)",
+    "UPDATE stl SET checked = 1, parts = ?, bad_parts = ?, open_solids = ?, faces_without_mesh = "
+    "?, "
+    "faces_over = ?, deviation = ?, volume = ?, names = ? WHERE path = ?",
+    "UPDATE stl SET pictured = 1, picture = ? WHERE path = ?",
 };
 
-/// The number behind the last `label`, blanks and a colon.
+using Json = nlohmann::json;
+
+/// Sets a number that an object has to have; false if it has none.
 template <typename Number>
-std::optional<Number> numberBehind(std::string_view label, std::string_view text) {
-  const std::size_t place = text.rfind(label);
-  if (place == std::string_view::npos) {
-    return std::nullopt;
+bool takeNumber(const Json& object, const char* key, Number& number) {
+  const auto found = object.find(key);
+  if (found == object.end() || !found->is_number()) {
+    return false;
   }
-  text.remove_prefix(place + label.size());
-  text.remove_prefix(std::min(text.find_first_not_of(" :"), text.size()));
-  Number number{};
-  if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc()) {
-    return std::nullopt;
+  number = found->get<Number>();
+  return true;
+}
+
+std::string textOf(const Json& value) {
+  return value.is_string() ? value.get<std::string>() : std::string();
+}
+
+/// What a part is called, from the root down.
+std::string nameOf(const Json& part) {
+  std::string name;
+  if (const auto path = part.find("path"); path != part.end() && path->is_array()) {
+    for (const Json& step : *path) {
+      name += (name.empty() ? "" : " / ") + textOf(step);
+    }
   }
-  return number;
+  const std::string own = textOf(part.value("name", Json()));
+  return own.empty() || name.empty() ? name + own : name + " / " + own;
 }
 
 }  // namespace
@@ -55,23 +74,35 @@ struct InspectionsHandle {
 };
 
 std::optional<MeshCheck> checkFrom(std::string_view printed) {
+  constexpr int kMostNames = 20;
   MeshCheck check;
-  const char* const labels[] = {"Facets with 1 disconnected edge ",
-                                "Facets with 2 disconnected edges",
-                                "Facets with 3 disconnected edges"};
-  for (int edges = 1; edges <= 3; ++edges) {
-    const auto facets = numberBehind<std::int64_t>(labels[edges - 1], printed);
-    if (!facets) {
-      return std::nullopt;
+  int names = 0;
+  bool isWhole = false;
+  while (!printed.empty()) {
+    const std::size_t end = std::min(printed.find('\n'), printed.size());
+    const std::string_view line = printed.substr(0, end);
+    printed.remove_prefix(std::min(end + 1, printed.size()));
+    constexpr bool kThrows = false;
+    const Json object = line.starts_with('{') ? Json::parse(line, nullptr, kThrows) : Json();
+    if (!object.is_object()) {
+      continue;
     }
-    check.openEdges += edges * *facets;
+    if (!object.contains("parts")) {
+      if (++names <= kMostNames) {
+        check.names += nameOf(object) + '\n';
+      }
+      continue;
+    }
+    // The line of the file is the last one.
+    isWhole = takeNumber(object, "parts", check.parts) &&
+              takeNumber(object, "partsWithProblems", check.badParts) &&
+              takeNumber(object, "openSolids", check.openSolids) &&
+              takeNumber(object, "facesWithoutMesh", check.facesWithoutMesh) &&
+              takeNumber(object, "facesOverDeflection", check.facesOver) &&
+              takeNumber(object, "deviation", check.deviation) &&
+              takeNumber(object, "volume", check.volume);
   }
-  const auto volume = numberBehind<double>("Volume ", printed);
-  if (!volume) {
-    return std::nullopt;
-  }
-  check.volume = *volume;
-  return check;
+  return isWhole ? std::optional(check) : std::nullopt;
 }
 
 void CloseInspections::operator()(InspectionsHandle* inspections) const {
@@ -103,10 +134,16 @@ Inspection findInspection(InspectionsHandle& inspections, const std::string& pat
   find.bindBytes(path);
   if (find.step()) {
     const bool isChecked = !find.isNull();
-    const std::int64_t openEdges = find.integer();
-    const double volume = find.real();
+    MeshCheck check;
+    for (std::int64_t* const number : {&check.parts, &check.badParts, &check.openSolids,
+                                       &check.facesWithoutMesh, &check.facesOver}) {
+      *number = find.integer();
+    }
+    check.deviation = find.real();
+    check.volume = find.real();
+    check.names = find.bytes();
     if (isChecked) {
-      inspection.check = {openEdges, volume};
+      inspection.check = check;
     }
     inspection.picture = find.bytes();
   }
@@ -138,11 +175,18 @@ bool keepCheck(InspectionsHandle& inspections, const std::string& path,
                const std::optional<MeshCheck>& check) {
   StatementUse put(inspections.statements[PutCheck]);
   if (check) {
-    put.bind(check->openEdges);
+    for (const std::int64_t number : {check->parts, check->badParts, check->openSolids,
+                                      check->facesWithoutMesh, check->facesOver}) {
+      put.bind(number);
+    }
+    put.bind(check->deviation);
     put.bind(check->volume);
+    put.bindBytes(check->names);
   } else {
-    put.bindNull();
-    put.bindNull();
+    constexpr int kColumns = 8;
+    for (int i = 0; i < kColumns; ++i) {
+      put.bindNull();
+    }
   }
   put.bindBytes(path);
   return put.finish();

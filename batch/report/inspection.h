@@ -8,10 +8,16 @@
 
 namespace plenvorith {
 
-/// What admesh tells of a mesh.
+/// What plenvorith-check tells of a file.
 struct MeshCheck {
-  std::int64_t openEdges = 0;  ///< sides of triangles that no other triangle shares
-  double volume = 0.0;         ///< in cubic model units; means little while edges are open
+  std::int64_t parts = 0;
+  std::int64_t badParts = 0;    ///< parts that have a problem
+  std::int64_t openSolids = 0;  ///< solids whose meshes are not closed
+  std::int64_t facesWithoutMesh = 0;
+  std::int64_t facesOver = 0;  ///< faces whose mesh misses the deflection
+  double deviation = 0.0;      ///< how far a mesh is from its surface at most, millimetres
+  double volume = 0.0;         ///< of all closed parts, cubic millimetres
+  std::string names = {};      ///< of the parts with problems, one a line; of many the first
 };
 
 /// What is known of an STL file beyond what the conversion tells.
@@ -20,7 +26,7 @@ struct Inspection {
   std::string picture;  ///< a PNG file; empty: there is none
 };
 
-/// What admesh prints about a file; nothing if that is not understood.
+/// What plenvorith-check prints about a file, among lines of others; nothing if that is not whole.
 std::optional<MeshCheck> checkFrom(std::string_view printed);
 
 /// The inspections made so far, kept in a database of their own beside the state.

@@ -42,11 +42,19 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
+void writeCheck(std::ostream& page, const MeshCheck& check) {
+  page << ",\"check\":{\"parts\":" << check.parts << ",\"badParts\":" << check.badParts
+       << ",\"openSolids\":" << check.openSolids
+       << ",\"facesWithoutMesh\":" << check.facesWithoutMesh << ",\"facesOver\":" << check.facesOver
+       << ",\"deviation\":" << jsonNumber(check.deviation)
+       << ",\"volume\":" << jsonNumber(check.volume) << ",\"names\":" << jsonText(check.names)
+       << '}';
+}
+
 void writeOutput(std::ostream& page, const OutputRecord& output, const Inspection& inspection) {
   page << "{\"path\":" << jsonText(output.path) << ",\"size\":" << output.size;
   if (inspection.check) {
-    page << ",\"openEdges\":" << inspection.check->openEdges
-         << ",\"volume\":" << jsonNumber(inspection.check->volume);
+    writeCheck(page, *inspection.check);
   }
   if (!inspection.picture.empty()) {
     page << ",\"picture\":\"" << base64(inspection.picture) << '"';

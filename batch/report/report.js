@@ -72,20 +72,14 @@
 
   // ------------------------------------------------------------------------------------- the files
 
-  // What a check adds up to over the outputs of a file; null if none was checked.
-  function sumOf(outputs, key) {
-    const known = outputs.filter((output) => output[key] !== undefined);
-    return known.length ? known.reduce((sum, output) => sum + output[key], 0) : null;
-  }
-
   const files = data.files.map((record, index) => {
     const outputs = record.outputs || [];
     return {
       index, record, outputs,
       name: shown(record.name),
       reason: shown(record.reason || ''),
-      openEdges: sumOf(outputs, 'openEdges'),
-      volume: sumOf(outputs, 'volume'),
+      // What was found out about the input is kept with one of its outputs.
+      check: (outputs.find((output) => output.check) || { check: null }).check,
       kind: record.kind === undefined ? '' : shown(data.kinds[record.kind].title),
       open: false, // whether its details are shown
       key: '',
@@ -95,7 +89,7 @@
     file.key = (file.name + '\n' + file.reason).toLowerCase();
   }
   const hasPictures = files.some((file) => file.outputs.some((output) => output.picture));
-  const hasChecks = files.some((file) => file.openEdges !== null);
+  const hasChecks = files.some((file) => file.check);
   const kNames = { converted: 'converted', failed: 'failed', delivering: 'interrupted' };
 
   // The kinds of reasons, the most frequent first; of the reasons in each, the most frequent.
@@ -142,14 +136,20 @@
       id: 'bounds', title: 'Extent, mm', number: true,
       key: (f) => (extent(f) ? Math.hypot(...extent(f)) : null),
     },
-    { id: 'check', title: 'Closed', key: (f) => f.openEdges },
-    { id: 'volume', title: 'Volume, mm³', number: true, key: (f) => f.volume },
+    { id: 'check', title: 'Check', number: true, key: (f) => (f.check ? f.check.badParts : null) },
+    { id: 'deviation', title: 'Deviation, mm', number: true, key: (f) => (f.check ? f.check.deviation : null) },
+    { id: 'volume', title: 'Volume, mm³', number: true, key: (f) => (f.check ? f.check.volume : null) },
     { id: 'memory', title: 'Memory', number: true, key: (f) => known(f.record.peakMemory) },
-  ].filter((column) => hasChecks || (column.id !== 'check' && column.id !== 'volume'));
+  ].filter((column) => hasChecks || !['check', 'deviation', 'volume'].includes(column.id));
 
   // --------------------------------------------------------------------------------------- the view
 
-  const kFields = ['q', 'status', 'reason', 'sizeMin', 'sizeMax', 'secondsMin', 'secondsMax', 'trianglesMin', 'trianglesMax'];
+  const kChecks = {
+    problems: (file) => Boolean(file.check && file.check.badParts > 0),
+    none: (file) => Boolean(file.check && file.check.badParts === 0),
+    unknown: (file) => !file.check,
+  };
+  const kFields = ['q', 'status', 'reason', 'checked', 'sizeMin', 'sizeMax', 'secondsMin', 'secondsMax', 'trianglesMin', 'trianglesMax'];
   const view = { sort: 'name', down: false, page: 0 };
   let found = [];
 
@@ -157,11 +157,13 @@
     const query = byId('q').value.toLowerCase().split(' ').filter((word) => word);
     const status = byId('status').value;
     const reason = byId('reason').value;
+    const isChecked = kChecks[byId('checked').value] || (() => true);
     const ranges = ['size', 'seconds', 'triangles'].map((field) => [field, limitFrom(byId(field + 'Min')), limitFrom(byId(field + 'Max'))])
       .filter(([, min, max]) => min !== null || max !== null);
     found = files.filter((file) =>
       (!status || file.record.status === status) &&
       (!reason || file.reason === reason || file.kind === reason) &&
+      isChecked(file) &&
       ranges.every(([field, min, max]) => {
         const value = file.record[field];
         return value !== undefined && (min === null || value >= min) && (max === null || value <= max);
@@ -196,7 +198,19 @@
     return element('img', { src: 'data:image/png;base64,' + output.picture, alt: '', loading: 'lazy' });
   }
 
-  const checkText = (openEdges) => (openEdges === 0 ? 'closed' : count(openEdges) + (openEdges === 1 ? ' open edge' : ' open edges'));
+  const several = (number, one, more) => count(number) + ' ' + (number === 1 ? one : more);
+  function checkText(check) {
+    return check.badParts === 0 ? 'no problem' : `${count(check.badParts)} of ${several(check.parts, 'part', 'parts')}`;
+  }
+  // Everything that is known of the parts with problems.
+  function problemText(check) {
+    const problems = [
+      check.openSolids && several(check.openSolids, 'open solid', 'open solids'),
+      check.facesWithoutMesh && several(check.facesWithoutMesh, 'face without mesh', 'faces without mesh'),
+      check.facesOver && several(check.facesOver, 'face misses the deflection', 'faces miss the deflection'),
+    ].filter((text) => text);
+    return [`${several(check.badParts, 'part', 'parts')} of ${count(check.parts)} with problems`, ...problems].join(', ');
+  }
 
   const cells = {
     status(file, cell) {
@@ -216,10 +230,11 @@
     triangles: (file, cell) => cell.append(count(file.record.triangles)),
     bounds: (file, cell) => cell.append(extent(file).map((d) => String(Number(d.toPrecision(4)))).join(' × ')),
     check(file, cell) {
-      cell.classList.add(file.openEdges === 0 ? 'closed' : 'holed');
-      cell.append(checkText(file.openEdges));
+      cell.classList.add(file.check.badParts === 0 ? 'closed' : 'holed');
+      cell.append(checkText(file.check));
     },
-    volume: (file, cell) => cell.append(volume(file, file.volume)),
+    deviation: (file, cell) => cell.append(String(Number(file.check.deviation.toPrecision(3)))),
+    volume: (file, cell) => cell.append(volume(file, file.check.volume)),
     memory: (file, cell) => cell.append(bytes(file.record.peakMemory)),
     // An option is not broken between its dashes.
     reason: (file, cell) => cell.append(...file.reason.split(/(--[a-z-]+)/).map((part) =>
@@ -249,8 +264,14 @@
         ...file.outputs.map((output) => element('li', {},
           ...(output.picture ? [picture(output)] : []),
           element('a', { href: linkTo(output.path) }, element('bdi', {}, shown(output.path.slice(output.path.lastIndexOf('/') + 1)))),
-          element('small', {}, bytes(output.size) +
-            (output.openEdges === undefined ? '' : ', ' + checkText(output.openEdges) + ', volume ' + volume(file, output.volume) + ' mm³'))))));
+          element('small', {}, bytes(output.size))))));
+    }
+    if (file.check) {
+      // Names come with escapes, whose backslashes are not to be escaped again.
+      const names = file.check.names.split('\n').filter((name) => name);
+      add('Check', file.check.badParts === 0 ? 'no problem' : problemText(file.check),
+        element('ul', { className: 'parts' }, ...names.map((name) => element('li', {}, element('bdi', {}, shown(name).replaceAll('\\\\', '\\'))))),
+        ...(file.check.badParts > names.length ? [element('small', {}, `and ${count(file.check.badParts - names.length)} more`)] : []));
     }
     return element('tr', { className: 'more' }, element('td', { colSpan: columns.length + (hasPictures ? 1 : 0) }, list));
   }
@@ -404,6 +425,12 @@
       ...Object.keys(number).map((status) => element('option', { value: status }, `${kNames[status]} (${count(number[status])})`)));
   }
 
+  function fillChecks() {
+    byId('checked').hidden = !hasChecks;
+    const option = ([value, title]) => element('option', { value }, value ? `${title} (${count(files.filter(kChecks[value]).length)})` : title);
+    byId('checked').append(...[['', 'Any check'], ['problems', 'has problems'], ['none', 'no problem'], ['unknown', 'not checked']].map(option));
+  }
+
   function fillReasons() {
     const option = (text, number) => element('option', { value: text }, `${text} (${count(number)})`);
     byId('reason').append(element('option', { value: '' }, 'Any reason'));
@@ -429,6 +456,7 @@
   fillHead();
   fillSummary();
   fillReasons();
+  fillChecks();
   byId('filters').addEventListener('submit', (event) => event.preventDefault());
   byId('filters').addEventListener('input', () => show({ page: 0 }));
   byId('filters').addEventListener('reset', (event) => {

@@ -12,9 +12,11 @@
 
 #include <unistd.h>
 
+#include "batch/report/export.h"
 #include "batch/report/inspection.h"
 #include "batch/report/mesh_tools.h"
 #include "batch/report/report.h"
+#include "batch/state/names.h"
 #include "batch/state/totals.h"
 #include "common/escaped_text.h"
 
@@ -46,17 +48,36 @@ bool mayReplace(const std::string& path) {
   return start.find(kMark) != std::string::npos;
 }
 
+std::string inspectionsPath(const Places& places) {
+  return places.state + "/inspections.db";
+}
+
+/// Appends the STL files of one input.
+void addMeshes(const FileRecord& record, std::vector<MadeMesh>& meshes) {
+  const ConversionSettings settings = settingsFrom(record.settings);
+  bool isFirst = true;
+  for (const OutputRecord& output : record.outputs) {
+    if (!output.path.ends_with(".stl")) {
+      continue;
+    }
+    // In split mode, too, an input without exact geometry has one mesh, which has the input's name.
+    const bool isWhole = output.path == record.name + ".stl";
+    meshes.push_back(
+        {output, record.path, settings.deflection, settings.prepare, isWhole, isFirst});
+    isFirst = false;
+  }
+}
+
 bool inspectAll(const Options& options, StateHandle& state, const Places& places,
                 InspectionsHandle& inspections) {
-  std::vector<OutputRecord> outputs;
-  const bool isRead = forEachFile(state, [&](const FileRecord& record) {
-    outputs.insert(outputs.end(), record.outputs.begin(), record.outputs.end());
-  });
+  std::vector<MadeMesh> meshes;
+  const bool isRead =
+      forEachFile(state, [&](const FileRecord& record) { addMeshes(record, meshes); });
   const InspectionWish wish{options.checks, options.pictures,
                             static_cast<std::size_t>(options.jobs),
-                            options.bar || isatty(STDERR_FILENO) == 1};
+                            options.bar || isatty(STDERR_FILENO) == 1, options.settings.timeLimit};
   return isRead &&
-         inspectOutputs(inspections, places.output + '/', places.run, outputs, wish, isInterrupted);
+         inspectOutputs(inspections, places.output + '/', places.run, meshes, wish, isInterrupted);
 }
 
 /// The last lines of a transcript.
@@ -109,7 +130,7 @@ bool reportState(const Options& options, StateHandle& state, const Places& place
     return false;
   }
   std::string problem;
-  const std::string database = places.state + "/inspections.db";
+  const std::string database = inspectionsPath(places);
   Inspections inspections;
   if (options.checks || options.pictures || access(database.c_str(), F_OK) == 0) {
     inspections = openInspections(database, problem);
@@ -133,6 +154,14 @@ bool reportState(const Options& options, StateHandle& state, const Places& place
     std::cout << "Report: " << printable(path) << std::endl;
   }
   return isWritten && isInspected;
+}
+
+bool exportAll(const std::string& path, StateHandle& state, const Places& places) {
+  const std::string database = inspectionsPath(places);
+  std::string problem;
+  const Inspections inspections =
+      access(database.c_str(), F_OK) == 0 ? openInspections(database, problem) : nullptr;
+  return exportState(state, path, inspections.get());
 }
 
 }  // namespace plenvorith

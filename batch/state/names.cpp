@@ -1,6 +1,7 @@
 #include "batch/state/names.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "batch/inputs/input_identity.h"
 #include "batch/version.h"
@@ -25,6 +26,23 @@ std::string workNameFor(const std::string& input, const ConversionSettings& sett
 std::string settingsText(const ConversionSettings& settings) {
   return "to=" + settings.to + " deflection=" + settings.deflection +
          (settings.split ? " split" : "") + (settings.prepare ? " prepare" : "");
+}
+
+ConversionSettings settingsFrom(const std::string& text) {
+  ConversionSettings settings;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    if (word.starts_with("to=")) {
+      settings.to = word.substr(3);
+    } else if (word.starts_with("deflection=")) {
+      settings.deflection = word.substr(11);
+    } else if (word == "split") {
+      settings.split = true;
+    } else if (word == "prepare") {
+      settings.prepare = true;
+    }
+  }
+  return settings;
 }
 
 std::string programText(const ConversionSettings& settings) {

@@ -28,6 +28,9 @@ std::string workNameFor(const std::string& input, const ConversionSettings& sett
 /// the same text and the same program give the same outputs.
 std::string settingsText(const ConversionSettings& settings);
 
+/// What of the settings can be told from that text.
+ConversionSettings settingsFrom(const std::string& text);
+
 /// The program that converts, with its version: this one's, or path, size and time of another.
 std::string programText(const ConversionSettings& settings);
 

@@ -425,24 +425,17 @@ LeavesAPageAloneThatIsNoReport() {
   [[ $(<out/index.html) == 'my page' ]] || fail 'the page was overwritten'
 }
 
-ReportsChecksOfAdmesh() {
-  need admesh
-  # admesh takes no file of fewer than four triangles.
-  step_file in/closed.stp 1
-  sed -i "s/((1,2,3)),()/((1,2,3),(1,4,2),(1,3,4),(2,4,3)),()/
-    s/)));/),(0.,0.,0.)));/" in/closed.stp
-  step_file in/open.stp 1
-  sed -i "s/((1,2,3)),()/((1,2,3),(1,3,4),(1,4,5),(1,5,6)),()/
-    s/)));/),(2.,2.,2.),(3.,2.,1.),(5.,4.,4.)));/" in/open.stp
-  run 0 in -o out --check
-  grep -q '^{"name":"closed.stp".*"openEdges":0,"volume":0.16' out/index.html || fail 'not closed'
-  grep -q '^{"name":"open.stp".*"openEdges":6,"volume":' out/index.html || fail 'not open'
+ReportsPartsWithProblems() {
+  make_files 1
+  cp in/1.stp in/2.stp
+  run 0 in -o out --check --export log.json
+  (($(grep -c '"check":{"parts":1,"badParts":0,' out/index.html) == 2)) || fail 'no checks'
+  (($(grep -c '"parts_with_problems":0,' log.json) == 2)) || fail 'no checks in the table'
   run 0 in -o out --resume
-  grep -q '^{"name":"closed.stp".*"openEdges":0,"volume":' out/index.html || fail 'no check any more'
+  (($(grep -c '"check":{"parts":1,"badParts":0,' out/index.html) == 2)) || fail 'no checks any more'
 }
 
 ReportsWithoutToolsWhenItIsInterrupted() {
-  need admesh
   make_files 1
   run 0 in -o out
   step_file in/2.stp 2
@@ -455,7 +448,7 @@ ReportsWithoutToolsWhenItIsInterrupted() {
   kill "$pid"
   wait "$pid" || status=$?
   ((status == 143)) || fail "exit status $status, not 143"
-  ! grep -q admesh stderr || fail 'a tool was run'
+  ! grep -q Checked stdout || fail 'a tool was run'
   [[ -f out/index.html ]] || fail 'no report'
 }
 
@@ -470,8 +463,7 @@ ReportsPicturesOfF3d() {
 SaysOnceThatToolsAreMissing() {
   make_files 3
   mkdir bin
-  PATH=$PWD/bin run 0 in -o out --check --thumbnails
-  (($(grep -c 'no --check without admesh' stderr) == 1)) || fail 'not once'
+  PATH=$PWD/bin run 0 in -o out --thumbnails
   (($(grep -c 'no --thumbnails without f3d' stderr) == 1)) || fail 'not once'
   expect_line stdout 'Converted: 3 (3 triangles)'
 }

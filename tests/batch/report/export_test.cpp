@@ -37,11 +37,12 @@ TEST(ExportState, WritesATable) {
   EXPECT_EQ(test::readFile(dir / "log.csv"),
             "status,input,reason,last_line,exit_status,signal,triangles,seconds,cpu_seconds,"
             "peak_memory,size,low_x,low_y,low_z,high_x,high_y,high_z,host,program,settings,"
+            "parts_with_problems,open_solids,faces_without_mesh,faces_over,deviation,problems,"
             "outputs\n"
             "converted,\"/in/a, \"\"b\"\"\\n\\xff.stp\",,,0,,12,0.5,0.0,0,7,0.0,0.5,1.0,2.0,3.0,"
-            "4.0,,,,2\n"
+            "4.0,,,,,,,,,,2\n"
             "failed,/in/b.stp,\"kernel crashed (signal 11, SIGSEGV)\",,,11,0,0.0,0.0,0,0,,,,,,,"
-            ",,,0\n");
+            ",,,,,,,,,0\n");
 }
 
 TEST(ExportState, WritesObjects) {
@@ -54,6 +55,22 @@ TEST(ExportState, WritesObjects) {
   EXPECT_THAT(text, testing::HasSubstr("\"outputs\":[{\"path\":\"a.stl\",\"size\":684},"
                                        "{\"path\":\"\\\\xff.stl\",\"size\":1}]},\n{\"status\":"));
   EXPECT_THAT(text, testing::EndsWith("\"outputs\":[]}\n]\n"));
+}
+
+TEST(ExportState, TellsWhatWasFoundOut) {
+  const test::TempDir dir;
+  std::string problem;
+  const Inspections inspections = openInspections(dir / "inspections.db", problem);
+  ASSERT_TRUE(prepareInspection(*inspections, "a.stl", 684, 1));
+  ASSERT_TRUE(
+      keepCheck(*inspections, "a.stl", MeshCheck{9, 1, 2, 3, 4, 0.5, 6.0, "lamp / foot\n"}));
+  ASSERT_TRUE(exportState(*filledState(dir), dir / "log.json", inspections.get()));
+  const std::string text = test::readFile(dir / "log.json");
+  EXPECT_THAT(text, testing::HasSubstr(
+                        "\"parts_with_problems\":1,\"open_solids\":2,\"faces_without_mesh\":3,"
+                        "\"faces_over\":4,\"deviation\":0.5,\"problems\":\"lamp / foot\\\\n\","
+                        "\"outputs\":[{\"path\":\"a.stl\""));
+  EXPECT_THAT(text, testing::HasSubstr("\"open_solids\":null,"));
 }
 
 TEST(ExportState, SaysWhereItCannotWrite) {

@@ -12,55 +12,44 @@ namespace {
 
 using test::TempDir;
 
-/// What admesh 0.98.4 prints.
-std::string printed(const std::string& ones, const std::string& twos, const std::string& threes,
-                    const std::string& volume) {
-  return "ADMesh version 0.98.4, Copyright (C) 1995, 1996 Anthony D. Martin\n"
-         "Opening 0.stl\n"
-         "Checking exact...\n"
-         "\n"
-         "================= Results produced by ADMesh version 0.98.4 ================\n"
-         "Input file         : 0.stl\n"
-         "File type          : Binary STL file\n"
-         "Header             : Volume : 7\n"
-         "============== Size ==============\n"
-         "Min X =  0.000000, Max X =  1.000000\n"
-         "========= Facet Status ========== Original ============ Final ====\n"
-         "Number of facets                 :    12                  12\n"
-         "Facets with 1 disconnected edge  :     " +
-         ones +
-         "                   0\n"
-         "Facets with 2 disconnected edges :     " +
-         twos +
-         "                   0\n"
-         "Facets with 3 disconnected edges :     " +
-         threes +
-         "                   0\n"
-         "Total disconnected facets        :     0                   0\n"
-         "=== Processing Statistics ===     ===== Other Statistics =====\n"
-         "Number of parts       :     0        Volume   :  " +
-         volume +
-         "\n"
-         "Degenerate facets     :     0\n";
+const std::string kFile =
+    R"({"parts":163,"partsWithProblems":2,"openSolids":1,"facesWithoutMesh":3,)"
+    R"("facesOverDeflection":4,"deviation":1.25,"triangles":9,"volume":-0.5,"deflection":0.1})";
+
+TEST(CheckFrom, TakesTheLineOfTheFileAndTheNamesOfTheParts) {
+  const std::optional<MeshCheck> check = checkFrom(
+      "[PREPROCESS] a line of another\n"
+      R"({"number":85,"kind":"solid","path":["arm","side"],"name":"Body"})"
+      "\n"
+      R"({"number":86,"kind":"solid","path":["arm","\\\\xff"],"name":""})"
+      "\n" +
+      kFile + "\n");
+  ASSERT_TRUE(check);
+  EXPECT_EQ(check->parts, 163);
+  EXPECT_EQ(check->badParts, 2);
+  EXPECT_EQ(check->openSolids, 1);
+  EXPECT_EQ(check->facesWithoutMesh, 3);
+  EXPECT_EQ(check->facesOver, 4);
+  EXPECT_EQ(check->deviation, 1.25);
+  EXPECT_EQ(check->volume, -0.5);
+  EXPECT_EQ(check->names, "arm / side / Body\narm / \\\\xff\n");
 }
 
-TEST(CheckFrom, AddsUpTheOpenEdges) {
-  const std::optional<MeshCheck> closed = checkFrom(printed("0", "0", "0", "20927.792969"));
-  ASSERT_TRUE(closed);
-  EXPECT_EQ(closed->openEdges, 0);
-  EXPECT_EQ(closed->volume, 20927.792969);
-  const std::optional<MeshCheck> open = checkFrom(printed("10", "3", "2", "-1.5"));
-  ASSERT_TRUE(open);
-  EXPECT_EQ(open->openEdges, 22);
-  EXPECT_EQ(open->volume, -1.5);
+TEST(CheckFrom, KeepsTheFirstOfManyNames) {
+  std::string printed;
+  for (int i = 0; i < 30; ++i) {
+    printed += R"({"number":1,"path":[],"name":"a"})" + std::string("\n");
+  }
+  EXPECT_EQ(checkFrom(printed + kFile)->names.size(), 40U);
 }
 
 TEST(CheckFrom, RejectsOtherTexts) {
   EXPECT_FALSE(checkFrom(""));
-  EXPECT_FALSE(checkFrom("Facets with 1 disconnected edge  :"));
-  EXPECT_FALSE(checkFrom(printed("", "0", "0", "1").substr(0, 600)));
-  EXPECT_FALSE(checkFrom(printed("x", "0", "0", "1")));
-  EXPECT_FALSE(checkFrom(printed("0", "0", "0", "large")));
+  EXPECT_FALSE(checkFrom("Error: a.stl cannot be opened\n"));
+  EXPECT_FALSE(checkFrom(kFile.substr(0, kFile.size() - 1)));
+  EXPECT_FALSE(checkFrom(R"({"parts":1})"));
+  EXPECT_FALSE(checkFrom(R"({"parts":"1"})"));
+  EXPECT_FALSE(checkFrom("[1,2]\n{}\n{\"path\":7,\"name\":[]}\n"));
 }
 
 TEST(Inspections, KeepWhatWasFoundOut) {
@@ -75,7 +64,8 @@ TEST(Inspections, KeepWhatWasFoundOut) {
     ASSERT_TRUE(left);
     EXPECT_TRUE(left->check && left->picture);
     ASSERT_TRUE(beginKeeping(*inspections));
-    EXPECT_TRUE(keepCheck(*inspections, path, MeshCheck{3, 0.5}));
+    EXPECT_TRUE(
+        keepCheck(*inspections, path, MeshCheck{163, 2, 1, 3, 4, 1.25, 0.5, "arm / side\n"}));
     EXPECT_TRUE(keepPicture(*inspections, path, picture));
     ASSERT_TRUE(endKeeping(*inspections));
   }
@@ -83,8 +73,14 @@ TEST(Inspections, KeepWhatWasFoundOut) {
   ASSERT_TRUE(inspections) << problem;
   const Inspection found = findInspection(*inspections, path);
   ASSERT_TRUE(found.check);
-  EXPECT_EQ(found.check->openEdges, 3);
+  EXPECT_EQ(found.check->parts, 163);
+  EXPECT_EQ(found.check->badParts, 2);
+  EXPECT_EQ(found.check->openSolids, 1);
+  EXPECT_EQ(found.check->facesWithoutMesh, 3);
+  EXPECT_EQ(found.check->facesOver, 4);
+  EXPECT_EQ(found.check->deviation, 1.25);
   EXPECT_EQ(found.check->volume, 0.5);
+  EXPECT_EQ(found.check->names, "arm / side\n");
   EXPECT_EQ(found.picture, picture);
   const std::optional<Uninspected> left = prepareInspection(*inspections, path, 134, 7);
   ASSERT_TRUE(left);
@@ -101,7 +97,7 @@ TEST(Inspections, ForgetAnotherFileOfTheSameName) {
     const Inspection found = findInspection(*inspections, "a.stl");
     EXPECT_FALSE(found.check);
     EXPECT_EQ(found.picture, "");
-    EXPECT_TRUE(keepCheck(*inspections, "a.stl", MeshCheck{1, 2.0}));
+    EXPECT_TRUE(keepCheck(*inspections, "a.stl", MeshCheck{.parts = 1}));
     EXPECT_TRUE(keepPicture(*inspections, "a.stl", "picture"));
   }
 }

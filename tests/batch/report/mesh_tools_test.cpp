@@ -36,18 +36,19 @@ struct Setting {
     test::writeFile(path, "#!/bin/sh\nPATH=/usr/bin:/bin\n" + script + "\n");
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
   }
-  /// Prints the size of the file as its volume and fails on files of one byte.
-  void addAdmesh() const {
-    addTool("admesh", R"sh(
-for file; do :; done
-size=$(wc -c <"$file")
-[ "$size" -ne 1 ] || exit 1
-echo "$file" | grep -q '/[0-9]*\.stl$' || exit 1
-echo 'Facets with 1 disconnected edge  :     2    0'
-echo 'Facets with 2 disconnected edges :     0    0'
-echo 'Facets with 3 disconnected edges :     0    0'
-echo "Number of parts       :     0        Volume   :  $size"
-echo . >>)sh" + (directory / "checked"));
+  /// Prints the size of the mesh as the volume and fails on meshes of one byte.
+  void addChecker() const {
+    addTool("plenvorith-check", R"sh(
+echo 'a line of the kernel' >&2
+[ "$TMPDIR" = "$(dirname "$1")" ] || exit 1
+size=0
+[ "$2" = - ] || size=$(wc -c <"$2")
+[ "$size" -ne 1 ] || { echo 'Error: the mesh is not that of the file' >&2; exit 1; }
+echo '{"number":1,"path":["'"$(cat "$1")"'"],"name":"'"$3"'"}'
+echo '{"parts":2,"partsWithProblems":1,"openSolids":1,"facesWithoutMesh":0,"facesOverDeflection":0,'\
+'"deviation":0.5,"volume":'"$size"'}'
+echo . >>)sh" + (directory / "checked") +
+                                    "\nexit 3");
   }
   /// Draws a picture that holds the name of the display and the bytes of the file.
   void addF3d() const {
@@ -68,18 +69,21 @@ bool never() {
 
 TEST(InspectOutputs, ChecksAndDrawsEveryStlFile) {
   const Setting setting;
-  setting.addAdmesh();
+  setting.addChecker();
   setting.addF3d();
   const std::string odd = "-odd \xff\n'name.stl";
   test::writeFile(setting.outputs + odd, "1234");
+  const std::string input = test::writeFile(setting.directory / "in \xff'put", "content");
   test::writeFile(setting.outputs + "b.stl", "12345");
   test::writeFile(setting.outputs + "c.stp", "123456");
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
-                             {{odd, 4}, {"b.stl", 5}, {"c.stp", 6}, {"missing.stl", 7}},
-                             {true, true, 2}, never));
+  EXPECT_TRUE(inspectOutputs(
+      *setting.inspections, setting.outputs, setting.work,
+      {{{odd, 4}, input, "0.25"}, {{"b.stl", 5}}, {{"c.stp", 6}}, {{"missing.stl", 7}}},
+      {true, true, 2}, never));
   const Inspection first = findInspection(*setting.inspections, odd);
   ASSERT_TRUE(first.check);
-  EXPECT_EQ(first.check->openEdges, 2);
+  EXPECT_EQ(first.check->badParts, 1);
+  EXPECT_EQ(first.check->names, "content / 0.25\n");
   EXPECT_EQ(first.check->volume, 4);
   EXPECT_EQ(first.picture, ":7\n1234");
   const Inspection second = findInspection(*setting.inspections, "b.stl");
@@ -92,10 +96,10 @@ TEST(InspectOutputs, ChecksAndDrawsEveryStlFile) {
 
 TEST(InspectOutputs, LooksAgainOnlyAtWhatHasChanged) {
   const Setting setting;
-  setting.addAdmesh();
+  setting.addChecker();
   test::writeFile(setting.outputs + "a.stl", "1234");
   test::writeFile(setting.outputs + "b.stl", "1234");
-  const std::vector<OutputRecord> outputs = {{"a.stl", 4}, {"b.stl", 4}};
+  const std::vector<MadeMesh> outputs = {{"a.stl", 4}, {"b.stl", 4}};
   const InspectionWish wish = {true, false, 1};
   EXPECT_TRUE(
       inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs, wish, never));
@@ -119,7 +123,7 @@ std::string withoutTime(std::string text) {
 
 TEST(InspectOutputs, NamesTheFilesThatAToolFailsOnAndWhy) {
   const Setting setting;
-  setting.addAdmesh();
+  setting.addChecker();
   setting.addF3d();
   test::writeFile(setting.outputs + "a\n.stl", "1");
   test::writeFile(setting.outputs + "b.stl", "12");
@@ -128,7 +132,8 @@ TEST(InspectOutputs, NamesTheFilesThatAToolFailsOnAndWhy) {
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
                              {{"a\n.stl", 1}, {"b.stl", 2}}, {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "plenvorith-batch: admesh gave nothing for a\\n.stl: exit status 1\n"
+            "plenvorith-batch: plenvorith-check gave nothing for a\\n.stl: Error: the mesh is not "
+            "that of the file\n"
             "plenvorith-batch: f3d gave nothing for a\\n.stl: exit status 1\n");
   EXPECT_EQ(withoutTime(captured.text()), "Checked: 1 of 2 meshes,\nDrawn: 1 of 2 meshes,\n");
   EXPECT_FALSE(findInspection(*setting.inspections, "a\n.stl").check);
@@ -138,25 +143,26 @@ TEST(InspectOutputs, NamesTheFilesThatAToolFailsOnAndWhy) {
 
 TEST(InspectOutputs, SaysWhatAToolThatEndsWellHasNotDone) {
   const Setting setting;
-  setting.addTool("admesh", "echo nonsense");
+  setting.addTool("plenvorith-check", "echo nonsense");
   setting.addTool("Xvfb", "echo 7; exec sleep 1000");
   setting.addTool("f3d", "exit 0");
   test::writeFile(setting.outputs + "a.stl", "1");
   testing::internal::CaptureStderr();
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 1}},
                              {true, true, 1}, never));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "plenvorith-batch: admesh gave nothing for a.stl: it does not say what is asked\n"
-            "plenvorith-batch: f3d gave nothing for a.stl: it has drawn nothing\n");
+  EXPECT_EQ(
+      testing::internal::GetCapturedStderr(),
+      "plenvorith-batch: plenvorith-check gave nothing for a.stl: it does not say what is asked\n"
+      "plenvorith-batch: f3d gave nothing for a.stl: it has drawn nothing\n");
 }
 
 TEST(InspectOutputs, NamesOnlyTheFirstOfManyAndShowsHowFarItIs) {
   const Setting setting;
-  setting.addTool("admesh", "exit 3");
-  std::vector<OutputRecord> outputs;
+  setting.addTool("plenvorith-check", "exit 3");
+  std::vector<MadeMesh> outputs;
   for (int i = 0; i < 25; ++i) {
-    outputs.push_back({std::to_string(i) + ".stl", 1});
-    test::writeFile(setting.outputs + outputs.back().path, "1");
+    outputs.push_back({{std::to_string(i) + ".stl", 1}});
+    test::writeFile(setting.outputs + outputs.back().output.path, "1");
   }
   testing::internal::CaptureStderr();
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs,
@@ -165,7 +171,38 @@ TEST(InspectOutputs, NamesOnlyTheFirstOfManyAndShowsHowFarItIs) {
   EXPECT_THAT(errors, HasSubstr("nothing for 19.stl: exit status 3\n"));
   EXPECT_THAT(errors, testing::Not(HasSubstr("nothing for 20.stl")));
   EXPECT_THAT(errors, HasSubstr("check: 25/25 files, 25 failed"));
-  EXPECT_THAT(errors, testing::EndsWith("plenvorith-batch: admesh gave nothing for 5 more\n"));
+  EXPECT_THAT(errors,
+              testing::EndsWith("plenvorith-batch: plenvorith-check gave nothing for 5 more\n"));
+}
+
+TEST(InspectOutputs, ChecksAnInputOnceWithoutTheMeshesOfItsShapes) {
+  const Setting setting;
+  setting.addChecker();
+  test::writeFile(setting.outputs + "a_1.stl", "1234");
+  test::writeFile(setting.outputs + "a_2.stl", "12345");
+  const std::string input = test::writeFile(setting.directory / "input", "content");
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
+                             {{{"a_1.stl", 4}, input, "0.1", false, false, true},
+                              {{"a_2.stl", 5}, input, "0.1", false, false, false}},
+                             {true, false, 1}, never));
+  EXPECT_EQ(setting.checksMade(), ".\n");
+  EXPECT_EQ(findInspection(*setting.inspections, "a_1.stl").check->volume, 0);
+  EXPECT_FALSE(findInspection(*setting.inspections, "a_2.stl").check);
+}
+
+TEST(InspectOutputs, PreparesWhatWasPreparedForTheConversion) {
+  const Setting setting;
+  setting.addChecker();
+  setting.addTool("plenvorith-prepare", R"(echo report; { echo -n 'prepared '; cat "$1"; } >"$2")");
+  test::writeFile(setting.outputs + "a.stl", "1234");
+  const std::string input = test::writeFile(setting.directory / "input", "content");
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
+                             {{{"a.stl", 4}, input, "0.5", true}}, {true, false, 1}, never));
+  const Inspection found = findInspection(*setting.inspections, "a.stl");
+  ASSERT_TRUE(found.check);
+  EXPECT_EQ(found.check->names, "prepared content / 0.5\n");
+  EXPECT_EQ(found.check->volume, 4);
+  EXPECT_TRUE(std::filesystem::is_empty(setting.directory / "tmp"));
 }
 
 TEST(InspectOutputs, SaysOnceThatAToolIsMissing) {
@@ -176,10 +213,10 @@ TEST(InspectOutputs, SaysOnceThatAToolIsMissing) {
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
                              {{"a.stl", 4}, {"b.stl", 4}}, {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "plenvorith-batch: no --check without admesh (Debian package admesh)\n"
+            "plenvorith-batch: no --check without plenvorith-check\n"
             "plenvorith-batch: no --thumbnails without f3d and Xvfb (Debian packages f3d and "
             "xvfb)\n");
-  setting.addAdmesh();
+  setting.addChecker();
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 4}},
                              {true, false, 1}, never));
   EXPECT_TRUE(findInspection(*setting.inspections, "a.stl").check);
@@ -198,7 +235,7 @@ TEST(InspectOutputs, DoesWithoutADisplayThatDoesNotComeUp) {
 
 TEST(InspectOutputs, StopsWhenItIsInterrupted) {
   const Setting setting;
-  setting.addAdmesh();
+  setting.addChecker();
   for (const char* const name : {"a.stl", "b.stl", "c.stl"}) {
     test::writeFile(setting.outputs + name, "1234");
   }

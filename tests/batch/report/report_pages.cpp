@@ -81,7 +81,13 @@ ReportFile plainFile(std::size_t i, std::size_t count) {
   file.record.triangles = static_cast<std::int64_t>(i * 7919 % 10007);
   file.record.bounds = {{-1.77636e-15, 0, 0}, {10, 20, 30.5}};
   file.record.outputs = {{file.record.name + ".stl", 84 + 50 * file.record.triangles}};
-  file.inspections = {{{{static_cast<std::int64_t>(i % 4), 1.5}}, i == 0 ? "picture" : ""}};
+  plenvorith::MeshCheck check{.parts = 5, .deviation = static_cast<double>(i % 8) / 8};
+  check.badParts = static_cast<std::int64_t>(i % 4);
+  check.openSolids = check.badParts;
+  check.facesOver = check.badParts == 2 ? 1 : 0;
+  check.volume = 1.5;
+  check.names = check.badParts > 0 ? "lamp / \\xff\nlamp / foot\n" : "";
+  file.inspections = {{check, i == 0 ? "picture" : ""}};
   return file;
 }
 

@@ -88,14 +88,17 @@ TEST(Report, HoldsOneLineForEachFile) {
 TEST(Report, HoldsWhatWasFoundOutAboutTheOutputs) {
   ReportFile file;
   file.record.outputs = {{"a.stp.stl_1.stl", 84}, {"a.stp.stl_2.stl", 134}, {"a.stp.stl_3.stl", 1}};
-  file.inspections = {{{{0, 1.5}}, "f"}, {{{12, -0.25}}, "fo"}, {{}, "foo"}};
-  EXPECT_THAT(dataOf({}, {file}),
-              HasSubstr("\"outputs\":["
-                        "{\"path\":\"a.stp.stl_1.stl\",\"size\":84,\"openEdges\":0,"
-                        "\"volume\":1.5,\"picture\":\"Zg==\"},"
-                        "{\"path\":\"a.stp.stl_2.stl\",\"size\":134,\"openEdges\":12,"
-                        "\"volume\":-0.25,\"picture\":\"Zm8=\"},"
-                        "{\"path\":\"a.stp.stl_3.stl\",\"size\":1,\"picture\":\"Zm9v\"}]"));
+  file.inspections = {
+      {{{3, 1, 1, 2, 4, 0.25, 1.5, "lamp / foot\n"}}, "f"}, {{}, "fo"}, {{}, "foo"}};
+  EXPECT_THAT(
+      dataOf({}, {file}),
+      HasSubstr("\"outputs\":["
+                "{\"path\":\"a.stp.stl_1.stl\",\"size\":84,\"check\":{\"parts\":3,\"badParts\":1,"
+                "\"openSolids\":1,\"facesWithoutMesh\":2,\"facesOver\":4,"
+                "\"deviation\":0.25,\"volume\":1.5,\"names\":\"lamp / foot\\u000a\"},"
+                "\"picture\":\"Zg==\"},"
+                "{\"path\":\"a.stp.stl_2.stl\",\"size\":134,\"picture\":\"Zm8=\"},"
+                "{\"path\":\"a.stp.stl_3.stl\",\"size\":1,\"picture\":\"Zm9v\"}]"));
 }
 
 TEST(Report, CannotBeEndedByAName) {

@@ -79,9 +79,9 @@ END
 30files; 27converted; 3failed; 465 kBof input; 143 831triangles; 58.13 sof conversion
 2 ends in the middle; 1 kernel crashed (signal 11)
 1–30 of 30 files
-|converted|group 0/part-00002.step||3.0 kB|3.50|5 831|10 × 20 × 30.5|2 open edges|1.5|0 B
-|failed|group 0/part-00003.step|ends in the middle|4.0 kB|3.38|0||||0 B
-|converted|group 0/part-00004.step||5.0 kB|3.25|1 655|10 × 20 × 30.5|closed|1.5|0 B
+|converted|group 0/part-00002.step||3.0 kB|3.50|5 831|10 × 20 × 30.5|2 of 5 parts|0.25|1.5|0 B
+|failed|group 0/part-00003.step|ends in the middle|4.0 kB|3.38|0|||||0 B
+|converted|group 0/part-00004.step||5.0 kB|3.25|1 655|10 × 20 × 30.5|no problem|0.5|1.5|0 B
 data:image/png;base64,cGljdHVyZQ==
 true true
 END
@@ -107,7 +107,8 @@ Size 29 28 27 / 00 01 02 ascending
 Time, s 00 01 02 / 29 28 27 ascending
 Triangles 24 05 29 / 00 03 13 ascending
 Extent, mm 00 01 02 / 00 01 02 ascending
-Closed 00 04 08 / 07 11 15 descending
+Check 07 11 15 / 00 04 08 ascending
+Deviation, mm 07 15 06 / 00 08 16 ascending
 Volume, mm³ 00 01 02 / 00 01 02 ascending
 Memory 00 01 02 / 00 01 02 ascending
 END
@@ -144,6 +145,13 @@ enter('secondsMax', '');
 enter('trianglesMin', '10k');
 enter('trianglesMax', '10003');
 say_('triangles');
+enter('trianglesMin', '');
+enter('trianglesMax', '');
+for (const check of ['problems', 'none', 'unknown', '']) {
+  enter('checked', check);
+  say_('check');
+}
+enter('trianglesMax', '10003');
 enter('trianglesMin', 'many');
 say_('no number');
 say($('#trianglesMin').classList.contains('wrong'));
@@ -162,6 +170,10 @@ clicked again: 1–100 of 10 000 files group 0/part-00000.step true
 size: 1–2 of 2 files, out of 10 000 group 9/part-09998.step true
 seconds: 1–4 of 4 files, out of 10 000 group 9/part-09996.step true
 triangles: 1–4 of 4 files, out of 10 000 group 4/part-04160.step true
+check: 1–100 of 6 500 files, out of 10 000 group 0/part-00001.step true
+check: 1–100 of 2 500 files, out of 10 000 group 0/part-00000.step true
+check: 1–100 of 1 000 files, out of 10 000 group 0/part-00003.step true
+check: 1–100 of 10 000 files group 0/part-00000.step true
 no number: 1–100 of 9 997 files, out of 10 000 group 0/part-00000.step true
 true
 cleared: 1–100 of 10 000 files group 0/part-00000.step true
@@ -281,7 +293,7 @@ say(details());
 END
   expect <<'END'
 0
-Input|/in/group 0/part-00001.step|Status|converted, exit status 0|Bounds|x 0 … 10,  y 0 … 20,  z 0 … 30.5 mm|Output|part-00001.step.stl396 kB, 1 open edge, volume 1.5 mm³
+Input|/in/group 0/part-00001.step|Status|converted, exit status 0|Bounds|x 0 … 10,  y 0 … 20,  z 0 … 30.5 mm|Output|part-00001.step.stl396 kB|Check|1 part of 5 with problems, 1 open solidlamp / \xfflamp / foot
 ./group%200/part-00001.step.stl
 true
 Input|/in/group 0/part-00003.step|Status|failed, exit status 1|Reason|ends in the middle|Transcript|Reading: part
