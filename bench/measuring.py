@@ -22,11 +22,12 @@ BIN = BUILD / "bin"
 PROGRAM = BIN / "plenvorith"
 PREPARE = BIN / "plenvorith-prepare"
 BATCH = BIN / "plenvorith-batch"
+CHECK = BIN / "plenvorith-check"
 INPUTS = ROOT / "build" / "bench"
 MEGABYTE = 1_000_000
-TARGETS = ("plenvorith_programs", "bench_stages", "generate_exact", "generate_tessellation",
-           "baseline_binding", "baseline_io", "baseline_kernel", "baseline_literal",
-           "baseline_numbers", "baseline_statements", "baseline_stream")
+TARGETS = ("plenvorith_programs", "bench_check", "bench_stages", "generate_exact",
+           "generate_tessellation", "baseline_binding", "baseline_io", "baseline_kernel",
+           "baseline_literal", "baseline_numbers", "baseline_statements", "baseline_stream")
 
 
 @dataclass

@@ -1,0 +1,69 @@
+"""The rows of plenvorith-check."""
+
+import math
+import struct
+
+from inputs import exact, without_blanks
+from measuring import BATCH, BENCH, CHECK, INPUTS, Run, alternate, median, reported, run
+
+
+def in_a_row(runs):
+    """What several processes take together, one after the other."""
+    return Run(*(sum(getattr(one, what) for one in runs) for what in ("user", "system", "wall")),
+               max(one.peak for one in runs), sum(one.faults for one in runs))
+
+
+def torus(triangles):
+    """A closed mesh of about so many triangles, as an STL file."""
+    path = INPUTS / f"torus-{triangles}.stl"
+    if path.exists():
+        return path
+    steps = math.isqrt(triangles // 2)
+    turns = [2 * math.pi * i / steps for i in range(steps)]
+    rings = [[struct.pack("<3f", (10 + 3 * math.cos(w)) * math.cos(u),
+                          (10 + 3 * math.cos(w)) * math.sin(u), 3 * math.sin(w)) for w in turns]
+             for u in turns]
+    with open(path, "wb") as out:
+        out.write(bytes(80) + struct.pack("<I", 2 * steps * steps))
+        for i in range(steps):
+            one, other = rings[i], rings[(i + 1) % steps]
+            for j in range(steps):
+                a, b, c, d = one[j], other[j], other[(j + 1) % steps], one[(j + 1) % steps]
+                out.write(bytes(12) + a + b + c + bytes(14) + a + c + d + bytes(2))
+    return path
+
+
+def measure_check(table, runs, scratch):
+    few = max(3, runs // 2)
+    if table.wants("C1"):
+        paths = [without_blanks(exact(kind, 10)) for kind in ("plates", "assembly")]
+
+        def stage(mode):
+            return lambda: in_a_row([reported(BENCH / "bench_check", mode, path) for path in paths])
+
+        table.time("C1", "names, closedness and deviation of plates and assembly, 10 MB each / reading "
+                         "and meshing them", alternate(stage("check"), stage("read"), few,
+                                                       warm_up=False), "≤ 0.06", "≤ 0.04")
+    if table.wants("C2"):
+        path = torus(10_000_000)
+        triangles = (path.stat().st_size - 84) // 50
+        pairs = alternate(lambda: run(CHECK, path), lambda: run("admesh", "--exact", path), 3,
+                          warm_up=False)
+        table.time("C2", "an STL file alone, 10 million triangles / admesh", pairs, "≤ 0.2", "")
+        seconds = median([ours for ours, _ in pairs], "processor")
+        table.absolute("C2", "an STL file alone", triangles / seconds / 1e6,
+                       "million triangles a second", "≥ 1.5", "")
+        table.absolute("C2", "an STL file alone, peak memory", pairs[0][0].peak / triangles,
+                       "bytes a triangle", "≤ 60", "")
+    if table.wants("C3"):
+        folder = scratch / "parts"
+        folder.mkdir()
+        for i in range(8):
+            source = without_blanks(exact("plates" if i % 2 else "assembly", 1))
+            (folder / f"{i}.stp").symlink_to(source)
+
+        def batch(*options):
+            return lambda: run(BATCH, folder, "-o", scratch / "checked", "--jobs", 2, *options)
+
+        table.time("C3", "batch with --check / without", alternate(batch("--check"), batch(), few),
+                   "≤ 2.1", "")
