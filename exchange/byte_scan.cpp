@@ -10,7 +10,7 @@ namespace {
 /// Whether something other than plain text may start at `p`, of which one byte more can be read.
 constexpr bool isSpecial(const char* p) {
   const char c = p[0];
-  return isBlank(c) || c == '\'' || c == '"' || c == '/' || c == ';' || (c == '#' && p[1] == '0');
+  return isIgnored(c) || c == '\'' || c == '"' || c == '/' || c == ';' || (c == '#' && p[1] == '0');
 }
 
 /// Whether a string, a binary, a comment or the end of a statement may start here.

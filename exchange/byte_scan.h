@@ -5,7 +5,7 @@
 namespace plenvorith {
 
 /// Whether a byte means nothing outside strings: blanks and control characters.
-constexpr bool isBlank(char c) {
+constexpr bool isIgnored(char c) {
   return static_cast<unsigned char>(c) <= ' ';
 }
 

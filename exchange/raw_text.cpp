@@ -45,7 +45,7 @@ bool RawText::ensure(std::size_t size) {
 int RawText::peek() {
   while (ensure(1)) {
     const char c = block_[begin_];
-    if (isBlank(c)) {
+    if (isIgnored(c)) {
       ++begin_;
     } else if (c == '/' && ensure(2) && block_[begin_ + 1] == '*') {
       skipComment();

@@ -336,7 +336,7 @@ void StatementBody::normaliseInText(char c) {
     isWhole_ = true;
   } else if (c == '/') {
     state_ = State::Slash;
-  } else if (!isBlank(c)) {
+  } else if (!isIgnored(c)) {
     state_ = c == '"' ? State::Binary : c == '#' ? State::Reference : State::Text;
     zeros_ = false;
     put(isRaised_ ? capital(c) : c);

@@ -192,7 +192,7 @@ void StatementReader::skipSection() {
   while (last != kEnd && raw_.ensure(1)) {
     const char c = raw_.atHand().front();
     raw_.skip(1);
-    if (!isBlank(c)) {
+    if (!isIgnored(c)) {
       last.erase(0, last.size() == kEnd.size() ? 1 : 0);
       last += capital(c);
     }
