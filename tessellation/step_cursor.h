@@ -32,14 +32,14 @@ struct IndexTriple {
 /// reserving memory only.
 [[nodiscard]] std::size_t maxTripleCount(std::string_view list);
 
-/// Whether a character is a blank: exactly space, horizontal tab, carriage return and line feed.
-constexpr bool isBlank(char c) {
+/// Whether a character is one that lists are set with: exactly space, horizontal tab, carriage return and line feed.
+constexpr bool isSpaceOrLineEnd(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
 /// Skips blanks.
 inline void skipWhitespace(StepCursor& cursor) {
-  while (cursor.pos < cursor.text.size() && isBlank(cursor.text[cursor.pos])) {
+  while (cursor.pos < cursor.text.size() && isSpaceOrLineEnd(cursor.text[cursor.pos])) {
     ++cursor.pos;
   }
 }
@@ -50,11 +50,11 @@ inline void skipWhitespace(StepCursor& cursor) {
     return cursor.pos < cursor.text.size() && cursor.text[cursor.pos] == c;
   };
   // Mostly there are no blanks.
-  if (!isBlank(c) && isHere()) {
+  if (!isSpaceOrLineEnd(c) && isHere()) {
     return true;
   }
   skipWhitespace(cursor);
-  return !isBlank(c) && isHere();
+  return !isSpaceOrLineEnd(c) && isHere();
 }
 
 /// Skips blanks and then `c`, if it comes next.

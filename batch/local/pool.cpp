@@ -30,7 +30,7 @@ std::optional<std::size_t> findIdle(WorkerPool& pool, int most) {
     unused->process = std::move(*process);
     return static_cast<std::size_t>(unused - pool.workers.begin());
   }
-  pool.workers.push_back({.process = std::move(*process), .file = std::nullopt});
+  pool.workers.push_back({.process = std::move(*process), .file = std::nullopt, .folder = {}});
   return pool.workers.size() - 1;
 }
 
