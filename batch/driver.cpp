@@ -156,13 +156,14 @@ bool exportIfAsked(const Options& options, const Places& places, StateHandle& st
 }
 
 /// Notes the start of a run; false if the state takes nothing.
-bool beginRun(StateHandle& state, const std::vector<std::string>& arguments, RunContext& context,
-              RunRecord& run) {
+bool beginRun(StateHandle& state, const std::vector<std::string>& arguments,
+              const FoundFiles& found, RunContext& context, RunRecord& run) {
   run.start = timeText();
   run.arguments = arguments;
   run.program = context.program;
   run.host = hostName();
   run.base = context.base;
+  run.leftOut = leftOutText(found);
   run.id = putRun(state, run);
   context.run = run.id;
   return run.id != 0;
@@ -173,7 +174,7 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
                StateHandle& state, RunContext& context, const FoundFiles& found, Summary& summary) {
   const auto start = std::chrono::steady_clock::now();
   RunRecord run;
-  if (!beginRun(state, arguments, context, run)) {
+  if (!beginRun(state, arguments, found, context, run)) {
     return refuse(context.places.database + ": " + stateProblem(state));
   }
   const LoopEnd end = options.sshlogin.empty()
@@ -305,7 +306,11 @@ int printTranscript(const Options& options) {
   if (!state) {
     return refuse(problem);
   }
-  const std::optional<std::string> transcript = findTranscript(*state, input);
+  std::optional<std::string> transcript = findTranscript(*state, input);
+  const std::vector<RunRecord> runs = allRuns(*state);
+  if (!transcript && !runs.empty()) {  // as the end of a run names it
+    transcript = findTranscript(*state, runs.back().base + options.transcriptOf);
+  }
   if (!transcript) {
     say("no transcript of " + input);
     return kSomeFailed;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "batch/records/input_file.h"
 #include "batch/records/output.h"
 
 namespace plenvorith {
@@ -29,9 +30,10 @@ struct FileRecord {
   std::int64_t mtime = 0;         ///< its time of change, nanoseconds since 1970; -1: says nothing
   std::int64_t changed = -1;      ///< time of change of its status, likewise
   std::int64_t inode = -1;        ///< what the file system knows it by; -1: not known
-  std::string hash;               ///< 16 bytes, of its content; empty for what cannot be read twice
-  std::string settings;           ///< all that decides what is made of it, as one text
-  std::string program;            ///< name and version of program and kernel
+  InputHeader header;
+  std::string hash;      ///< 16 bytes, of its content; empty for what cannot be read twice
+  std::string settings;  ///< all that decides what is made of it, as one text
+  std::string program;   ///< name and version of program and kernel
   std::int64_t triangles = 0;
   double seconds = 0.0;          ///< wall-clock time of the conversion
   double cpuSeconds = 0.0;       ///< user and system time of it

@@ -202,6 +202,9 @@ std::string lineFrom(const JobResult& result) {
                  {"inode", result.inode},
                  {"started", result.started},
                  {"hash", textFrom(result.hash)},
+                 {"schema", textFrom(result.header.schema)},
+                 {"system", textFrom(result.header.system)},
+                 {"timeStamp", textFrom(result.header.timeStamp)},
                  {"triangles", result.triangles},
                  {"seconds", result.seconds},
                  {"cpuSeconds", result.cpuSeconds},
@@ -259,6 +262,9 @@ std::optional<JobResult> resultFrom(const std::string& line, const OpenJobs& ope
   get(*object, "inode", result.inode);
   get(*object, "started", result.started);
   get(*object, "hash", result.hash);
+  get(*object, "schema", result.header.schema);
+  get(*object, "system", result.header.system);
+  get(*object, "timeStamp", result.header.timeStamp);
   get(*object, "triangles", result.triangles);
   get(*object, "seconds", result.seconds);
   get(*object, "cpuSeconds", result.cpuSeconds);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "batch/records/input_file.h"
 #include "batch/records/output.h"
 #include "batch/records/settings.h"
 
@@ -39,7 +40,8 @@ struct JobResult {
   std::int64_t changed = -1;  ///< time of change of its status, likewise
   std::int64_t inode = -1;
   std::int64_t started = 0;  ///< when the conversion began, nanoseconds since 1970
-  std::string hash;          ///< of the input
+  InputHeader header;
+  std::string hash;  ///< of the input
   std::int64_t triangles = 0;
   std::optional<Bounds> bounds;
   double seconds = 0.0;

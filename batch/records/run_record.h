@@ -16,7 +16,8 @@ struct RunRecord {
   std::vector<std::string> arguments;
   std::string program;
   std::string host;
-  std::string base;  ///< the folder that the names of the files begin in
+  std::string base;     ///< the folder that the names of the files begin in
+  std::string leftOut;  ///< what was not looked at, in printable lines
 };
 
 }  // namespace plenvorith

@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "batch/report/inspection.h"
 #include "batch/report/write_aside.h"
 #include "common/escaped_text.h"
 
@@ -20,6 +21,17 @@ constexpr std::array<const char*, 6> kBoundNames = {"low_x",  "low_y",  "low_z",
 
 Json numberOrNull(const std::optional<int>& number) {
   return number ? Json(*number) : Json();
+}
+
+/// 16 bytes as 32 digits.
+std::string hexFrom(const std::string& bytes) {
+  std::string text;
+  for (const char c : bytes) {
+    constexpr const char* kDigits = "0123456789abcdef";
+    const auto byte = static_cast<unsigned char>(c);
+    text += {kDigits[byte >> 4U], kDigits[byte & 15U]};
+  }
+  return text;
 }
 
 /// The check of an input, which is kept with one of its outputs.
@@ -36,6 +48,8 @@ std::optional<MeshCheck> checkOf(const FileRecord& file, InspectionsHandle* insp
 
 /// What has not been checked has no values.
 void addCheck(Json& object, const std::optional<MeshCheck>& check) {
+  object["parts"] = check ? Json(check->parts) : Json();
+  object["volume"] = check ? Json(check->volume) : Json();
   object["parts_with_problems"] = check ? Json(check->badParts) : Json();
   object["open_solids"] = check ? Json(check->openSolids) : Json();
   object["faces_without_mesh"] = check ? Json(check->facesWithoutMesh) : Json();
@@ -63,6 +77,13 @@ Json objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
   object["host"] = portable(file.host);
   object["program"] = portable(file.program);
   object["settings"] = portable(file.settings);
+  object["name"] = portable(file.name);
+  object["mtime"] = file.mtime;
+  object["hash"] = hexFrom(file.hash);
+  object["run"] = file.run;
+  object["schema"] = portable(file.header.schema);
+  object["system"] = portable(file.header.system);
+  object["time_stamp"] = portable(file.header.timeStamp);
   addCheck(object, checkOf(file, inspections));
   object["outputs"] = Json::array();
   for (const OutputRecord& output : file.outputs) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -82,12 +83,22 @@ bool inspectAll(const Options& options, StateHandle& state, const Places& places
 
 /// The last lines of a transcript.
 std::string endOfTranscript(std::string transcript) {
-  constexpr std::size_t kShown = 2000;
+  transcript.erase(transcript.find_last_not_of('\n') + 1);
+  constexpr std::size_t kShown = 500;  // a page may hold ten thousand
   if (transcript.size() <= kShown) {
     return transcript;
   }
   transcript.erase(0, transcript.size() - kShown);
   return transcript.substr(transcript.find('\n') + 1);
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
 }
 
 ReportFile reportedFile(StateHandle& state, const FileRecord& record,
@@ -144,7 +155,8 @@ bool reportState(const Options& options, StateHandle& state, const Places& place
     std::cerr << "plenvorith-batch: " << printable(problem) << std::endl;
   }
   const std::vector<RunRecord> runs = allRuns(state);
-  const ReportHead head{aboutRuns(runs), runs.empty() ? "" : runs.back().base, totalsOf(state), {}};
+  ReportHead head{aboutRuns(runs), runs.empty() ? "" : runs.back().base, totalsOf(state), {}};
+  head.notes = runs.empty() ? std::vector<std::string>() : linesOf(runs.back().leftOut);
   const bool isWritten = writeReport(path, head, [&](const auto& visit) {
     return forEachFileToShow(state, kMostRows, [&](const FileRecord& record) {
       visit(reportedFile(state, record, inspections.get()));

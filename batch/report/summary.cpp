@@ -99,6 +99,17 @@ std::string skippedText(const std::string& what, const Skipped& skipped) {
   return isAll ? text : text + ", ...";
 }
 
+std::string leftOutText(const FoundFiles& found) {
+  std::string text;
+  for (const std::string& problem : found.problems) {
+    text += printable(problem) + '\n';
+  }
+  for (const auto& [what, skipped] : found.skipped) {
+    text += skippedText(what, skipped) + '\n';
+  }
+  return text;
+}
+
 std::int64_t countOf(const ToldFiles& files) {
   std::int64_t count = 0;
   for (const auto& [beginning, told] : files) {

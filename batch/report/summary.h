@@ -55,6 +55,9 @@ std::string keptLine(const Settled& settled);
 /// What is left out, in one line: "3 files that end in .zip: a.zip, b.zip, c.zip".
 std::string skippedText(const std::string& what, const Skipped& skipped);
 
+/// What was not looked at and what is left out, a printable line each.
+std::string leftOutText(const FoundFiles& found);
+
 /// Prints on standard output what a run would do and what it would leave out.
 void printPlan(const Summary& summary, const FoundFiles& found);
 

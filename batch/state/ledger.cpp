@@ -80,6 +80,7 @@ FileRecord recordOf(const RunContext& context, const Finished& finished) {
   record.changed = result.changed;
   record.inode = result.inode;
   record.hash = result.hash;
+  record.header = result.header;
   record.settings = context.settings;
   record.program = context.program;
   record.triangles = result.triangles;

@@ -90,6 +90,9 @@ void bindFile(StatementUse& use, const FileRecord& file) {
   use.bindText(file.host);
   use.bind(file.changed);
   use.bind(file.inode);
+  use.bindBytes(file.header.schema);
+  use.bindBytes(file.header.system);
+  use.bindBytes(file.header.timeStamp);
 }
 
 std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
@@ -115,6 +118,9 @@ std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
   file.host = use.bytes();
   file.changed = use.integer();
   file.inode = use.integer();
+  file.header.schema = use.bytes();
+  file.header.system = use.bytes();
+  file.header.timeStamp = use.bytes();
   return {std::move(file), use.integer()};
 }
 
@@ -140,6 +146,7 @@ void bindRun(StatementUse& use, const RunRecord& run, std::string_view arguments
   use.bindText(run.program);
   use.bindText(run.host);
   use.bindBytes(run.base);
+  use.bindText(run.leftOut);
 }
 
 RunRecord runFrom(StatementUse& use) {
@@ -153,6 +160,7 @@ RunRecord runFrom(StatementUse& use) {
   run.program = use.bytes();
   run.host = use.bytes();
   run.base = use.bytes();
+  run.leftOut = use.bytes();
   return run;
 }
 

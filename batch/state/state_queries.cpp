@@ -11,7 +11,7 @@ BEGIN IMMEDIATE;
 CREATE TABLE IF NOT EXISTS run(
   id INTEGER PRIMARY KEY, start TEXT NOT NULL, "end" TEXT NOT NULL, seconds REAL NOT NULL,
   result TEXT NOT NULL, arguments BLOB NOT NULL, program TEXT NOT NULL, host TEXT NOT NULL,
-  base BLOB NOT NULL);
+  base BLOB NOT NULL, left_out TEXT NOT NULL DEFAULT '');
 CREATE TABLE IF NOT EXISTS file(
   id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, name BLOB NOT NULL, run INTEGER NOT NULL,
   status TEXT NOT NULL, reason TEXT NOT NULL, last_line BLOB NOT NULL, exit_status INTEGER,
@@ -19,7 +19,9 @@ CREATE TABLE IF NOT EXISTS file(
   hash BLOB NOT NULL, settings TEXT NOT NULL, program TEXT NOT NULL, triangles INTEGER NOT NULL,
   seconds REAL NOT NULL, cpu_seconds REAL NOT NULL, peak_memory INTEGER NOT NULL,
   low_x REAL, low_y REAL, low_z REAL, high_x REAL, high_y REAL, high_z REAL,
-  host TEXT NOT NULL, changed INTEGER NOT NULL DEFAULT -1, inode INTEGER NOT NULL DEFAULT -1);
+  host TEXT NOT NULL, changed INTEGER NOT NULL DEFAULT -1, inode INTEGER NOT NULL DEFAULT -1,
+  schema BLOB NOT NULL DEFAULT x'', system BLOB NOT NULL DEFAULT x'',
+  time_stamp BLOB NOT NULL DEFAULT x'');
 CREATE TABLE IF NOT EXISTS output(
   path BLOB PRIMARY KEY, file INTEGER NOT NULL, size INTEGER NOT NULL) WITHOUT ROWID;
 CREATE INDEX IF NOT EXISTS output_file ON output(file);
@@ -29,7 +31,9 @@ CREATE VIEW IF NOT EXISTS files AS
   SELECT CAST(path AS TEXT) AS path, CAST(name AS TEXT) AS name, run, status, reason,
          CAST(last_line AS TEXT) AS last_line, exit_status, signal, size, mtime,
          hex(hash) AS hash, settings, program, triangles, seconds, cpu_seconds, peak_memory,
-         low_x, low_y, low_z, high_x, high_y, high_z, host
+         low_x, low_y, low_z, high_x, high_y, high_z, host,
+         CAST(schema AS TEXT) AS schema, CAST(system AS TEXT) AS system,
+         CAST(time_stamp AS TEXT) AS time_stamp
   FROM file;
 PRAGMA user_version = 2;
 COMMIT;
@@ -41,17 +45,22 @@ DROP VIEW files;
 ALTER TABLE file DROP COLUMN transcript;
 ALTER TABLE file ADD COLUMN changed INTEGER NOT NULL DEFAULT -1;
 ALTER TABLE file ADD COLUMN inode INTEGER NOT NULL DEFAULT -1;
+ALTER TABLE file ADD COLUMN schema BLOB NOT NULL DEFAULT x'';
+ALTER TABLE file ADD COLUMN system BLOB NOT NULL DEFAULT x'';
+ALTER TABLE file ADD COLUMN time_stamp BLOB NOT NULL DEFAULT x'';
+ALTER TABLE run ADD COLUMN left_out TEXT NOT NULL DEFAULT '';
 COMMIT;
 )";
 
 namespace {
 
 /// The columns of a file but for its id, in the order that the header tells.
-constexpr std::array<std::string_view, 26> kFileColumns = {
-    "path",    "name",        "run",         "status",  "reason",   "last_line", "exit_status",
-    "signal",  "size",        "mtime",       "hash",    "settings", "program",   "triangles",
-    "seconds", "cpu_seconds", "peak_memory", "low_x",   "low_y",    "low_z",     "high_x",
-    "high_y",  "high_z",      "host",        "changed", "inode",
+constexpr std::array<std::string_view, 29> kFileColumns = {
+    "path",        "name",      "run",     "status",      "reason",      "last_line",
+    "exit_status", "signal",    "size",    "mtime",       "hash",        "settings",
+    "program",     "triangles", "seconds", "cpu_seconds", "peak_memory", "low_x",
+    "low_y",       "low_z",     "high_x",  "high_y",      "high_z",      "host",
+    "changed",     "inode",     "schema",  "system",      "time_stamp",
 };
 
 /// The columns with commas between them, each made a text by `write`.
@@ -72,7 +81,7 @@ std::array<std::string, kQueryCount> allQueries() {
   const std::string updates =
       listOfColumns([](const std::string& column) { return column + " = excluded." + column; });
   return {
-      "INSERT OR REPLACE INTO run VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id",
+      "INSERT OR REPLACE INTO run VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id",
       "INSERT INTO file(" + columns + ") VALUES(" + places + ") ON CONFLICT(path) DO UPDATE SET " +
           updates + " RETURNING id",
       "DELETE FROM output WHERE file = ?",

@@ -41,7 +41,8 @@ constexpr auto kQueryCount = static_cast<std::size_t>(Query::Count);
 ///
 /// A file's values are bound and come in this order: path, name, run, status, reason, last_line,
 /// exit_status, signal, size, mtime, hash, settings, program, triangles, seconds, cpu_seconds,
-/// peak_memory, low_x, low_y, low_z, high_x, high_y, high_z, host, changed, inode; its id comes last.
+/// peak_memory, low_x, low_y, low_z, high_x, high_y, high_z, host, changed, inode, schema, system,
+/// time_stamp; its id comes last.
 std::array<std::string, kQueryCount> allQueries();
 
 }  // namespace plenvorith

@@ -14,6 +14,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "batch/inputs/input_header.h"
 #include "batch/inputs/input_identity.h"
 #include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
@@ -198,6 +199,7 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
   }
   if (identity->isRegular) {
     result.hash = contentHash(job.input);
+    result.header = headerOf(job.input);
   }
   const Descriptor transcript = openTranscript(job.transcript);
   const ChildEnd end = runChild(childFor(job, transcript.get()), signals);

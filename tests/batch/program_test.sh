@@ -103,9 +103,10 @@ ReportsWhatFailedAndWhy() {
     "failed: $odd: not a STEP file (no ISO-10303-21) (Error: No geometry found in file)"
   expect_line stderr "failed: malformed.stp: a malformed number (what():  invalid stod argument)"
   expect_row out '^failed,.*/malformed.stp,a malformed number,.*,6,0,'
+  expect_row out '^converted,.*,AP242_MANAGED_MODEL_BASED_3D_ENGINEERING_MIM_LF,'
   "$batch" -o out --transcript $'in/sub/new\nline.stp' >transcript
   expect_line transcript 'Failed'
-  "$batch" -o out --transcript in/good.stp >transcript
+  "$batch" -o out --transcript good.stp >transcript
   expect_line transcript 'Saved: good.stp.stl'
   expect_count out 1
   expect_nothing_left out
@@ -410,7 +411,7 @@ LimitsTheMemoryOfAFile() {
   step_file in/small.stp 1
   run 1 in -o out --memory-limit 160M
   expect_line stdout 'Converted: 1 (1 triangles)'
-  grep -q 'large.stp: memory limit of 167772160 bytes' stdout || fail 'no reason'
+  grep -q 'large.stp: memory limit of 167772160 bytes' stderr || fail 'no reason'
 }
 
 SaysThatAConvertedFileEndsInTheMiddle() {
@@ -812,7 +813,7 @@ PreparesFilesFirst() {
   file_with in/none.stp '#1=POINT();'
   local name form='tessellation of a form that the converter does not decode: try --prepare'
   run 1 in -o out
-  grep -Eq "coupling.step: $form|annotated.step: exact geometry behind annotation" stdout ||
+  grep -Eq "coupling.step: $form|annotated.step: exact geometry behind annotation" stderr ||
     fail 'no hint'
   run 1 in -o out --prepare --resume
   expect_line stdout 'Converted: 3 ('"$(grep -oE '[0-9]+ triangles' stdout)"')'
@@ -823,8 +824,8 @@ PreparesFilesFirst() {
   done
   "$batch" -o out --transcript in/coupling.step | grep '^Preparing: ' >/dev/null ||
     fail 'no report'
-  grep -q 'noise.stp: not a STEP file' stdout || fail 'no reason'
-  grep -q 'none.stp: no geometry in the file, says its preparation' stdout || fail 'no reason'
+  grep -q 'noise.stp: not a STEP file' stderr || fail 'no reason'
+  grep -q 'none.stp: no geometry in the file, says its preparation' stderr || fail 'no reason'
   run 1 in -o out --prepare --resume
   expect_line stdout 'Converted before: 3'
   expect_nothing_left out

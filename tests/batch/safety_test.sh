@@ -150,7 +150,7 @@ AWorkerThatDiesKeepsTheOutputs() {
   run 0 in -o out
   pretend 'kill -KILL $PPID'
   run 1 in -o out
-  grep -q 'a.stp: its worker ended twice.*; what was converted before stays' stdout ||
+  grep -q '^  1 its worker ended twice.*; what was converted before stays' stdout ||
     fail "$(cat stdout)"
   expect_stl out/a.stp.stl 1
   expect_row out '^converted,'

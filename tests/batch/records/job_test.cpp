@@ -76,6 +76,7 @@ TEST(ResultLine, GivesAllBack) {
   result.cpuSeconds = 0.125;
   result.peakMemory = 4096;
   result.host = "here";
+  result.header = {"schema", allBytes(), "stamp"};
   result.changed = 5;
   result.inode = 6;
   result.started = 7;
@@ -106,6 +107,9 @@ TEST(ResultLine, GivesAllBack) {
   EXPECT_EQ(back->cpuSeconds, 0.125);
   EXPECT_EQ(back->peakMemory, 4096);
   EXPECT_EQ(back->host, "here");
+  EXPECT_EQ(back->header.schema, "schema");
+  EXPECT_EQ(back->header.system, allBytes());
+  EXPECT_EQ(back->header.timeStamp, "stamp");
   ASSERT_EQ(back->outputs.size(), 2U);
   EXPECT_EQ(back->outputs[0].path, "\xff.stl");
   EXPECT_EQ(back->outputs[0].size, 684);

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "batch/report/inspection.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -23,6 +24,11 @@ State filledState(const test::TempDir& dir) {
   a.size = 7;
   a.bounds = Bounds{{0, 0.5, 1}, {2, 3, 4}};
   a.outputs = {{"a.stl", 684}, {"\xff.stl", 1}};
+  a.name = "a.stp";
+  a.mtime = 9;
+  a.hash = std::string("\0\xff", 2);
+  a.run = 3;
+  a.header = {"AP242", "CAD \xfe", "2026-03-31"};
   FileRecord b;
   b.path = "/in/b.stp";
   b.reason = "kernel crashed (signal 11, SIGSEGV)";
@@ -37,12 +43,13 @@ TEST(ExportState, WritesATable) {
   EXPECT_EQ(test::readFile(dir / "log.csv"),
             "status,input,reason,last_line,exit_status,signal,triangles,seconds,cpu_seconds,"
             "peak_memory,size,low_x,low_y,low_z,high_x,high_y,high_z,host,program,settings,"
+            "name,mtime,hash,run,schema,system,time_stamp,parts,volume,"
             "parts_with_problems,open_solids,faces_without_mesh,faces_over,deviation,problems,"
             "outputs\n"
             "converted,\"/in/a, \"\"b\"\"\\n\\xff.stp\",,,0,,12,0.5,0.0,0,7,0.0,0.5,1.0,2.0,3.0,"
-            "4.0,,,,,,,,,,2\n"
+            "4.0,,,,a.stp,9,00ff,3,AP242,CAD \\xfe,2026-03-31,,,,,,,,,2\n"
             "failed,/in/b.stp,\"kernel crashed (signal 11, SIGSEGV)\",,,11,0,0.0,0.0,0,0,,,,,,,"
-            ",,,,,,,,,0\n");
+            ",,,,0,,0,,,,,,,,,,,,0\n");
 }
 
 TEST(ExportState, WritesObjects) {
@@ -67,7 +74,8 @@ TEST(ExportState, TellsWhatWasFoundOut) {
   ASSERT_TRUE(exportState(*filledState(dir), dir / "log.json", inspections.get()));
   const std::string text = test::readFile(dir / "log.json");
   EXPECT_THAT(text, testing::HasSubstr(
-                        "\"parts_with_problems\":1,\"open_solids\":2,\"faces_without_mesh\":3,"
+                        "\"parts\":9,\"volume\":6.0,\"parts_with_problems\":1,\"open_solids\":2,"
+                        "\"faces_without_mesh\":3,"
                         "\"faces_over\":4,\"deviation\":0.5,\"problems\":\"lamp / foot\\\\n\","
                         "\"outputs\":[{\"path\":\"a.stl\""));
   EXPECT_THAT(text, testing::HasSubstr("\"open_solids\":null,"));

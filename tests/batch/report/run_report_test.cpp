@@ -37,6 +37,7 @@ class RunReportTest : public testing::Test {
     run.program = "1.2.3 (Kernel 7)";
     run.host = "here";
     run.base = "/in/";
+    run.leftOut = "2 links that lead nowhere: a, b\nfolder cannot be read: c\n";
     EXPECT_GT(plenvorith::putRun(*state, run), 0);
   }
 
@@ -65,6 +66,8 @@ TEST_F(RunReportTest, TellsOfTheFilesAndTheRun) {
   EXPECT_EQ(errors, "");
   const std::string text = test::readFile(page);
   EXPECT_THAT(text, HasSubstr("\"name\":\"a.stp\",\"status\":\"failed\""));
+  EXPECT_THAT(text, HasSubstr("\"notes\":[\"2 links that lead nowhere: a, b\","
+                              "\"folder cannot be read: c\"]"));
   EXPECT_THAT(text, HasSubstr("Plenvorith 1.2.3 (Kernel 7), on here, 2026-03-31T12:00:00Z: "
                               "plenvorith-batch -o out new\\\\nline"));
 }

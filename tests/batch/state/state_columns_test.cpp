@@ -61,7 +61,8 @@ TEST_F(StateColumnsTest, GiveBackEveryValueOfAFile) {
   in.host = "h";
   in.changed = 8;
   in.inode = 9;
-  StatementUse use(prepare(26));
+  in.header = {"schema\xff", "system", "stamp"};
+  StatementUse use(prepare(29));
   bindFile(use, in);
   ASSERT_TRUE(use.step());
   const auto [out, id] = fileFrom(use);
@@ -89,12 +90,15 @@ TEST_F(StateColumnsTest, GiveBackEveryValueOfAFile) {
   EXPECT_EQ(out.host, "h");
   EXPECT_EQ(out.changed, 8);
   EXPECT_EQ(out.inode, 9);
+  EXPECT_EQ(out.header.schema, "schema\xff");
+  EXPECT_EQ(out.header.system, "system");
+  EXPECT_EQ(out.header.timeStamp, "stamp");
 }
 
 TEST_F(StateColumnsTest, KeepWhatIsNotKnownApartFromZero) {
   FileRecord in;
   in.exitStatus = 0;
-  StatementUse use(prepare(26));
+  StatementUse use(prepare(29));
   bindFile(use, in);
   ASSERT_TRUE(use.step());
   const FileRecord out = fileFrom(use).first;
@@ -115,9 +119,10 @@ TEST_F(StateColumnsTest, GiveBackEveryValueOfARun) {
   in.program = "p";
   in.host = "h";
   in.base = "/in/";
+  in.leftOut = "1 file\n";
   const std::string arguments = argumentsText(in);
   EXPECT_EQ(arguments, std::string("-o\0\0a b\xff\0", 9));
-  StatementUse use(prepare(9));
+  StatementUse use(prepare(10));
   bindRun(use, in, arguments);
   ASSERT_TRUE(use.step());
   const RunRecord out = runFrom(use);
@@ -130,10 +135,11 @@ TEST_F(StateColumnsTest, GiveBackEveryValueOfARun) {
   EXPECT_EQ(out.program, "p");
   EXPECT_EQ(out.host, "h");
   EXPECT_EQ(out.base, "/in/");
+  EXPECT_EQ(out.leftOut, "1 file\n");
 }
 
 TEST_F(StateColumnsTest, LeaveTheNumberOfANewRunToTheState) {
-  StatementUse use(prepare(9));
+  StatementUse use(prepare(10));
   bindRun(use, {}, "");
   ASSERT_TRUE(use.step());
   EXPECT_TRUE(use.isNull());

@@ -40,16 +40,16 @@ class StateQueriesTest : public testing::Test {
 using Values = std::array<int, 2>;
 
 TEST_F(StateQueriesTest, TakeAndGiveTheValuesOfTheRecords) {
-  EXPECT_EQ(valuesOf(Query::PutRun), (Values{9, 1}));
-  EXPECT_EQ(valuesOf(Query::PutFile), (Values{26, 1}));
+  EXPECT_EQ(valuesOf(Query::PutRun), (Values{10, 1}));
+  EXPECT_EQ(valuesOf(Query::PutFile), (Values{29, 1}));
   EXPECT_EQ(valuesOf(Query::DropOutputs), (Values{1, 0}));
   EXPECT_EQ(valuesOf(Query::PutOutput), (Values{3, 0}));
   EXPECT_EQ(valuesOf(Query::RemoveFile), (Values{1, 0}));
   EXPECT_EQ(valuesOf(Query::FindId), (Values{1, 1}));
-  EXPECT_EQ(valuesOf(Query::FindFile), (Values{1, 27}));
-  EXPECT_EQ(valuesOf(Query::AllFiles), (Values{0, 27}));
+  EXPECT_EQ(valuesOf(Query::FindFile), (Values{1, 30}));
+  EXPECT_EQ(valuesOf(Query::AllFiles), (Values{0, 30}));
   EXPECT_EQ(valuesOf(Query::FindOutputs), (Values{1, 2}));
-  EXPECT_EQ(valuesOf(Query::AllRuns), (Values{0, 9}));
+  EXPECT_EQ(valuesOf(Query::AllRuns), (Values{0, 10}));
 }
 
 TEST_F(StateQueriesTest, MakeTablesOfTheVersionThatTheProgramReads) {
@@ -57,8 +57,8 @@ TEST_F(StateQueriesTest, MakeTablesOfTheVersionThatTheProgramReads) {
 }
 
 TEST_F(StateQueriesTest, LeaveTablesAloneThatAreThere) {
-  ASSERT_TRUE(
-      executeStatements(database, "INSERT INTO run VALUES(7, '', '', 0, '', x'', '', '', x'')"));
+  ASSERT_TRUE(executeStatements(database,
+                                "INSERT INTO run VALUES(7, '', '', 0, '', x'', '', '', x'', '')"));
   EXPECT_TRUE(executeStatements(database, kStateSchema));
   EXPECT_EQ(numberFrom(database, "SELECT id FROM run", -1), 7);
 }

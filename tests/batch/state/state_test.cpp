@@ -207,6 +207,7 @@ TEST(State, KeepsRuns) {
   run.program = "0.1.0";
   run.host = "here";
   run.base = "/in/";
+  run.leftOut = "1 file\n";
   run.id = putRun(*state, run);
   EXPECT_EQ(run.id, 1);
   run.end = "2026-03-31T11:59:00Z";
@@ -221,6 +222,7 @@ TEST(State, KeepsRuns) {
   EXPECT_EQ(runs[0].seconds, 60);
   EXPECT_EQ(runs[0].result, "finished");
   EXPECT_EQ(runs[0].arguments, run.arguments);
+  EXPECT_EQ(runs[0].leftOut, run.leftOut);
   EXPECT_EQ(runs[0].program, "0.1.0");
   EXPECT_EQ(runs[0].host, "here");
   EXPECT_EQ(runs[0].base, "/in/");
