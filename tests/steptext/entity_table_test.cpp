@@ -159,6 +159,17 @@ TEST(EntityTable, IsEmptyForADirectory) {
   EXPECT_THAT(table, IsEmpty());
 }
 
+// They take no memory: what was read is dropped again and again.
+TEST(EntityTable, PassesOverManyLinesInFrontOfTheFirstEntity) {
+  std::string content;
+  for (int i = 0; i < 50'000; ++i) {
+    content += "no entity " + std::to_string(i) + "\n";
+  }
+  content += "#1=A;\nB\n#2=C;\n";
+  const EntityTexts expected = {{"#1", "A; B"}, {"#2", "C;"}};
+  EXPECT_EQ(tableOf(content), expected);
+}
+
 TEST(EntityTable, PrintsNothing) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
