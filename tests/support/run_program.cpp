@@ -120,6 +120,8 @@ void giveUpRights() {
   }
   // By its descriptor: without root's rights the way to the program may be barred.
   fexecve(program, arguments, environment);
+  // The system has no path for an emulator then.
+  execve(command.program.c_str(), arguments, environment);
   stopChild("cannot start the program\n");
 }
 
