@@ -14,13 +14,13 @@
 namespace plenvorith {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr std::array<const char*, 6> kBoundNames = {"low_x",  "low_y",  "low_z",
                                                     "high_x", "high_y", "high_z"};
 
-Json numberOrNull(const std::optional<int>& number) {
-  return number ? Json(*number) : Json();
+OrderedJson numberOrNull(const std::optional<int>& number) {
+  return number ? OrderedJson(*number) : OrderedJson();
 }
 
 /// 16 bytes as 32 digits.
@@ -47,32 +47,33 @@ std::optional<MeshCheck> checkOf(const FileRecord& file, InspectionsHandle* insp
 }
 
 /// What has not been checked has no values.
-void addCheck(Json& object, const std::optional<MeshCheck>& check) {
-  object["parts"] = check ? Json(check->parts) : Json();
-  object["volume"] = check ? Json(check->volume) : Json();
-  object["parts_with_problems"] = check ? Json(check->badParts) : Json();
-  object["open_solids"] = check ? Json(check->openSolids) : Json();
-  object["faces_without_mesh"] = check ? Json(check->facesWithoutMesh) : Json();
-  object["faces_over"] = check ? Json(check->facesOver) : Json();
-  object["deviation"] = check ? Json(check->deviation) : Json();
-  object["problems"] = check ? Json(portable(check->names)) : Json();
+void addCheck(OrderedJson& object, const std::optional<MeshCheck>& check) {
+  object["parts"] = check ? OrderedJson(check->parts) : OrderedJson();
+  object["volume"] = check ? OrderedJson(check->volume) : OrderedJson();
+  object["parts_with_problems"] = check ? OrderedJson(check->badParts) : OrderedJson();
+  object["open_solids"] = check ? OrderedJson(check->openSolids) : OrderedJson();
+  object["faces_without_mesh"] = check ? OrderedJson(check->facesWithoutMesh) : OrderedJson();
+  object["faces_over"] = check ? OrderedJson(check->facesOver) : OrderedJson();
+  object["deviation"] = check ? OrderedJson(check->deviation) : OrderedJson();
+  object["problems"] = check ? OrderedJson(portable(check->names)) : OrderedJson();
 }
 
-Json objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
-  Json object = {{"status", statusName(file.status)},
-                 {"input", portable(file.path)},
-                 {"reason", portable(file.reason)},
-                 {"last_line", portable(file.lastLine)},
-                 {"exit_status", numberOrNull(file.exitStatus)},
-                 {"signal", numberOrNull(file.signal)},
-                 {"triangles", file.triangles},
-                 {"seconds", file.seconds},
-                 {"cpu_seconds", file.cpuSeconds},
-                 {"peak_memory", file.peakMemory},
-                 {"size", file.size}};
+OrderedJson objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
+  OrderedJson object = {{"status", statusName(file.status)},
+                        {"input", portable(file.path)},
+                        {"reason", portable(file.reason)},
+                        {"last_line", portable(file.lastLine)},
+                        {"exit_status", numberOrNull(file.exitStatus)},
+                        {"signal", numberOrNull(file.signal)},
+                        {"triangles", file.triangles},
+                        {"seconds", file.seconds},
+                        {"cpu_seconds", file.cpuSeconds},
+                        {"peak_memory", file.peakMemory},
+                        {"size", file.size}};
   for (std::size_t i = 0; i < kBoundNames.size(); ++i) {
     object[kBoundNames[i]] =
-        file.bounds ? Json((i < 3 ? file.bounds->low : file.bounds->high)[i % 3]) : Json();
+        file.bounds ? OrderedJson((i < 3 ? file.bounds->low : file.bounds->high)[i % 3])
+                    : OrderedJson();
   }
   object["host"] = portable(file.host);
   object["program"] = portable(file.program);
@@ -85,7 +86,7 @@ Json objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
   object["system"] = portable(file.header.system);
   object["time_stamp"] = portable(file.header.timeStamp);
   addCheck(object, checkOf(file, inspections));
-  object["outputs"] = Json::array();
+  object["outputs"] = OrderedJson::array();
   for (const OutputRecord& output : file.outputs) {
     object["outputs"].push_back({{"path", portable(output.path)}, {"size", output.size}});
   }
@@ -93,7 +94,7 @@ Json objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
 }
 
 /// One value of a table: quoted where it has to be.
-std::string fieldFrom(const Json& value) {
+std::string fieldFrom(const OrderedJson& value) {
   if (value.is_null()) {
     return {};
   }
@@ -112,7 +113,7 @@ std::string fieldFrom(const Json& value) {
 }
 
 /// The outputs are a number in a table.
-std::string rowFrom(const Json& object, bool isTitle) {
+std::string rowFrom(const OrderedJson& object, bool isTitle) {
   std::string row;
   for (const auto& [name, value] : object.items()) {
     row += row.empty() ? "" : ",";
@@ -133,7 +134,7 @@ bool exportState(StateHandle& state, const std::string& path, InspectionsHandle*
     file << (isTable ? rowFrom(objectFrom(FileRecord(), nullptr), true) : "[");
     const char* separator = "\n";
     const bool isRead = forEachFile(state, [&](const FileRecord& record) {
-      const Json object = objectFrom(record, inspections);
+      const OrderedJson object = objectFrom(record, inspections);
       if (isTable) {
         file << rowFrom(object, false);
       } else {
