@@ -47,7 +47,7 @@ bool isText(const Handle(TCollection_HAsciiString) & text, std::string_view expe
 }
 
 /// How many cubic or square millimetres a unit is; nothing if it is not built from lengths.
-std::optional<double> factorOf(StepBasic_Unit unit) {
+std::optional<double> factorOf(const StepBasic_Unit& unit) {
   const Handle(StepBasic_DerivedUnit) derived = unit.DerivedUnit();
   if (derived.IsNull() || derived->Elements().IsNull()) {
     return std::nullopt;
