@@ -364,8 +364,7 @@ PartTessellation findPartTessellation(const InstanceTable& table, const ProductS
                                       Occurrences& occurrences, Warnings& warnings) {
   PartTessellation part = PartFinder(table, structure, occurrences, warnings).find();
   for (const Representation& representation : structure.representations) {
-    part.hasExact = part.hasExact || representation.isExact ||
-                    (representation.isOfProduct && representation.holdsUnknown);
+    part.hasExact = part.hasExact || representation.isExact;
     part.mayHaveExact = part.mayHaveExact || part.hasExact || representation.holdsConstruct;
   }
   for (const EntityType& type : table.types()) {

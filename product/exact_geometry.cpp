@@ -61,7 +61,6 @@ void markExact(const InstanceTable& table, ProductStructure& structure) {
       const bool isExact =
           surfaceSets[item] || (type.is(Kind::Solid, Kind::Face) && type.isDelivered);
       representation.isExact = representation.isExact || (isExact && isKnown);
-      representation.holdsUnknown = representation.holdsUnknown || type.isOnly(Kind::Unknown);
       representation.holdsConstruct =
           representation.holdsConstruct || isExact ||
           type.is(Kind::Construct, Kind::Solid, Kind::Shell, Kind::Face, Kind::SurfaceSet);

@@ -22,10 +22,9 @@ struct Representation {
   InstanceIndex instance = kNoInstance;
   InstanceIndex context = kNoInstance;  ///< none if the file names none
   RepresentationIndex group = 0;        ///< the first of those that are equal in place
-  bool isExact = false;       ///< the kernel makes faces of an item, also of a mapped one, once it
-                              ///< comes to the representation
-  bool isReached = false;     ///< the kernel comes to it from a product
-  bool holdsUnknown = false;  ///< an item of a type that nobody knows
+  bool isExact = false;    ///< the kernel makes faces of an item, also of a mapped one, once it
+                           ///< comes to the representation
+  bool isReached = false;  ///< the kernel comes to it from a product
   bool holdsConstruct = false;  ///< or a solid of a kind that the kernel may come to know
   bool isOfProperty = false;    ///< a feature's or a property's
   bool isOfProduct = false;     ///< it or one of its group is the shape of a product, or such a one

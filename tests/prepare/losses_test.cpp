@@ -21,32 +21,32 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// One triangle, #13 in the solid #15; millimetres, #2; a placement, #5.
-const std::string kBody =
+const std::string kOneBody =
     "#1=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.));\n"
     "#2=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#1))"
     "REPRESENTATION_CONTEXT('',''));\n"
     "#5=AXIS2_PLACEMENT_3D('',#6,$,$);\n#6=CARTESIAN_POINT('',(0.,0.,0.));\n"
     "#12=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)));\n"
     "#13=TRIANGULATED_FACE('',#12,3,(),$,(),((1,2,3)));\n#15=TESSELLATED_SOLID('',(#13),$);\n";
-const std::string kShape = "#16=TESSELLATED_SHAPE_REPRESENTATION('',(#15),#2);\n";
+const std::string kShapeOfBody = "#16=TESSELLATED_SHAPE_REPRESENTATION('',(#15),#2);\n";
 
 /// The product #20, whose shape is #24.
-const std::string kProduct =
+const std::string kProductOfShape =
     "#20=PRODUCT_DEFINITION('','',$,$);\n#21=PRODUCT_DEFINITION_SHAPE('','',#20);\n"
     "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#24);\n";
 
-const std::string kSolid =
+const std::string kExactSolid =
     "#30=MANIFOLD_SOLID_BREP('',#31);\n#31=CLOSED_SHELL('',(#32));\n"
     "#32=ADVANCED_FACE('',(),$,.T.);\n";
 
-std::string fileOf(const std::string& instances) {
-  return stepFile(kBody + instances);
+std::string withBody(const std::string& instances) {
+  return stepFile(kOneBody + instances);
 }
 
 TEST(Losses, TheShapeOfAWholeStaysWhereItsPartIsUsed) {
   // The product #50 with the exact shape #54 is used by #20.
   const std::string usage =
-      kSolid +
+      kExactSolid +
       "#50=PRODUCT_DEFINITION('','',$,$);\n#51=PRODUCT_DEFINITION_SHAPE('','',#50);\n"
       "#52=SHAPE_DEFINITION_REPRESENTATION(#51,#54);\n"
       "#54=ADVANCED_BREP_SHAPE_REPRESENTATION('',(#30),#2);\n"
@@ -61,7 +61,7 @@ TEST(Losses, TheShapeOfAWholeStaysWhereItsPartIsUsed) {
         "#24=TESSELLATED_SHAPE_REPRESENTATION('',(#15),#2);\n",
         "#24=SHAPE_REPRESENTATION('',(#40),#2);\n#40=MAPPED_ITEM('',#41,#5);\n"
         "#41=REPRESENTATION_MAP(#5,#16);\n#16=TESSELLATED_SHAPE_REPRESENTATION('',(#15),#2);\n"}) {
-    const Prepared result = prepared(fileOf(kProduct + usage + shape));
+    const Prepared result = prepared(withBody(kProductOfShape + usage + shape));
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(result.file, HasSubstr("#24=SHAPE_REPRESENTATION('',(),#2);\n")) << shape;
     EXPECT_THAT(result.file, HasSubstr("\n#22=SHAPE_DEFINITION_REPRESENTATION(#21,#24);\n"));
@@ -71,8 +71,8 @@ TEST(Losses, TheShapeOfAWholeStaysWhereItsPartIsUsed) {
   }
 }
 
-std::string shapeOf(const std::string& item) {
-  return kProduct +
+std::string shapeWith(const std::string& item) {
+  return kProductOfShape +
          "#24=GEOMETRICALLY_BOUNDED_SURFACE_SHAPE_REPRESENTATION('',(#70),#2);\n#70=" + item +
          ";\n#71=RECTANGULAR_TRIMMED_SURFACE('',#72,0.,1.,0.,1.,.T.,.T.);\n" +
          "#72=PLANE('',#5);\n#73=LINE('',#6,$);\n#74=GEOMETRIC_SET('',(#71));\n";
@@ -81,34 +81,38 @@ std::string shapeOf(const std::string& item) {
 TEST(Losses, SetsOfBoundedSurfacesAreExact) {
   for (const char* item :
        {"GEOMETRIC_SET('',(#73,#71))", "GEOMETRIC_SET('',(#74))", "MANIFOLD_SOLID_BREP('',$)"}) {
-    const Prepared result = prepared(stepFile(shapeOf(item)));
+    const Prepared result = prepared(stepFile(shapeWith(item)));
     EXPECT_EQ(result.exitStatus, 0) << item;
     EXPECT_THAT(result.out, HasSubstr("  Holds now: exact geometry\n")) << item;
     // The converter reads the surfaces besides the triangles, and needs to be told so.
-    const Prepared both = prepared(fileOf(shapeOf(item) + kShape));
+    const Prepared both = prepared(withBody(shapeWith(item) + kShapeOfBody));
     EXPECT_THAT(both.out, HasSubstr("  Holds now: exact geometry and tessellation\n")) << item;
     EXPECT_THAT(both.file, HasSubstr("\n/*\n")) << item;
   }
   for (const char* item : {"GEOMETRIC_CURVE_SET('',(#73))", "GEOMETRIC_SET('',(#73))",
                            "GEOMETRIC_SET('',(#72))", "CSG_SOLID('',$)"}) {
-    EXPECT_EQ(prepared(stepFile(shapeOf(item))).exitStatus, 3) << item;
+    EXPECT_EQ(prepared(stepFile(shapeWith(item))).exitStatus, 3) << item;
   }
 }
 
 TEST(Losses, WhatNobodyKnowsInAShapeMayBeGeometry) {
-  const Prepared result = prepared(fileOf(shapeOf("A_SOLID_TO_COME('')") + kShape));
-  EXPECT_EQ(prepared(stepFile(shapeOf("A_SOLID_TO_COME('')"))).exitStatus, 0);
+  const Prepared result = prepared(withBody(shapeWith("A_SOLID_TO_COME('')") + kShapeOfBody));
+  EXPECT_EQ(prepared(stepFile(shapeWith("A_SOLID_TO_COME('')"))).exitStatus, 0);
   EXPECT_THAT(result.out, HasSubstr("-> 1 faces, 1 triangles,"));
   EXPECT_THAT(result.file, HasSubstr("\n/*\n"));
+  // Unless it goes with the tessellation that it names.
+  const Prepared gone = prepared(withBody(shapeWith("AN_ITEM('',#13)")));
+  EXPECT_EQ(gone.exitStatus, 3);
+  EXPECT_EQ(prepared(gone.file).exitStatus, 3);
 }
 
 TEST(Losses, SolidsThatTheKernelDoesNotTransferMakeNoCopies) {
   for (const char* type : {"CSG_SOLID", "BLOCK", "EXTRUDED_AREA_SOLID", "SWEPT_DISK_SOLID"}) {
     const Prepared result =
-        prepared(fileOf(kProduct + "#24=SHAPE_REPRESENTATION('',(#70),#2);\n#70=" + type +
-                        "('',$);\n#80=TESSELLATED_SOLID('',(#13),#70);\n"
-                        "#81=TESSELLATED_SHAPE_REPRESENTATION('',(#80),#2);\n"
-                        "#82=SHAPE_REPRESENTATION_RELATIONSHIP('','',#24,#81);\n"));
+        prepared(withBody(kProductOfShape + "#24=SHAPE_REPRESENTATION('',(#70),#2);\n#70=" + type +
+                          "('',$);\n#80=TESSELLATED_SOLID('',(#13),#70);\n"
+                          "#81=TESSELLATED_SHAPE_REPRESENTATION('',(#80),#2);\n"
+                          "#82=SHAPE_REPRESENTATION_RELATIONSHIP('','',#24,#81);\n"));
     EXPECT_THAT(result.out, HasSubstr("  Paired with exact geometry: 0 bodies,")) << type;
     EXPECT_THAT(result.out, HasSubstr("  Part tessellation: 1 bodies -> 1 faces,")) << type;
     EXPECT_THAT(result.file, HasSubstr("\n#70=" + std::string(type))) << type;
@@ -116,7 +120,7 @@ TEST(Losses, SolidsThatTheKernelDoesNotTransferMakeNoCopies) {
 }
 
 TEST(Losses, SectionsCountInAnyCase) {
-  std::string file = fileOf(kShape);
+  std::string file = withBody(kShapeOfBody);
   for (const auto& [word, small] :
        std::vector<std::pair<std::string, std::string>>{{"HEADER;", "Header;"},
                                                         {"DATA;", "Data;"},
@@ -127,27 +131,27 @@ TEST(Losses, SectionsCountInAnyCase) {
       file.replace(place, word.size(), small);
     }
   }
-  EXPECT_EQ(prepared(file).file, prepared(fileOf(kShape)).file);
+  EXPECT_EQ(prepared(file).file, prepared(withBody(kShapeOfBody)).file);
 }
 
 TEST(Losses, ExactGeometryThatNoProductReachesMakesNoCopies) {
   const std::string unreached =
-      kSolid +
+      kExactSolid +
       "#85=SHAPE_REPRESENTATION('',(#86),#2);\n#86=MANIFOLD_SOLID_BREP('',$);\n"
       "#80=TESSELLATED_SOLID('',(#13),#86);\n"
       "#81=TESSELLATED_SHAPE_REPRESENTATION('',(#80),#2);\n";
   const Prepared kept =
-      prepared(fileOf(kProduct + "#24=SHAPE_REPRESENTATION('',(#30),#2);\n" + unreached));
+      prepared(withBody(kProductOfShape + "#24=SHAPE_REPRESENTATION('',(#30),#2);\n" + unreached));
   EXPECT_THAT(kept.out, HasSubstr("  Part tessellation: 1 bodies -> 1 faces,"));
   // Where no product has any, it is tied to one.
-  const Prepared tied = prepared(fileOf(unreached));
+  const Prepared tied = prepared(withBody(unreached));
   EXPECT_THAT(tied.out, HasSubstr("  Paired with exact geometry: 1 bodies, 1 triangles, left out"));
   EXPECT_THAT(tied.out, HasSubstr("  Exact representations tied to a product: 1\n"));
 }
 
 TEST(Losses, WhatDoesNotBalanceGoesAlone) {
   const Prepared result =
-      prepared(fileOf("#90=A('',(#1;,#2));\njunk, it's\n#91=B('');\n#92=C(#1;\n" + kShape));
+      prepared(withBody("#90=A('',(#1;,#2));\njunk, it's\n#91=B('');\n#92=C(#1;\n" + kShapeOfBody));
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_THAT(result.file, HasSubstr("\n#91=B('');\n"));
   EXPECT_THAT(result.file, Not(HasSubstr("#90=")));
@@ -158,10 +162,10 @@ TEST(Losses, WhatDoesNotBalanceGoesAlone) {
 }
 
 TEST(Losses, OnlyPlainRelationshipsMakeEqualInPlace) {
-  const std::string both =
-      kProduct + kSolid + kShape + "#24=ADVANCED_BREP_SHAPE_REPRESENTATION('',(#30),#2);\n#40=";
+  const std::string both = kProductOfShape + kExactSolid + kShapeOfBody +
+                           "#24=ADVANCED_BREP_SHAPE_REPRESENTATION('',(#30),#2);\n#40=";
   const auto pairedBodies = [&both](const std::string& relationship) {
-    const std::string out = prepared(fileOf(both + relationship + ";\n")).out;
+    const std::string out = prepared(withBody(both + relationship + ";\n")).out;
     return out.substr(out.find("geometry: ", out.find("Paired")) + 10, 8);
   };
   EXPECT_EQ(pairedBodies("SHAPE_REPRESENTATION_RELATIONSHIP('','',#24,#16)"), "1 bodies");
@@ -183,7 +187,7 @@ TEST(Losses, PointsThatOverflowGoWithTheirTriangles) {
   const std::string list =
       "#12=COORDINATES_LIST('',4,((0.,0.,0.),(1.,0.,0.),(0.,1.E-310,0.),"
       "(1.E999,0.,0.)));\n";
-  const std::string rest = "#15=TESSELLATED_SOLID('',(#13),$);\n" + kShape;
+  const std::string rest = "#15=TESSELLATED_SOLID('',(#13),$);\n" + kShapeOfBody;
   for (const std::string& instances : {list + face, face + list}) {
     const Prepared result = prepared(stepFile(instances + rest));
     EXPECT_EQ(result.exitStatus, 0);
@@ -206,21 +210,23 @@ TEST(Losses, ContextsAndPointsHaveAnyLength) {
       zeros +
       "1.,0.,0.),(1.,1.,0.),(0.,1.,0.)));\n"
       "#13=TRIANGULATED_FACE('',#12,3,(),$,(),((1,2,3)));\n#15=TESSELLATED_SOLID('',(#13),$);\n" +
-      kShape));
+      kShapeOfBody));
   EXPECT_THAT(result.file, HasSubstr("((1000.,0.,0.),(1000.,1000.,0.),(0.,1000.,0.))"));
 }
 
 TEST(Losses, PreparingAgainAddsNothing) {
-  const Prepared once = prepared(fileOf(kShape + kProduct + kSolid +
-                                        "#24=ADVANCED_BREP_SHAPE_REPRESENTATION('',(#30),#2);\n"));
+  const Prepared once =
+      prepared(withBody(kShapeOfBody + kProductOfShape + kExactSolid +
+                        "#24=ADVANCED_BREP_SHAPE_REPRESENTATION('',(#30),#2);\n"));
   const Prepared twice = prepared(once.file);
   EXPECT_EQ(twice.file, once.file);
 }
 
 TEST(Losses, NamesInStringsAreNotUsed) {
-  const std::string plain = dataOf(prepared(fileOf(kShape)).file);
+  const std::string plain = dataOf(prepared(withBody(kShapeOfBody)).file);
   EXPECT_THAT(plain, HasSubstr("\n#10=COORDINATES_LIST("));
-  const Prepared result = prepared(fileOf(kShape + "#7=CARTESIAN_POINT('see #12',(0.,0.,0.));\n"));
+  const Prepared result =
+      prepared(withBody(kShapeOfBody + "#7=CARTESIAN_POINT('see #12',(0.,0.,0.));\n"));
   EXPECT_THAT(result.file, HasSubstr("\n#100=COORDINATES_LIST("));
 }
 
@@ -232,7 +238,7 @@ TEST(Losses, PlacementsAndListsMayBeComplexInstances) {
       "#12=(COORDINATES_LIST(3,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.)))REPRESENTATION_ITEM('')"
       "TESSELLATED_ITEM());\n"
       "#13=TRIANGULATED_FACE('',#12,3,(),$,(),((1,2,3)));\n#15=TESSELLATED_SOLID('',(#13),$);\n" +
-      kShape +
+      kShapeOfBody +
       "#17=REPRESENTATION_MAP(#18,#16);\n#18=AXIS2_PLACEMENT_3D('',#19,$,$);\n"
       "#19=CARTESIAN_POINT('',(0.,0.,0.));\n#40=MAPPED_ITEM('',#17,#41);\n"
       "#41=(AXIS2_PLACEMENT_3D($,$)GEOMETRIC_REPRESENTATION_ITEM()PLACEMENT(#42)"
@@ -257,7 +263,7 @@ TEST(Losses, CyclesGiveTheSameInAnyOrder) {
     for (const std::string& instance : cycle) {
       instances += instance;
     }
-    const Prepared result = prepared(fileOf(instances));
+    const Prepared result = prepared(withBody(instances));
     EXPECT_THAT(result.out, HasSubstr("  Warning: a representation maps itself\n"));
     const std::size_t place = result.out.find("  Part tessellation");
     return result.out.substr(place, result.out.find('\n', place) - place);
@@ -268,9 +274,9 @@ TEST(Losses, CyclesGiveTheSameInAnyOrder) {
 }
 
 TEST(Losses, WhatIsLeftOutIsSaid) {
-  EXPECT_THAT(prepared(fileOf("#16=A_NEW_SHAPE_REPRESENTATION('',(#15),#2);\n")).out,
+  EXPECT_THAT(prepared(withBody("#16=A_NEW_SHAPE_REPRESENTATION('',(#15),#2);\n")).out,
               HasSubstr("  Warning: tessellation in a A_NEW_SHAPE_REPRESENTATION is left out\n"));
-  EXPECT_THAT(prepared(fileOf(kShape + "#40=TRIANGULATED_FACE_SET('',#12,());\n")).out,
+  EXPECT_THAT(prepared(withBody(kShapeOfBody + "#40=TRIANGULATED_FACE_SET('',#12,());\n")).out,
               HasSubstr("  Warning: tessellation of an unknown kind is left out: "
                         "TRIANGULATED_FACE_SET\n"));
 }
@@ -288,10 +294,10 @@ TEST(Losses, TooManyPlacementsAreSaidAtOnce) {
                   "#" + std::to_string(990 + 10 * i) + "," + name + ",$);\n";
     }
   }
-  const Prepared result = prepared(fileOf(products +
-                                          "#21=PRODUCT_DEFINITION_SHAPE('','',#1400);\n"
-                                          "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#16);\n" +
-                                          kShape));
+  const Prepared result = prepared(withBody(products +
+                                            "#21=PRODUCT_DEFINITION_SHAPE('','',#1400);\n"
+                                            "#22=SHAPE_DEFINITION_REPRESENTATION(#21,#16);\n" +
+                                            kShapeOfBody));
   EXPECT_EQ(result.exitStatus, 1);
   EXPECT_THAT(result.err, HasSubstr("too many placements\n"));
   EXPECT_FALSE(result.isWritten);
@@ -299,7 +305,7 @@ TEST(Losses, TooManyPlacementsAreSaidAtOnce) {
 
 TEST(Losses, TheOutputKeepsItsMode) {
   const test::TempDir directory;
-  const std::string input = test::writeFile(directory / "in.stp", fileOf(kShape));
+  const std::string input = test::writeFile(directory / "in.stp", withBody(kShapeOfBody));
   const std::string output = test::writeFile(directory / (std::string(251, 'x') + ".stp"), "old");
   using std::filesystem::perms;
   const perms mode = perms::owner_read | perms::owner_write | perms::group_read;
