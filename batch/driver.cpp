@@ -94,15 +94,30 @@ std::string objection(const Options& options, const Places& places, const FoundF
   return {};
 }
 
-/// Takes the files out of the list that need no conversion; gives their number.
-std::int64_t dropUpToDate(StateHandle& state, const RunContext& context, bool isToTellOnly,
-                          std::vector<InputFile>& files) {
+/// Notes that a file was converted in another way.
+void noteDifference(const RunContext& context, const FileRecord& record, Summary& summary) {
+  if (record.status != FileStatus::Converted) {
+    return;
+  }
+  if (record.settings != context.settings) {
+    ++summary.otherwiseBefore["other settings\n" + record.settings];
+  } else if (record.program != context.program) {
+    ++summary.otherwiseBefore["another program\n" + record.program];
+  }
+}
+
+/// Takes the files out of the list that need no conversion, and notes what is known of all.
+void dropUpToDate(StateHandle& state, const RunContext& context, bool isToTellOnly,
+                  std::vector<InputFile>& files, Summary& summary) {
   const auto before = static_cast<std::int64_t>(files.size());
   std::vector<FileRecord> touched;
   std::erase_if(files, [&](const InputFile& file) {
     std::optional<FileRecord> record = findFile(state, file.path);
     bool isTouched = false;
     const bool isKept = record && isUpToDate(context, file.path, *record, isTouched);
+    if (record && !isKept) {
+      noteDifference(context, *record, summary);
+    }
     if (isTouched) {
       touched.push_back(std::move(*record));
     }
@@ -115,7 +130,7 @@ std::int64_t dropUpToDate(StateHandle& state, const RunContext& context, bool is
     }
     (void)commitChanges(state);
   }
-  return before - static_cast<std::int64_t>(files.size());
+  summary.convertedBefore = before - static_cast<std::int64_t>(files.size());
 }
 
 int tellPlan(const Options& options, const Places& places, const FoundFiles& found,
@@ -265,7 +280,7 @@ int work(const Options& options, const std::vector<std::string>& arguments, Stat
   }
   Summary summary;
   if (options.resume && state != nullptr) {
-    summary.convertedBefore = dropUpToDate(*state, context, options.dryRun, found.files);
+    dropUpToDate(*state, context, options.dryRun, found.files, summary);
   }
   summary.files = static_cast<std::int64_t>(found.files.size());
   sortForConversion(found.files);

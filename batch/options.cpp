@@ -30,7 +30,7 @@ holds all INPUTs, then the file's full name, then the new extension.
       --to stl|stp       kind of output (stl)
       --deflection D     linear deflection of the mesh (0.1)
       --split            one file for each shape
-      --prepare          rewrite each file for the converter first, as
+      --as-is            do not rewrite each file for the converter first, as
                          plenvorith-prepare does
       --resume           leave out what is converted already
       --prune            remove the outputs of inputs that have vanished
@@ -87,6 +87,8 @@ std::string_view withoutLast(const std::string& text) {
 /// The texts of options whose values are more than texts.
 struct RawValues {
   std::optional<std::string> jobs, timeLimit, memoryLimit, memoryFree, shard;
+  bool prepare = false;
+  bool asIs = false;
   bool help = false;
   bool version = false;
 };
@@ -133,7 +135,8 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.add_option("--to", options.settings.to);
   app.add_option("--deflection", options.settings.deflection);
   app.add_flag("--split", options.settings.split);
-  app.add_flag("--prepare", options.settings.prepare);
+  app.add_flag("--prepare", raw.prepare);  // what is done anyway, as earlier versions were told
+  app.add_flag("--as-is", raw.asIs);
   app.add_flag("--resume", options.resume);
   app.add_flag("--prune", options.prune);
   app.add_flag("--dry-run", options.dryRun);
@@ -233,6 +236,10 @@ std::vector<std::string> check(Options& options, const RawValues& raw) {
   if (!path.empty() && !path.ends_with(".csv") && !path.ends_with(".json")) {
     problems.push_back("--export is a file that ends in .csv or .json, not " + path);
   }
+  if (raw.prepare && raw.asIs) {
+    problems.emplace_back("--prepare and --as-is exclude each other");
+  }
+  options.settings.prepare = !raw.asIs;
   options.jobs = cores;
   options.jobsText = raw.jobs.value_or("");
   take("--jobs", raw.jobs, "a number above 0, as in 4, 50%, +1 or -1", options.jobs, problems,

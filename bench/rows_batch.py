@@ -60,7 +60,7 @@ def tree_memory(root):
 def measure_batch(table, _, scratch):
     def batch(inputs, output, *options):
         shutil.rmtree(output, ignore_errors=True)
-        return run(BATCH, inputs, "-o", output, *options)
+        return run(BATCH, "--as-is", inputs, "-o", output, *options)
 
     output = scratch / "batch-out"
     if table.wants("B1") or table.wants("B4"):

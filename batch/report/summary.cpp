@@ -64,6 +64,15 @@ void printCount(const char* what, std::int64_t count) {
   }
 }
 
+void printBefore(const Summary& summary) {
+  printCount("Converted before: ", summary.convertedBefore);
+  for (const auto& [difference, count] : summary.otherwiseBefore) {
+    std::cout << "Converted with " << difference.substr(0, difference.find('\n'))
+              << " before: " << count << " ("
+              << printable(difference.substr(difference.find('\n') + 1)) << ')' << std::endl;
+  }
+}
+
 void printProblems(const FoundFiles& found, const ToldFiles& kept) {
   const auto problems = static_cast<std::int64_t>(found.problems.size());
   if (problems == 0 && kept.empty()) {
@@ -143,7 +152,7 @@ std::string keptLine(const Settled& settled) {
 
 void printPlan(const Summary& summary, const FoundFiles& found) {
   std::cout << "To convert: " << summary.files << std::endl;
-  printCount("Converted before: ", summary.convertedBefore);
+  printBefore(summary);
   printProblems(found, {});
   printSkipped(found);
 }
@@ -155,7 +164,7 @@ bool printSummary(const Summary& summary, const FoundFiles& found, double second
   const std::int64_t lost = summary.files - summary.converted - failed - kept;
   std::cout << "Converted: " << summary.converted << " (" << summary.triangles << " triangles)"
             << std::endl;
-  printCount("Converted before: ", summary.convertedBefore);
+  printBefore(summary);
   if (!summary.doubtful.empty()) {
     std::cout << "Converted, but doubtful: " << countOf(summary.doubtful) << std::endl;
     printTold(summary.doubtful);

@@ -35,6 +35,9 @@ struct Summary {
   std::int64_t converted = 0;
   std::int64_t triangles = 0;
   std::int64_t convertedBefore = 0;
+  /// The number of files that have been converted in another way and are converted again, by what
+  /// was different then: the settings or the program.
+  std::map<std::string, std::int64_t> otherwiseBefore;
   ToldFiles failures;
   ToldFiles doubtful;  ///< converted, but
   ToldFiles kept;      ///< could not be tried, and what was there before stays

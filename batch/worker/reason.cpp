@@ -103,7 +103,7 @@ std::string geometryReason(const Evidence& evidence) {
   if (!evidence.facts.hasTessellation) {
     return "no geometry that the converter takes";
   }
-  const char* const hint = evidence.settings.prepare ? "" : ": try --prepare";
+  const char* const hint = evidence.settings.prepare ? "" : ": try without --as-is";
   if (evidence.facts.hasExactGeometry) {
     return std::string("exact geometry behind annotation") + hint;
   }

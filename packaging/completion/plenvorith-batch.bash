@@ -13,7 +13,7 @@ _plenvorith_batch() {
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '--output --base --files-from --include
-          --exclude --follow --to --deflection --split --prepare --resume --prune --dry-run --jobs
+          --exclude --follow --to --deflection --split --as-is --resume --prune --dry-run --jobs
           --time-limit --memory-limit --memory-free --transcript --export --check --thumbnails --sshlogin
           --transfer --shard --merge --bar --program --version
           --help' -- "$cur")

@@ -88,14 +88,22 @@ TEST(ParseOptions, RejectAFileForTheOutputFolder) {
 
 TEST(ParseOptions, StandInAnyOrderAndForm) {
   const Options options = optionsOf({"a", "-oDIR", "--to=stp", "b", "--deflection", "2.5e-1",
-                                     "--split", "--prepare", "--jobs=3", "--time-limit=5m", "c"});
+                                     "--split", "--as-is", "--jobs=3", "--time-limit=5m", "c"});
   EXPECT_THAT(options.inputs, ElementsAre("a", "b", "c"));
   EXPECT_EQ(options.output, "DIR");
   EXPECT_EQ(options.settings.to, "stp");
   EXPECT_EQ(options.settings.deflection, "2.5e-1");
-  EXPECT_TRUE(options.settings.split && options.settings.prepare);
+  EXPECT_TRUE(options.settings.split && !options.settings.prepare);
   EXPECT_EQ(options.jobs, 3);
   EXPECT_EQ(options.settings.timeLimit, 5min);
+}
+
+TEST(ParseOptions, PrepareUnlessTheyAreToTakeFilesAsTheyAre) {
+  EXPECT_TRUE(optionsOf({"in", "-o", "out"}).settings.prepare);
+  EXPECT_TRUE(optionsOf({"in", "-o", "out", "--prepare"}).settings.prepare);
+  EXPECT_FALSE(optionsOf({"in", "-o", "out", "--as-is"}).settings.prepare);
+  EXPECT_EQ(problemOf({"in", "-o", "out", "--as-is", "--prepare"}),
+            "plenvorith-batch: --prepare and --as-is exclude each other\n");
 }
 
 TEST(ParseOptions, TakeTheLastOfEqualOptions) {

@@ -9,7 +9,7 @@
 # shellcheck disable=SC2016,SC2154 # names as they stand; variables of support.sh
 set -euo pipefail
 self=$(realpath -- "$0")
-batch=$1 converter=$2 prepare=$3 samples=$4 case=$5 program=()
+batch=$1 converter=$2 prepare=$3 samples=$4 case=$5 program=(--as-is)
 
 # shellcheck source=/dev/null
 source "${BASH_SOURCE[0]%/*}/support.sh"
@@ -244,7 +244,7 @@ ConvertsThousandsOfFiles() {
         close(path)
       }
     }' pattern
-  "$batch" in -o out --jobs 2 >stdout 2>stderr &
+  "$batch" "${program[@]}" in -o out --jobs 2 >stdout 2>stderr &
   pid=$!
   printf -v name %04d "$stop"
   until [[ -e out/${name:0:2}/$name.stp.stl ]]; do
@@ -386,8 +386,8 @@ TellsReasonsThatCanBeActedOn() {
   expect_line stderr "$failed none.stp: no geometry that the converter takes $none"
   expect_line stderr "$failed cut.stp: ends in the middle (no END-ISO-10303-21) $none"
   local form='tessellation of a form that the converter does not decode'
-  expect_line stderr "$failed strips.stp: $form: try --prepare $none"
-  expect_line stderr "$failed drawn.stp: exact geometry behind annotation: try --prepare $none"
+  expect_line stderr "$failed strips.stp: $form: try without --as-is $none"
+  expect_line stderr "$failed drawn.stp: exact geometry behind annotation: try without --as-is $none"
 }
 
 TellsACrashFromOtherEnds() {
@@ -626,7 +626,7 @@ GivesTheSameBytesAndLinesAsSingleRuns() {
     settings=("${settings[@]:1}")
     rm -rf out single
     mkdir -p single out/.plenvorith-batch/run/1/out
-    "$batch" in -o out --jobs 1 --to "$kind" --deflection "${settings[0]}" \
+    "$batch" "${program[@]}" in -o out --jobs 1 --to "$kind" --deflection "${settings[0]}" \
       ${settings[1]:+--split} >stdout 2>stderr || (($? == 1))
     expect_same_as_single
   done
@@ -703,7 +703,7 @@ RefusesASecondRunInOneFolder() {
   expect_line stderr "plenvorith-batch: another run is writing to $PWD/out"
   kill "$pid"
   wait "$pid" || true
-  program=()
+  program=(--as-is)
   run 0 a.stp -o out --resume
 }
 
@@ -739,7 +739,7 @@ KeepsWhatItKnowsWhenItIsKilled() {
     number=$((RANDOM % 40 + 1))
     step_file "in/$number.stp" "$((number + 1000 * (RANDOM % 5)))"
     rm -f out/large-*.stl
-    "$batch" in -o out --jobs 2 --resume >stdout 2>stderr &
+    "$batch" "${program[@]}" in -o out --jobs 2 --resume >stdout 2>stderr &
     pid=$!
     sleep "0.$((RANDOM % 4))$((RANDOM % 10))"
     victim=$(pick_victim "$pid")
@@ -785,7 +785,7 @@ GoesOnOnceADiskIsNoLongerFull() {
   "$converter" "$samples/mixed.step" mixed.stl >/dev/null
   for ((size = 130; size <= 890; size += step)); do
     mount -t tmpfs -o "size=${size}k" none out || skip 'cannot mount a file system'
-    "$batch" in -o out --jobs 2 >stdout 2>stderr && status=0 || status=$?
+    "$batch" "${program[@]}" in -o out --jobs 2 >stdout 2>stderr && status=0 || status=$?
     ((status <= 2)) || fail "exit status $status with ${size}k"
     if ((status == 1)); then
       failed=$((failed + 1))
@@ -811,12 +811,14 @@ PreparesFilesFirst() {
   cp "$samples/annotated.step" "$samples/coupling.step" "$samples/bracket.step" in
   echo 'no STEP file' >in/noise.stp
   file_with in/none.stp '#1=POINT();'
-  local name form='tessellation of a form that the converter does not decode: try --prepare'
+  local name form='tessellation of a form that the converter does not decode: try without --as-is'
   run 1 in -o out
   grep -Eq "coupling.step: $form|annotated.step: exact geometry behind annotation" stderr ||
     fail 'no hint'
-  run 1 in -o out --prepare --resume
-  expect_line stdout 'Converted: 3 ('"$(grep -oE '[0-9]+ triangles' stdout)"')'
+  program=()
+  run 1 in -o out --resume
+  expect_line stdout 'Converted with other settings before: 1 (to=stl deflection=0.1)'
+  grep -q '^Converted: 3 (' stdout || fail 'not all are converted'
   for name in annotated coupling bracket; do
     "$prepare" "in/$name.step" single/ready.stp >/dev/null
     "$converter" single/ready.stp single/out.stl >/dev/null

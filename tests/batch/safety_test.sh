@@ -7,7 +7,7 @@
 #
 # shellcheck disable=SC2016,SC2154 # names as they stand; variables of support.sh
 set -euo pipefail
-batch=$1 samples=$2 case=$3 program=()
+batch=$1 samples=$2 case=$3 program=(--as-is)
 # shellcheck source=/dev/null
 source "${BASH_SOURCE[0]%/*}/support.sh"
 
@@ -75,7 +75,7 @@ ADryRunWritesNothing() {
   if ((EUID == 0)); then
     chmod -R a+rX "$scratch"
     setpriv --reuid 65534 --clear-groups --inh-caps=-all \
-      "$batch" in -o out --dry-run --resume >stdout 2>stderr || fail "$(cat stderr)"
+      "$batch" "${program[@]}" in -o out --dry-run --resume >stdout 2>stderr || fail "$(cat stderr)"
   else
     run 0 in -o out --dry-run --resume
   fi
@@ -112,7 +112,7 @@ sleep 5'
   done
   kill -KILL $!
   wait $! 2>/dev/null || true
-  program=()
+  program=(--as-is)
   run 0 in -o out --jobs 1
   sleep 1.5
   run 0 in -o out --jobs 1 --resume
@@ -154,7 +154,7 @@ AWorkerThatDiesKeepsTheOutputs() {
     fail "$(cat stdout)"
   expect_stl out/a.stp.stl 1
   expect_row out '^converted,'
-  program=()
+  program=(--as-is)
   run 0 in -o out --resume
   expect_line stdout 'Converted before: 1'
 }
@@ -274,7 +274,7 @@ NothingIsLeftAfterAKill() {
   step_file in/a.stp 1
   step_file in/b.stp 2
   for round in 1 2 3; do
-    "$batch" in -o out --check --thumbnails >log 2>&1 &
+    "$batch" "${program[@]}" in -o out --check --thumbnails >log 2>&1 &
     sleep "0.$((round * 2))"
     kill -KILL $! 2>/dev/null || true
     wait $! 2>/dev/null || true
@@ -306,7 +306,7 @@ SignalsThatAreIgnoredStayIgnored() {
 
 ClosedStreamsAreNoFilesOfOurs() {
   step_file in/a.stp 1
-  "$batch" in -o out <&- >&- 2>&- || fail "exit status $?"
+  "$batch" "${program[@]}" in -o out <&- >&- 2>&- || fail "exit status $?"
   expect_stl out/a.stp.stl 1
   [[ $(sqlite3 out/.plenvorith-batch/state.db 'PRAGMA integrity_check') == ok ]] || fail 'damaged'
   run 0 -o out --transcript in/a.stp

@@ -7,7 +7,7 @@
 #
 # shellcheck disable=SC2016,SC2154 # names as they stand; variables of support.sh
 set -euo pipefail
-batch=$1 case=$2 program=()
+batch=$1 case=$2 program=(--as-is)
 # shellcheck source=/dev/null
 source "${BASH_SOURCE[0]%/*}/support.sh"
 
@@ -37,7 +37,7 @@ ShardsConvertEveryFileOnceAndMerge() {
   local number processes=()
   make_files 30
   for number in 1 2 3 4; do
-    "$batch" in -o out --shard "$number/4" --jobs 1 >"shard$number" 2>&1 &
+    "$batch" "${program[@]}" in -o out --shard "$number/4" --jobs 1 >"shard$number" 2>&1 &
     processes+=($!)
   done
   for number in 1 2 3 4; do
@@ -82,7 +82,7 @@ AShardGoesOnWhereItWasKilled() {
   done
   kill -9 "$pid"
   wait "$pid" 2>/dev/null || true
-  program=()
+  program=(--as-is)
   run 0 in -o out --shard 2/2 --resume
   run 0 in -o out --shard 2/2 --resume
   expect_line stdout 'Converted before: 6'
@@ -121,7 +121,7 @@ RefusesASecondDriverOfAShard() {
   expect_line stderr "plenvorith-batch: another run is writing to $PWD/out, or to this shard"
   run 2 in -o out
   run 2 --merge -o out
-  program=()
+  program=(--as-is)
   run 0 in -o out --shard 2/2
   kill "$pid"
   wait "$pid" || true

@@ -78,7 +78,7 @@ expect_nothing_left() {
 
 # Has a script with the given body run for each file, in which $1 is the input and $2 the output.
 pretend() {
-  program=(--program "$scratch/pretended")
+  program=(--as-is --program "$scratch/pretended")
   printf '#!/usr/bin/env bash\n%s\n' "$1" >"$scratch/pretended.new"
   chmod +x "$scratch/pretended.new"
   mv -f "$scratch/pretended.new" "$scratch/pretended"

@@ -51,7 +51,7 @@ const std::vector<std::string> kReasons = {
     "incomplete: c.stl",
     "incomplete: c.stl",
     "incomplete: d.stl",
-    "tessellation of a form that the converter does not decode: try --prepare",
+    "tessellation of a form that the converter does not decode: try without --as-is",
     "time limit of 6 s",
     "time limit of 6 s",
 };

@@ -208,7 +208,7 @@ END
 2 exit status [1 exit status 3|1 exit status 4]
 2 time limit of 6 s []
 1 cannot be read: Permission denied []
-1 tessellation of a form that the converter does not decode: try --prepare []
+1 tessellation of a form that the converter does not decode: try without --as-is []
 Any reason
 incomplete (5)
 - incomplete: c.stl (2)
@@ -223,7 +223,7 @@ exit status (2)
 - exit status 4 (1)
 time limit of 6 s (2)
 cannot be read: Permission denied (1)
-tessellation of a form that the converter does not decode: try --prepare (1)
+tessellation of a form that the converter does not decode: try without --as-is (1)
 106 107 108 109 110 #reason=incomplete
 101 102 103
 101 102

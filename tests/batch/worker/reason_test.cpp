@@ -45,9 +45,9 @@ TEST(ReasonFor, HintsAtPreparingOnlyWhereThatIsNotDone) {
   Evidence evidence = endedWith(1, "Reading: x\n" + std::string(kNoGeometry));
   evidence.facts.hasTessellation = true;
   EXPECT_EQ(reasonFor(evidence),
-            "tessellation of a form that the converter does not decode: try --prepare");
+            "tessellation of a form that the converter does not decode: try without --as-is");
   evidence.facts.hasExactGeometry = true;
-  EXPECT_EQ(reasonFor(evidence), "exact geometry behind annotation: try --prepare");
+  EXPECT_EQ(reasonFor(evidence), "exact geometry behind annotation: try without --as-is");
   evidence.settings.prepare = true;
   EXPECT_EQ(reasonFor(evidence), "exact geometry behind annotation");
 }
