@@ -27,10 +27,10 @@ struct Options {
   int jobs = 1;                      ///< files at once on this machine
   std::int64_t memoryFree = std::int64_t{1} << 30;  ///< bytes; below, no further file is begun
   std::string transcriptOf;  ///< input whose transcript is to be printed, and nothing else done
-  std::string exportPath;                           ///< .csv or .json file to write; may be empty
-  std::string jobsText;   ///< the same, as given, for other hosts; empty: one for each core
-  std::string sshlogin;   ///< hosts to convert on, as GNU parallel takes them; empty: only here
-  bool transfer = false;  ///< send inputs to the hosts and bring outputs back
+  std::string exportPath;    ///< .csv or .json file to write; may be empty
+  std::string jobsText;      ///< the same, as given, for other hosts; empty: one for each core
+  std::string sshlogin;      ///< hosts to convert on, as GNU parallel takes them; empty: only here
+  bool transfer = false;     ///< send inputs to the hosts and bring outputs back
   std::optional<Shard> shard;  ///< the part to convert, if not all
   bool merge = false;          ///< make one state of those of the shards; converts nothing
   bool checks = false;         ///< have plenvorith-check look at every mesh
