@@ -118,7 +118,7 @@ std::vector<std::string> guarded(int argc, char** argv) {
   return arguments;
 }
 
-std::string withoutGuard(std::string text) {
+std::string withoutGuard(const std::string& text) {
   return text.starts_with(kGuard) ? text.substr(1) : text;
 }
 
@@ -168,6 +168,7 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
 /// Gives 0, or another number where the library has printed what is wrong.
 int parse(CLI::App& app, const std::vector<std::string>& arguments) {
   std::vector<const char*> pointers;
+  pointers.reserve(arguments.size());
   for (const std::string& argument : arguments) {
     pointers.push_back(argument.c_str());
   }

@@ -187,13 +187,13 @@ bool StatementReader::enterSection() {
 
 /// Goes behind "ENDSEC;", byte by byte.
 void StatementReader::skipSection() {
-  constexpr std::string_view kEnd = "ENDSEC;";
+  constexpr std::string_view kSectionEnd = "ENDSEC;";
   std::string last;  // as many bytes other than blanks
-  while (last != kEnd && raw_.ensure(1)) {
+  while (last != kSectionEnd && raw_.ensure(1)) {
     const char c = raw_.atHand().front();
     raw_.skip(1);
     if (!isIgnored(c)) {
-      last.erase(0, last.size() == kEnd.size() ? 1 : 0);
+      last.erase(0, last.size() == kSectionEnd.size() ? 1 : 0);
       last += capital(c);
     }
   }

@@ -40,7 +40,7 @@ std::string prepared(const std::string& content) {
   const int exitStatus = prepareFile(input, output);
   std::cerr.rdbuf(before);
   fuzz::require(exitStatus != 1, "a well-formed file is prepared");
-  const std::string result = test::readFile(output);
+  std::string result = test::readFile(output);
   std::filesystem::remove(output);
   return result;
 }

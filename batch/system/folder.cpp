@@ -20,8 +20,6 @@ struct CloseFolder {
   }
 };
 
-constexpr mode_t kRights = 0777;
-
 }  // namespace
 
 std::vector<std::string> namesInFolder(const std::string& path) {
@@ -41,7 +39,7 @@ std::vector<std::string> namesInFolder(const std::string& path) {
 }
 
 bool makeFolders(const std::string& path) {
-  if (mkdir(path.c_str(), kRights) == 0) {
+  if (mkdir(path.c_str(), kFolderRights) == 0) {
     return true;
   }
   if (errno == ENOENT) {
@@ -49,7 +47,7 @@ bool makeFolders(const std::string& path) {
     if (above.empty() || !makeFolders(above)) {
       return false;
     }
-    if (mkdir(path.c_str(), kRights) == 0) {
+    if (mkdir(path.c_str(), kFolderRights) == 0) {
       return true;
     }
   }

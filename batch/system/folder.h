@@ -3,7 +3,12 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace plenvorith {
+
+/// The rights that folders are made with, before the user's mask.
+inline constexpr mode_t kFolderRights = 0777;
 
 /// The names in a folder, in the order of their bytes; none if it cannot be read.
 std::vector<std::string> namesInFolder(const std::string& path);

@@ -30,10 +30,9 @@ std::string randomName() {
 }  // namespace
 
 WorkFolder::WorkFolder(const std::string& parent) {
-  constexpr mode_t kRights = 0777;
   const std::string name = randomName();
   const std::string path = parent + '/' + name;
-  if (!name.empty() && makeFolders(parent) && mkdir(path.c_str(), kRights) == 0) {
+  if (!name.empty() && makeFolders(parent) && mkdir(path.c_str(), kFolderRights) == 0) {
     path_ = path;
   }
 }

@@ -47,6 +47,7 @@ TEST(StlReader, ReadsTriangles) {
 
 TEST(StlReader, ReadsMoreThanABlock) {
   std::vector<StlRecord> many;
+  many.reserve(10'001);
   for (int i = 0; i < 10'001; ++i) {
     many.push_back({0, 0, 1, static_cast<float>(i), 0, 0, 1, 0, 0, 0, 1, 0});
   }

@@ -99,7 +99,7 @@ TEST(InspectOutputs, LooksAgainOnlyAtWhatHasChanged) {
   setting.addChecker();
   test::writeFile(setting.outputs + "a.stl", "1234");
   test::writeFile(setting.outputs + "b.stl", "1234");
-  const std::vector<MadeMesh> outputs = {{"a.stl", 4}, {"b.stl", 4}};
+  const std::vector<MadeMesh> outputs = {{{"a.stl", 4}}, {{"b.stl", 4}}};
   const InspectionWish wish = {true, false, 1};
   EXPECT_TRUE(
       inspectOutputs(*setting.inspections, setting.outputs, setting.work, outputs, wish, never));
@@ -130,7 +130,7 @@ TEST(InspectOutputs, NamesTheFilesThatAToolFailsOnAndWhy) {
   const test::CapturedCout captured;
   testing::internal::CaptureStderr();
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
-                             {{"a\n.stl", 1}, {"b.stl", 2}}, {true, true, 1}, never));
+                             {{{"a\n.stl", 1}}, {{"b.stl", 2}}}, {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "plenvorith-batch: plenvorith-check gave nothing for a\\n.stl: Error: the mesh is not "
             "that of the file\n"
@@ -148,7 +148,7 @@ TEST(InspectOutputs, SaysWhatAToolThatEndsWellHasNotDone) {
   setting.addTool("f3d", "exit 0");
   test::writeFile(setting.outputs + "a.stl", "1");
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 1}},
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{{"a.stl", 1}}},
                              {true, true, 1}, never));
   EXPECT_EQ(
       testing::internal::GetCapturedStderr(),
@@ -211,13 +211,13 @@ TEST(InspectOutputs, SaysOnceThatAToolIsMissing) {
   test::writeFile(setting.outputs + "b.stl", "1234");
   testing::internal::CaptureStderr();
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
-                             {{"a.stl", 4}, {"b.stl", 4}}, {true, true, 1}, never));
+                             {{{"a.stl", 4}}, {{"b.stl", 4}}}, {true, true, 1}, never));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "plenvorith-batch: no --check without plenvorith-check\n"
             "plenvorith-batch: no --thumbnails without f3d and Xvfb (Debian packages f3d and "
             "xvfb)\n");
   setting.addChecker();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 4}},
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{{"a.stl", 4}}},
                              {true, false, 1}, never));
   EXPECT_TRUE(findInspection(*setting.inspections, "a.stl").check);
 }
@@ -228,7 +228,7 @@ TEST(InspectOutputs, DoesWithoutADisplayThatDoesNotComeUp) {
   setting.addTool("Xvfb", "exit 1");
   test::writeFile(setting.outputs + "a.stl", "1234");
   testing::internal::CaptureStderr();
-  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{"a.stl", 4}},
+  EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work, {{{"a.stl", 4}}},
                              {false, true, 1}, never));
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Xvfb does not start"));
 }
@@ -241,7 +241,7 @@ TEST(InspectOutputs, StopsWhenItIsInterrupted) {
   }
   int calls = 0;
   EXPECT_TRUE(inspectOutputs(*setting.inspections, setting.outputs, setting.work,
-                             {{"a.stl", 4}, {"b.stl", 4}, {"c.stl", 4}}, {true, true, 1},
+                             {{{"a.stl", 4}}, {{"b.stl", 4}}, {{"c.stl", 4}}}, {true, true, 1},
                              [&] { return ++calls >= 2; }));
   EXPECT_EQ(setting.checksMade(), ".\n.\n");
   EXPECT_TRUE(findInspection(*setting.inspections, "b.stl").check);
