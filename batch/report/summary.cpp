@@ -67,9 +67,9 @@ void printCount(const char* what, std::int64_t count) {
 void printBefore(const Summary& summary) {
   printCount("Converted before: ", summary.convertedBefore);
   for (const auto& [difference, count] : summary.otherwiseBefore) {
-    std::cout << "Converted with " << difference.substr(0, difference.find('\n'))
-              << " before: " << count << " ("
-              << printable(difference.substr(difference.find('\n') + 1)) << ')' << std::endl;
+    const std::size_t lineEnd = difference.find('\n');
+    std::cout << "Converted with " << difference.substr(0, lineEnd) << " before: " << count << " ("
+              << printable(difference.substr(lineEnd + 1)) << ')' << std::endl;
   }
 }
 

@@ -9,7 +9,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-common='TKXSBase TKMesh TKTopAlgo TKBRep TKMath TKernel TKFillet TKBO TKPrim TKG3d'
+common='TKXSBase TKMesh TKTopAlgo TKBRep TKGeomBase TKG3d TKMath TKernel TKFillet TKBO TKPrim'
 
 # Makes a kernel of this release with these toolkits and configures against it.
 configure_against() {
