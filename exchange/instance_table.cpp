@@ -65,7 +65,8 @@ bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
   }
   hasUnbalanced_ = hasUnbalanced_ || !isBalanced;
   voidCount_ += isBalanced ? 0 : 1;
-  instances_.push_back({reader.number() << 1U | (isBalanced ? 0U : 1U), offset << 16U | type});
+  instances_.push_back(
+      {reader.number() << 2U | (isBalanced ? 0U : kVoid | kUnbalanced), offset << 16U | type});
   return true;
 }
 
@@ -123,10 +124,12 @@ bool InstanceTable::store(InstanceIndex index, StatementReader& reader, Referenc
   return isBalanced;
 }
 
-/// Finds the instances that later ones replace, and makes numbers searchable.
+/// Finds the instances that count for nothing beside others of their number, and makes numbers
+/// searchable. Of several the first counts that is not tessellated: which one the kernel takes depends
+/// on where it is named. Tessellated ones are read by the converter's own decoder, which takes the last.
 void InstanceTable::sortNumbers() {
   const auto isDisorder = [](const Instance& a, const Instance& b) {
-    return a.numberAndFlag >> 1U >= b.numberAndFlag >> 1U;
+    return a.numberAndFlags >> 2U >= b.numberAndFlags >> 2U;
   };
   if (std::adjacent_find(instances_.begin(), instances_.end(), isDisorder) == instances_.end()) {
     return;
@@ -137,11 +140,17 @@ void InstanceTable::sortNumbers() {
   std::sort(byNumber_.begin(), byNumber_.end(), [this](InstanceIndex a, InstanceIndex b) {
     return number(a) != number(b) ? number(a) < number(b) : a < b;
   });
+  InstanceIndex counted = byNumber_.empty() ? kNoInstance : byNumber_.front();
   for (std::size_t i = 1; i < byNumber_.size(); ++i) {
-    if (number(byNumber_[i]) == number(byNumber_[i - 1])) {
-      instances_[byNumber_[i - 1]].numberAndFlag |= 1U;
-      ++voidCount_;
+    const InstanceIndex next = byNumber_[i];
+    if (number(next) != number(counted)) {
+      counted = next;
+      continue;
     }
+    const bool isReplaced = type(counted).isTessellated;
+    instances_[isReplaced ? counted : next].numberAndFlags |= kVoid;
+    ++voidCount_;
+    counted = isReplaced ? next : counted;
   }
   std::erase_if(byNumber_, [this](InstanceIndex index) { return isVoid(index); });
 }
@@ -150,9 +159,9 @@ InstanceIndex InstanceTable::find(std::uint64_t wanted) const {
   if (byNumber_.empty()) {
     const auto found = std::lower_bound(instances_.begin(), instances_.end(), wanted,
                                         [](const Instance& instance, std::uint64_t other) {
-                                          return instance.numberAndFlag >> 1U < other;
+                                          return instance.numberAndFlags >> 2U < other;
                                         });
-    return found == instances_.end() || found->numberAndFlag != wanted << 1U
+    return found == instances_.end() || found->numberAndFlags != wanted << 2U
                ? kNoInstance
                : static_cast<InstanceIndex>(found - instances_.begin());
   }

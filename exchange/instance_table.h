@@ -54,7 +54,7 @@ class InstanceTable {
     return size() - voidCount_;
   }
   [[nodiscard]] std::uint64_t number(InstanceIndex index) const {
-    return instances_[index].numberAndFlag >> 1U;
+    return instances_[index].numberAndFlags >> 2U;
   }
   /// Where the body stands in the file.
   [[nodiscard]] std::uint64_t offset(InstanceIndex index) const {
@@ -75,9 +75,14 @@ class InstanceTable {
   [[nodiscard]] bool isTessellated(InstanceIndex index) const {
     return !isVoid(index) && type(index).isTessellated;
   }
-  /// Whether this is no instance, as its parentheses do not balance, or a later one has its number.
+  /// Whether this is no instance, as its parentheses do not balance, or another one counts for its
+  /// number: the first that is not tessellated, or the last if all are.
   [[nodiscard]] bool isVoid(InstanceIndex index) const {
-    return (instances_[index].numberAndFlag & 1U) != 0;
+    return (instances_[index].numberAndFlags & kVoid) != 0;
+  }
+  /// Whether its parentheses do not balance.
+  [[nodiscard]] bool isUnbalanced(InstanceIndex index) const {
+    return (instances_[index].numberAndFlags & kUnbalanced) != 0;
   }
   [[nodiscard]] bool hasUnbalanced() const {
     return hasUnbalanced_;
@@ -126,9 +131,11 @@ class InstanceTable {
 
  private:
   static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+  static constexpr std::uint64_t kVoid = 1;
+  static constexpr std::uint64_t kUnbalanced = 2;
   struct Instance {
-    std::uint64_t numberAndFlag = 0;  // twice the number, plus 1 if it is void
-    std::uint64_t offsetAndType = 0;  // the offset in the upper 48 bits
+    std::uint64_t numberAndFlags = 0;  // four times the number, plus the flags
+    std::uint64_t offsetAndType = 0;   // the offset in the upper 48 bits
   };
 
   struct Stored {

@@ -35,20 +35,30 @@ TEST(InstanceTable, FindsInstancesByNumberInAnyOrder) {
   }
 }
 
-TEST(InstanceTable, TheLastOfOneNumberCounts) {
-  const Instances in("#2=A(#1);\n#1=B();\n#02=C();\n");
-  EXPECT_EQ(in.table.size(), 3U);
+TEST(InstanceTable, TheFirstOfOneNumberCounts) {
+  const Instances in("#2=A(#1);\n#1=B();\n#02=C();\n#2=D();\n");
+  EXPECT_EQ(in.table.size(), 4U);
   EXPECT_EQ(in.table.countedCount(), 2U);
-  EXPECT_TRUE(in.table.isVoid(0));
-  EXPECT_FALSE(in.table.isVoid(2));
-  EXPECT_EQ(in[2], 2U);
-  EXPECT_THAT(in.table.type(in[2]).keywords, ElementsAre("C"));
+  EXPECT_FALSE(in.table.isVoid(0));
+  EXPECT_TRUE(in.table.isVoid(2));
+  EXPECT_TRUE(in.table.isVoid(3));
+  EXPECT_EQ(in[2], 0U);
 }
 
-TEST(InstanceTable, WhatIsReplacedIsOfNoKind) {
-  const Instances in("#1=MAPPED_ITEM('',#2,#3);\n#1=A();\n");
-  EXPECT_TRUE(in.table.type(0).is(Kind::MappedItem));
-  EXPECT_FALSE(in.table.is(0, Kind::MappedItem));
+TEST(InstanceTable, TheLastOfTessellatedOnesCountsIfThereAreNoOthers) {
+  const Instances in(
+      "#1=TESSELLATED_SOLID('',(),$);\n#1=COORDINATES_LIST('',0,());\n"
+      "#2=TESSELLATED_SOLID('',(),$);\n#2=A();\n#2=TESSELLATED_SHELL('',(),$);\n"
+      "#2=B();\n");
+  EXPECT_EQ(in[1], 1U);
+  EXPECT_EQ(in[2], 3U);
+  EXPECT_EQ(in.table.countedCount(), 2U);
+}
+
+TEST(InstanceTable, AnInstanceThatDoesNotCountIsOfNoKind) {
+  const Instances in("#1=A();\n#1=MAPPED_ITEM('',#2,#3);\n");
+  EXPECT_TRUE(in.table.type(1).is(Kind::MappedItem));
+  EXPECT_FALSE(in.table.is(1, Kind::MappedItem));
 }
 
 TEST(InstanceTable, InstancesWhoseParenthesesDoNotBalanceAreNone) {

@@ -62,6 +62,13 @@ ExactCase assembly(const std::string& name, const std::string& shapes) {
   return {name, stepFileOf(exactItemContext() + shapes + kUsedPart + unlinked(kLinkedBody))};
 }
 
+/// A solid with a body that duplicates it, with what comes first of `found` replaced.
+ExactCase broken(const std::string& name, const std::string& found, const std::string& by) {
+  const ExactItem solid = {"", "#100=MANIFOLD_SOLID_BREP('',#36);\n"};
+  std::string content = exactItemFile("SHAPE_REPRESENTATION", solid, unlinked(kLinkedBody) + kTied);
+  return {name, content.replace(content.find(found), found.size(), by)};
+}
+
 }  // namespace
 
 std::vector<ExactCase> casesOfExactGeometry() {
@@ -85,6 +92,15 @@ std::vector<ExactCase> casesOfTheOnlyGeometry() {
     cases.push_back({type, exactItemFile(type, solid, kLinkedBody)});
   }
   return cases;
+}
+
+std::vector<ExactCase> casesOfErrors() {
+  return {
+      broken("two of a number, the first taken",
+             "#300=", "#36=ADVANCED_FACE('',(#34),#30,.T.);\n#124=BLOCK('',#20,1.,2.,3.);\n#300="),
+      broken("two of a number, the last taken",
+             "#36=", "#36=ADVANCED_FACE('',(#34),#30,.T.);\n#36="),
+  };
 }
 
 std::vector<ExactCase> casesOfAssemblies() {

@@ -20,6 +20,9 @@ std::vector<ExactCase> casesOfCopies();
 /// Each item that it does not deliver, with a body of one triangle that is then all there is.
 std::vector<ExactCase> casesOfTheOnlyGeometry();
 
+/// Files with exact geometry beside a body of tessellation, with an error that the kernel gets over.
+std::vector<ExactCase> casesOfErrors();
+
 /// An exact part used in an assembly whose own shape is nothing but a body of one triangle.
 std::vector<ExactCase> casesOfAssemblies();
 

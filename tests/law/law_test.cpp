@@ -92,6 +92,13 @@ TEST_F(Law, HoldsInAssembliesWhoseShapeIsTessellation) {
   }
 }
 
+TEST_F(Law, HoldsForFilesWithErrors) {
+  for (const ExactCase& one : casesOfErrors()) {
+    SCOPED_TRACE(one.name);
+    EXPECT_FALSE(expectKept(one.content).alone.exact.empty());
+  }
+}
+
 TEST_F(Law, HoldsForGeneratedFiles) {
   int exact = 0;
   const int count = rounds(200);

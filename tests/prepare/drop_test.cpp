@@ -49,8 +49,9 @@ TEST(Drop, TakesWhatHasAListOfNothingElse) {
             "DDDDK");
 }
 
-TEST(Drop, TakesWhatIsReplacedByALaterInstance) {
-  EXPECT_EQ(fatesOf("#1=A();\n#1=B();\n"), "DK");
+TEST(Drop, KeepsAllOfOneNumberThatTheKernelMayTake) {
+  EXPECT_EQ(fatesOf("#1=A();\n#1=B();\n#1=TESSELLATED_SHELL('',(),$);\n#1=C(;\n"), "KKDD");
+  EXPECT_EQ(fatesOf(kLoneFace + "#4=A();\n#4=B(#2,#1);\n#5=C(#4);\n"), "DKDK");
 }
 
 TEST(Drop, RetypesShapesThatHoldOtherItems) {

@@ -262,6 +262,13 @@ std::string withNoise(File& file, std::string_view content) {
   return text;
 }
 
+bool isTessellated(const std::string& content) {
+  const std::string types = content.substr(0, content.find('\''));
+  return types.find("TESSELLATED") != std::string::npos ||
+         types.find("TRIANGULATED") != std::string::npos ||
+         types.find("COORDINATES_LIST") != std::string::npos;
+}
+
 std::string statement(File& file, std::size_t i) {
   const auto& [instance, content] = file.instances[i];
   if (!file.hasNoise) {
@@ -295,11 +302,15 @@ std::string generateTessellatedFile(std::mt19937& random) {
     if (file.hasNoise && oneIn(file, 30)) {
       text += "\nENDSEC;\nDATA('second',('A'));\n";
     }
-    if (file.hasNoise && i + 1 < file.instances.size() && oneIn(file, 30)) {
-      // The next instance wins over this one of the same name.
-      text += file.instances[i + 1].first + "=CARTESIAN_POINT('old',(1.,2.,3.));\n";
+    const bool isDouble = file.hasNoise && oneIn(file, 30);
+    const std::string& name = file.instances[i].first;
+    // Of instances of the same name the first counts that is not tessellated, or else the last.
+    if (isDouble && isTessellated(file.instances[i].second)) {
+      text += name + "=TESSELLATED_SHELL('other',(),$);\n" + statement(file, i);
+    } else {
+      text += statement(file, i);
+      text += isDouble ? name + "=CARTESIAN_POINT('other',(1.,2.,3.));\n" : "";
     }
-    text += statement(file, i);
   }
   return text + "\nENDSEC;\nEND-ISO-10303-21;\n" +
          (file.hasNoise ? std::string("\0#1=A;'", 7) : "");

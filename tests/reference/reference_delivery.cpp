@@ -33,14 +33,6 @@ struct Delivery {
   std::map<std::string, std::string> delivered{};
 };
 
-bool isTessellated(const ExchangeInstance& instance) {
-  return std::any_of(instance.records.begin(), instance.records.end(), [](const auto& record) {
-    return record.first.find("TESSELLATED") != std::string::npos ||
-           record.first.find("TRIANGULATED") != std::string::npos ||
-           record.first == "COORDINATES_LIST";
-  });
-}
-
 /// The instance of this name if it is a simple one of this type.
 const ExchangeInstance* simple(const Delivery& delivery, const std::string& name,
                                const std::set<std::string>& types) {

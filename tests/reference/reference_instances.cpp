@@ -1,5 +1,6 @@
 #include "tests/reference/reference_instances.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <stdexcept>
@@ -168,7 +169,10 @@ void readInstance(Parser& parser) {
     instance.records[type] = readParameters(parser);
   } while (instance.isComplex && !consume(parser, ')'));
   expect(parser, ';');
-  parser.instances[name] = instance;
+  const auto [place, isNew] = parser.instances.try_emplace(name, instance);
+  if (!isNew && isTessellated(place->second)) {
+    place->second = instance;
+  }
 }
 
 /// Skips a line of the header or a keyword, up to its semicolon, and gives how it begins.
@@ -203,6 +207,14 @@ ExchangeInstances parseInstances(std::string_view text) {
     }
   }
   return parser.instances;
+}
+
+bool isTessellated(const ExchangeInstance& instance) {
+  return std::any_of(instance.records.begin(), instance.records.end(), [](const auto& record) {
+    return record.first.find("TESSELLATED") != std::string::npos ||
+           record.first.find("TRIANGULATED") != std::string::npos ||
+           record.first == "COORDINATES_LIST";
+  });
 }
 
 std::string simpleType(const ExchangeInstance& instance) {

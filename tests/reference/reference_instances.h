@@ -24,9 +24,13 @@ struct ExchangeInstance {
 };
 using ExchangeInstances = std::map<std::string, ExchangeInstance>;
 
-/// Reads all instances of an exchange structure, character by character. Scopes are flattened, and
-/// a later instance of the same name wins. Throws std::runtime_error where the text is malformed.
+/// Reads all instances of an exchange structure, character by character. Scopes are flattened. Of
+/// several instances of the same name the first counts that is not tessellated, or else the last.
+/// Throws std::runtime_error where the text is malformed.
 ExchangeInstances parseInstances(std::string_view text);
+
+/// Whether any of its types is one of tessellation.
+bool isTessellated(const ExchangeInstance& instance);
 
 /// The type of a simple instance; nothing for a complex one.
 std::string simpleType(const ExchangeInstance& instance);
