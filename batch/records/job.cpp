@@ -126,6 +126,15 @@ std::optional<Bounds> boundsOf(const Json& object) {
 }
 
 /// The outputs in a result; nothing if one of them cannot come from a job that was asked for `name`.
+/// Whether a file may be an output of a job that was asked for one of this name. Triangles that
+/// cannot go to the STEP file go beside it.
+bool isOutputOf(const std::string& name, const std::string& path) {
+  constexpr std::string_view kStep = ".stp";
+  return path.starts_with(name) ||
+         (name.ends_with(kStep) &&
+          path == name.substr(0, name.size() - kStep.size()).append(".stl"));
+}
+
 std::optional<std::vector<OutputRecord>> outputsOf(const Json& object, const std::string& name) {
   std::vector<OutputRecord> outputs;
   const auto found = object.find("outputs");
@@ -134,7 +143,7 @@ std::optional<std::vector<OutputRecord>> outputsOf(const Json& object, const std
     record.size = -1;
     get(output, "path", record.path);
     get(output, "size", record.size);
-    if (!record.path.starts_with(name) || record.path.find('/') != std::string::npos ||
+    if (!isOutputOf(name, record.path) || record.path.find('/') != std::string::npos ||
         record.path.find('\0') != std::string::npos || record.size < 0) {
       return std::nullopt;
     }

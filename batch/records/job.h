@@ -80,8 +80,8 @@ using OpenJobs = std::map<std::int64_t, std::string>;
 /// the only place where it is checked.
 ///
 /// Gives   nothing for a line that is no result, that has an id of no open job, or that names an
-///         output which is no plain name beginning with that of its job; values of the wrong kind
-///         or size count as missing.
+///         output which is no plain name beginning with that of its job, or that with ".stl" in the
+///         place of ".stp"; values of the wrong kind or size count as missing.
 std::optional<JobResult> resultFrom(const std::string& line, const OpenJobs& open);
 
 }  // namespace plenvorith

@@ -46,10 +46,12 @@ std::vector<OutputRecord> joined(std::vector<OutputRecord> outputs,
 
 /// Where the outputs of a result go, below the output folder.
 std::vector<OutputRecord> placedOutputs(const RunContext& context, const Finished& finished) {
-  const std::string right = nameBelow(context.base, finished.input) + '.' + context.extension;
+  const std::string right = nameBelow(context.base, finished.input);
+  // The extension may be another than the one that was asked for.
+  const std::size_t stem = finished.outputName.size() - context.extension.size() - 1;
   std::vector<OutputRecord> outputs = finished.result.outputs;
   for (OutputRecord& output : outputs) {
-    output.path.replace(0, finished.outputName.size(), right);
+    output.path.replace(0, stem, right);
   }
   return outputs;
 }

@@ -646,7 +646,8 @@ expect_same_as_single() {
     cmp <(without_times single/transcript) \
       <("$batch" -o out --transcript "$scratch/in/$name" | without_times /dev/stdin) ||
       fail "transcript of $name"
-    if ((status == 0)); then
+    # A file without anything to convert may leave nothing and call that done.
+    if ((status == 0)) && [[ -n $(ls -A "single/$name") ]]; then
       expect_same_files "single/$name" "$name"
     else
       grep -q "^failed,$scratch/in/$name," "$scratch/table.csv" || fail "$name has not failed"

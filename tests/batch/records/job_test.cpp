@@ -179,6 +179,19 @@ TEST(ResultLine, RejectsOutputsThatCannotBeThoseOfTheJob) {
   }
 }
 
+TEST(ResultLine, TakesTheStlFileThatStandsInForAStepFile) {
+  const auto isTaken = [](const std::string& path, const std::string& name) {
+    return resultFrom(
+               R"({"id":0,"converted":true,"outputs":[{"path":")" + path + R"(","size":1}]})",
+               {{0, name}})
+        .has_value();
+  };
+  EXPECT_TRUE(isTaken("a.stp.stl", "a.stp.stp"));
+  EXPECT_FALSE(isTaken("a.stp.stl_1", "a.stp.stp"));
+  EXPECT_FALSE(isTaken("a.stp.stp", "a.stp.stl"));
+  EXPECT_FALSE(isTaken("a.stl", "a.stp.stp"));
+}
+
 TEST(Lines, RejectsOtherTexts) {
   for (const char* line : {"", "{", "[]", "1", "{}", "{\"ids\":1}", "motd: welcome", "\xff"}) {
     EXPECT_FALSE(jobFrom(line).has_value()) << line;
