@@ -1,6 +1,7 @@
 #include "batch/local/conversion_loop.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <fstream>
@@ -90,8 +91,8 @@ void noteLost(Loop& loop, const LostFile& lost) {
   finished.result.isTried = false;
   finished.input = loop.run.files[lost.file].path;
   finished.result.id = static_cast<std::int64_t>(lost.file);
-  finished.result.reason = "its worker ended twice";
-  if (lost.signal != 0) {
+  finished.result.reason = lost.isSilent ? "its worker did not answer" : "its worker ended twice";
+  if (lost.signal != 0 && !lost.isSilent) {
     finished.result.reason += " (signal " + std::to_string(lost.signal) + ")";
     finished.result.signal = lost.signal;
   }
@@ -133,7 +134,7 @@ LoopEnd convertFiles(const Options& options, StateHandle& state, const RunContex
   // A worker that has ended is noticed by the end of its results.
   std::signal(SIGPIPE, SIG_IGN);
   Loop loop{.run = beginConversions(options, state, context, files, summary),
-            .pool = {context.places, context.base, options.settings, {}, {}, 0},
+            .pool = {context.places, context.base, options.settings, {}, {}, 0, {}},
             .again = {},
             .lostBefore = {}};
   while (!isOver(loop.run) &&
@@ -143,6 +144,8 @@ LoopEnd convertFiles(const Options& options, StateHandle& state, const RunContex
     showConversions(loop.run);
     PoolEvents events = collectResults(loop.pool, waitForWorkers(loop), files);
     std::ranges::move(events.finished, std::back_inserter(loop.run.unsettled));
+    std::ranges::move(endSilent(loop.pool, std::chrono::steady_clock::now()),
+                      std::back_inserter(events.lost));
     for (const LostFile& lost : events.lost) {
       noteLost(loop, lost);
     }

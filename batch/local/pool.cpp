@@ -1,6 +1,8 @@
 #include "batch/local/pool.h"
 
 #include <algorithm>
+#include <csignal>
+#include <iterator>
 #include <utility>
 
 #include "batch/system/folder.h"
@@ -30,7 +32,8 @@ std::optional<std::size_t> findIdle(WorkerPool& pool, int most) {
     unused->process = std::move(*process);
     return static_cast<std::size_t>(unused - pool.workers.begin());
   }
-  pool.workers.push_back({.process = std::move(*process), .file = std::nullopt, .folder = {}});
+  pool.workers.emplace_back();
+  pool.workers.back().process = std::move(*process);
   return pool.workers.size() - 1;
 }
 
@@ -56,6 +59,56 @@ Job jobFor(const WorkerPool& pool, const std::string& folder, const InputFile& i
   return job;
 }
 
+/// When a worker must have answered: behind the time limit comes what it does by itself, which for
+/// large files on a slow disk takes a while.
+std::optional<std::chrono::steady_clock::time_point> deadlineFor(const WorkerPool& pool,
+                                                                 const InputFile& input) {
+  constexpr std::chrono::seconds kGrace(60);
+  constexpr std::int64_t kBytesPerSecond = 4'000'000;
+  if (pool.settings.timeLimit.count() == 0) {
+    return std::nullopt;
+  }
+  return std::chrono::steady_clock::now() + pool.settings.timeLimit + kGrace +
+         std::chrono::seconds(input.size / kBytesPerSecond);
+}
+
+/// Kills a worker and waits for nothing: what waits for a disk ends when that answers.
+void abandon(WorkerPool& pool, PoolWorker& worker) {
+  kill(worker.process.process, SIGKILL);
+  worker.process.jobs.close();
+  worker.process.results.close();
+  pool.abandoned.push_back(std::exchange(worker.process, {}));
+  worker.file.reset();
+}
+
+/// The result of a worker's job in a line from it; nothing if it is none.
+std::optional<Finished> finishedFrom(const WorkerPool& pool, const PoolWorker& worker,
+                                     const std::string& line, const std::vector<InputFile>& files) {
+  if (!worker.file) {
+    return std::nullopt;
+  }
+  const Job job = jobFor(pool, worker.folder, files[*worker.file], *worker.file);
+  std::optional<JobResult> result = resultFrom(line, {{job.id, job.outputName}});
+  if (!result) {
+    return std::nullopt;
+  }
+  return Finished{job.input, job.outFolder, job.transcript, job.outputName, std::move(*result)};
+}
+
+/// Takes the results in the lines from a worker; false if one of them is none.
+bool takeResults(const WorkerPool& pool, PoolWorker& worker, const std::vector<std::string>& lines,
+                 const std::vector<InputFile>& files, PoolEvents& events) {
+  return std::ranges::all_of(lines, [&](const std::string& line) {
+    std::optional<Finished> finished = finishedFrom(pool, worker, line, files);
+    if (!finished) {
+      return false;
+    }
+    events.finished.push_back(std::move(*finished));
+    worker.file.reset();
+    return true;
+  });
+}
+
 }  // namespace
 
 bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int most) {
@@ -66,6 +119,7 @@ bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int mos
   PoolWorker& worker = pool.workers[*index];
   worker.file = file;
   worker.folder = takeFolder(pool);
+  worker.deadline = deadlineFor(pool, input);
   // If the worker has ended, the end of its results tells.
   (void)writeAll(worker.process.jobs.get(),
                  lineFrom(jobFor(pool, worker.folder, input, file)) + '\n');
@@ -90,28 +144,35 @@ PoolEvents collectResults(WorkerPool& pool, const std::vector<std::size_t>& read
   for (const std::size_t index : ready) {
     PoolWorker& worker = pool.workers[index];
     bool isAlive = true;
-    for (const std::string& line : receiveLines(worker.process, isAlive)) {
-      OpenJobs open;
-      if (worker.file) {
-        open[static_cast<std::int64_t>(*worker.file)] =
-            workNameFor(files[*worker.file].path, pool.settings);
-      }
-      if (std::optional<JobResult> result = resultFrom(line, open)) {
-        const Job job = jobFor(pool, worker.folder, files[*worker.file], *worker.file);
-        events.finished.push_back(
-            {job.input, job.outFolder, job.transcript, job.outputName, std::move(*result)});
-        worker.file.reset();
-      }
+    const std::vector<std::string> lines = receiveLines(worker.process, isAlive);
+    const bool isUnderstood = takeResults(pool, worker, lines, files, events);
+    if (isAlive && isUnderstood) {
+      continue;
     }
-    if (!isAlive) {
-      const int signal = buryWorker(worker.process);
-      if (worker.file) {
-        events.lost.push_back({*worker.file, signal});
-        worker.file.reset();
-      }
+    const std::optional<std::size_t> file = worker.file;
+    int signal = SIGKILL;
+    if (isAlive) {
+      abandon(pool, worker);
+    } else {
+      signal = buryWorker(worker.process);
+      worker.file.reset();
+    }
+    if (file) {
+      events.lost.push_back({*file, signal});
     }
   }
   return events;
+}
+
+std::vector<LostFile> endSilent(WorkerPool& pool, std::chrono::steady_clock::time_point now) {
+  std::vector<LostFile> lost;
+  for (PoolWorker& worker : pool.workers) {
+    if (worker.file && worker.deadline && now > *worker.deadline) {
+      lost.push_back({.file = *worker.file, .signal = SIGKILL, .isSilent = true});
+      abandon(pool, worker);
+    }
+  }
+  return lost;
 }
 
 void release(WorkerPool& pool, const Finished& finished) {
@@ -119,7 +180,7 @@ void release(WorkerPool& pool, const Finished& finished) {
 }
 
 void stopPool(WorkerPool& pool) {
-  std::vector<WorkerProcess> processes;
+  std::vector<WorkerProcess> processes = std::exchange(pool.abandoned, {});
   for (PoolWorker& worker : pool.workers) {
     if (worker.process.process != 0) {
       processes.push_back(std::move(worker.process));

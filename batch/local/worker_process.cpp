@@ -103,10 +103,16 @@ void stopWorkers(std::vector<WorkerProcess>& workers) {
   }
   // Longer than a worker waits for a program that does not want to end.
   constexpr std::chrono::seconds kPatience(8);
+  // What waits for a disk that has stalled does not even end when it is killed.
+  constexpr std::chrono::seconds kAtMost(10);
   constexpr std::chrono::milliseconds kLook(5);
   const auto start = std::chrono::steady_clock::now();
   while (!std::all_of(workers.begin(), workers.end(), hasEnded)) {
-    if (std::chrono::steady_clock::now() - start > kPatience) {
+    const auto waited = std::chrono::steady_clock::now() - start;
+    if (waited > kAtMost) {
+      return;
+    }
+    if (waited > kPatience) {
       for (const WorkerProcess& worker : workers) {
         if (worker.process != 0) {
           kill(worker.process, SIGKILL);

@@ -28,7 +28,7 @@ std::optional<WorkerProcess> startWorker();
 std::vector<std::string> receiveLines(WorkerProcess& worker, bool& isAlive);
 
 /// Tells workers to end, with the conversions under way, and waits for it; kills those that take
-/// long.
+/// long, and goes on without those that not even that ends soon.
 void stopWorkers(std::vector<WorkerProcess>& workers);
 
 /// Waits for a worker that has ended. Gives the signal that ended it, 0 if none did.

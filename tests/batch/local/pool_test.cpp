@@ -1,14 +1,17 @@
 #include "batch/local/pool.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
@@ -130,6 +133,49 @@ TEST_F(PoolTest, NoticesAnIdleWorkerThatEnds) {
   }
   ASSERT_TRUE(give(1, 1));
   EXPECT_THAT(collect(0).finished, SizeIs(1));
+}
+
+TEST_F(PoolTest, EndsAWorkerThatDoesNotAnswer) {
+  takeScript("kill -STOP $PPID; touch '" + (dir / "begun") + "'; exec sleep 1000");
+  pool.settings.timeLimit = std::chrono::seconds(7);
+  ASSERT_TRUE(give(1, 1));
+  while (access((dir / "begun").c_str(), F_OK) != 0) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  const auto now = std::chrono::steady_clock::now();
+  EXPECT_THAT(endSilent(pool, now + pool.settings.timeLimit), IsEmpty());
+  const std::vector<LostFile> lost = endSilent(pool, now + std::chrono::seconds(7 + 61));
+  ASSERT_THAT(lost, SizeIs(1));
+  EXPECT_EQ(lost[0].file, 1U);
+  EXPECT_TRUE(lost[0].isSilent);
+  EXPECT_EQ(countBusy(pool), 0);
+  EXPECT_THAT(endSilent(pool, now + std::chrono::hours(1)), IsEmpty());
+
+  pool.settings.program.clear();
+  pool.settings.timeLimit = std::chrono::seconds(0);
+  ASSERT_TRUE(give(1, 1));
+  EXPECT_THAT(endSilent(pool, now + std::chrono::hours(1000)), IsEmpty());
+  EXPECT_THAT(collect(0).finished, SizeIs(1));
+}
+
+TEST_F(PoolTest, WaitsForNoWorkerThatSendsSomethingElse) {
+  for (const bool isBusy : {true, false}) {
+    takeScript("sleep 1000");
+    ASSERT_TRUE(give(2, 1));
+    if (!isBusy) {
+      pool.workers[0].file.reset();
+    }
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    pool.workers[0].process.results = Descriptor(ends[0]);
+    const Descriptor sender(ends[1]);
+    ASSERT_TRUE(writeAll(sender.get(), "welcome\n"));
+    const PoolEvents events = collectResults(pool, {0}, files);
+    EXPECT_THAT(events.finished, IsEmpty());
+    EXPECT_THAT(events.lost, SizeIs(isBusy ? 1 : 0));
+    EXPECT_EQ(countBusy(pool), 0);
+    EXPECT_EQ(pool.workers[0].process.process, 0);
+  }
 }
 
 TEST_F(PoolTest, EndsAllThatIsUnderWay) {
