@@ -24,6 +24,7 @@
 #include "batch/state/merge.h"
 #include "batch/state/names.h"
 #include "batch/state/output_folder.h"
+#include "batch/state/own_outputs.h"
 #include "batch/state/shard.h"
 #include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
@@ -350,6 +351,7 @@ int runDriver(const Options& given, const std::vector<std::string>& arguments) {
   const Places all = placesIn(absolutePath(options.output));
   const Places places = options.shard ? placesOfShard(all, *options.shard) : all;
   FoundFiles found = findFiles(options, places.output);
+  leaveOut(found, "outputs of earlier runs", findOwnOutputs(all, found.files));
   RunContext context{
       places, found.base,         settingsText(options.settings), programText(options.settings),
       0,      options.settings.to};

@@ -65,12 +65,16 @@ std::string belowBase(const FoundFiles& found, const std::string& path) {
   return path.substr(std::min(found.base.size(), path.size()));
 }
 
-void skip(Walk& walk, const std::string& what, const std::string& path) {
+void noteSkipped(FoundFiles& found, const std::string& what, const std::string& path) {
   constexpr std::size_t kExamples = 5;
-  Skipped& skipped = walk.found.skipped[what];
+  Skipped& skipped = found.skipped[what];
   if (++skipped.count <= static_cast<std::int64_t>(kExamples)) {
-    skipped.examples.push_back(belowBase(walk.found, path));
+    skipped.examples.push_back(belowBase(found, path));
   }
+}
+
+void skip(Walk& walk, const std::string& what, const std::string& path) {
+  noteSkipped(walk.found, what, path);
 }
 
 bool matchesAny(const Walk& walk, const std::vector<std::string>& globs, const std::string& path,
@@ -308,6 +312,13 @@ FoundFiles findFiles(const Options& options, const std::string& outputFolder) {
                   [](const InputFile& a, const InputFile& b) { return a.path == b.path; });
   found.files.erase(repeated, found.files.end());
   return found;
+}
+
+void leaveOut(FoundFiles& found, const std::string& what, const std::set<std::string>& paths) {
+  for (const std::string& path : paths) {
+    noteSkipped(found, what, path);
+  }
+  std::erase_if(found.files, [&](const InputFile& file) { return paths.contains(file.path); });
 }
 
 bool isNamedLikeStep(const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,11 @@ struct FoundFiles {
 /// Takes   the absolute path of the output folder, in which nothing is looked for; it need not be
 ///         there.
 FoundFiles findFiles(const Options& options, const std::string& outputFolder);
+
+/// Takes files out of what was found, and counts them as skipped.
+///
+/// Takes   what they are, and their paths.
+void leaveOut(FoundFiles& found, const std::string& what, const std::set<std::string>& paths);
 
 /// Whether a name ends in .stp, .step or .p21, in upper or lower case.
 bool isNamedLikeStep(const std::string& name);

@@ -66,6 +66,17 @@ TakesNoOutputForAnInput() {
   run 0 in -o in/out --to stp
   expect_line stdout 'Converted: 1 (0 triangles)'
   expect_count in/out 1
+
+  # An INPUT that is DIR, and one that lies in it.
+  step_file a/x.stp 1
+  step_file b/y.stp 2
+  run 0 a b -o b --to stp
+  run 0 a b -o b --to stp
+  expect_line stdout 'Converted: 2 (0 triangles)'
+  expect_line stdout 'Skipped: 2 outputs of earlier runs: b/a/x.stp.stp, b/b/y.stp.stp'
+  expect_count b 3
+  run 2 b/a -o b --to stp
+  expect_count b 3
 }
 
 TakesOnlyStepFilesFromFolders() {
