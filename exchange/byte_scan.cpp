@@ -1,6 +1,7 @@
 #include "exchange/byte_scan.h"
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
@@ -29,10 +30,39 @@ Bytes loadBytes(const char* p) {
   return bytes;
 }
 
+using Halves = std::array<std::uint64_t, 2>;
+
+Halves halvesOf(Bytes bytes) {
+  return std::bit_cast<Halves>(bytes);
+}
+
 bool holdsAny(Bytes flags) {
-  std::array<std::uint64_t, 2> halves = {};
-  std::memcpy(halves.data(), &flags, sizeof flags);
+  const Halves halves = halvesOf(flags);
   return (halves[0] | halves[1]) != 0;
+}
+
+/// The place of the first byte that is not 0, of which there is one.
+std::ptrdiff_t firstOf(Bytes flags) {
+  const Halves halves = halvesOf(flags);
+  const std::uint64_t half = halves[0] != 0 ? halves[0] : halves[1];
+  const int bits =
+      std::endian::native == std::endian::little ? std::countr_zero(half) : std::countl_zero(half);
+  return (halves[0] != 0 ? 0 : 8) + bits / 8;
+}
+
+/// 255 in as many bytes from the first one on, 0 in the others.
+Bytes firstBytes(std::ptrdiff_t count) {
+  constexpr Bytes kPlaces = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  return reinterpret_cast<Bytes>(kPlaces < static_cast<unsigned char>(count));
+}
+
+std::uint64_t sumOf(Bytes counts) {
+  constexpr std::uint64_t kEveryOther = 0x00FF'00FF'00FF'00FF;
+  const Halves halves = halvesOf(counts);
+  // Four sums of four bytes each, and the sum of these in the uppermost one.
+  const std::uint64_t sums = (halves[0] & kEveryOther) + (halves[0] >> 8U & kEveryOther) +
+                             (halves[1] & kEveryOther) + (halves[1] >> 8U & kEveryOther);
+  return (sums * 0x0001'0001'0001'0001) >> 48U;
 }
 
 Bytes equal(Bytes bytes, char wanted) {
@@ -47,9 +77,10 @@ const char* findSpecial(const char* p, const char* end) {
     const Bytes bytes = loadBytes(p);
     const Bytes blank = reinterpret_cast<Bytes>(bytes <= static_cast<unsigned char>(' '));
     const Bytes zero = equal(bytes, '#') & equal(loadBytes(p + 1), '0');
-    if (holdsAny(blank | equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') |
-                 equal(bytes, ';') | zero)) {
-      break;
+    const Bytes special = blank | equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') |
+                          equal(bytes, ';') | zero;
+    if (holdsAny(special)) {
+      return p + firstOf(special);
     }
     p += kSize;
   }
@@ -64,22 +95,22 @@ const char* findMark(const char* p, const char* end, Parentheses& counts) {
     // Counts in bytes as long as none overflows.
     Bytes opened = {};
     Bytes closed = {};
-    int rounds = 255;
-    for (; rounds > 0 && end - p >= kSize; --rounds, p += kSize) {
+    bool isFound = false;
+    for (int rounds = 255; rounds > 0 && !isFound && end - p >= kSize; --rounds) {
       const Bytes bytes = loadBytes(p);
-      if (holdsAny(equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') |
-                   equal(bytes, ';'))) {
-        break;
-      }
-      opened -= equal(bytes, '(');
-      closed -= equal(bytes, ')');
+      const Bytes marks =
+          equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') | equal(bytes, ';');
+      isFound = holdsAny(marks);
+      const std::ptrdiff_t size = isFound ? firstOf(marks) : kSize;
+      const Bytes counted = isFound ? firstBytes(size) : ~Bytes{};
+      opened -= equal(bytes, '(') & counted;
+      closed -= equal(bytes, ')') & counted;
+      p += size;
     }
-    for (std::size_t i = 0; i < sizeof opened; ++i) {
-      counts.opened += opened[i];
-      counts.closed += closed[i];
-    }
-    if (rounds > 0) {
-      break;
+    counts.opened += sumOf(opened);
+    counts.closed += sumOf(closed);
+    if (isFound) {
+      return p;
     }
   }
   for (; p != end && !isMark(*p); ++p) {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
-#include <map>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace plenvorith {
@@ -89,8 +89,12 @@ class EntityTypes {
   }
 
  private:
-  std::deque<EntityType> types_;
-  std::map<std::string, std::uint16_t, std::less<>> ids_;
+  struct Hash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+
+  std::vector<EntityType> types_;
+  std::unordered_map<std::string, std::uint16_t, Hash, std::equal_to<>> ids_;
 };
 
 }  // namespace plenvorith

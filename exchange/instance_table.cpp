@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "common/ascii.h"
+
 namespace plenvorith {
 namespace {
 
@@ -31,6 +33,17 @@ std::uint64_t countPoints(StatementReader& reader, bool isComplex, bool& isBalan
   return opened == 0 ? 0 : opened - 1;  // less the list itself
 }
 
+/// The keyword, right behind it a parenthesis, that a body begins with; empty if something else
+/// stands there.
+std::string_view keywordOf(std::string_view body) {
+  const auto end = std::find_if_not(body.begin(), body.end(), [](char c) {
+    return (c >= 'A' && c <= 'Z') || c == '_' || isDigit(c);
+  });
+  return end != body.end() && *end == '('
+             ? body.substr(0, static_cast<std::size_t>(end - body.begin()))
+             : std::string_view();
+}
+
 }  // namespace
 
 bool InstanceTable::read(StatementReader& reader) {
@@ -47,6 +60,7 @@ bool InstanceTable::read(StatementReader& reader) {
     return false;
   }
   sortNumbers();
+  gatherStructure();
   return true;
 }
 
@@ -75,17 +89,23 @@ bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
 bool InstanceTable::readBody(InstanceIndex index, StatementReader& reader,
                              ReferenceScanner& scanner, std::uint16_t& type) {
   constexpr std::size_t kUsual = 256;
-  const std::string_view start = reader.peek(kUsual);
   // The surfaces and curves of complex instances begin with these; there are many.
-  const bool isSurface = start.starts_with("(BOUNDED_SURFACE(");
-  if (isSurface || start.starts_with("(BOUNDED_CURVE(")) {
+  constexpr std::string_view kSurface = "(BOUNDED_SURFACE(";
+  constexpr std::string_view kCurve = "(BOUNDED_CURVE(";
+  // Nearly all instances can be told from how they stand in the file, and need not be read further.
+  std::string_view start = reader.ahead();
+  if (keywordOf(start).empty() && !start.starts_with(kSurface) && !start.starts_with(kCurve)) {
+    start = reader.peek(kUsual);
+  }
+  const bool isSurface = start.starts_with(kSurface);
+  if (isSurface || start.starts_with(kCurve)) {
     type = types_.idOf(isSurface ? "BOUNDED_SURFACE" : "BOUNDED_CURVE", true);
     const Parentheses all = reader.skipBody();
     return all.opened == all.closed;
   }
-  const std::size_t end = start.find_first_of("(),#'\"");
-  if (end != 0 && end != std::string_view::npos) {
-    type = types_.idOf(start.substr(0, end), false);
+  const std::string_view keyword = keywordOf(start);
+  if (!keyword.empty()) {
+    type = types_.idOf(keyword, false);
     if (type == EntityTypes::kMaxCount) {
       return true;
     }
@@ -122,6 +142,23 @@ bool InstanceTable::store(InstanceIndex index, StatementReader& reader, Referenc
                        static_cast<std::uint32_t>(place >> 32U)});
   }
   return isBalanced;
+}
+
+/// Gathers the instances whose kind says something of how the file is built, in the order of numbers.
+void InstanceTable::gatherStructure() {
+  const auto add = [this](InstanceIndex index) {
+    const EntityType& type = this->type(index);
+    if (!isVoid(index) && !type.namesGeometryOnly && !type.isOnly(Kind::Unknown)) {
+      structural_.push_back(index);
+    }
+  };
+  if (!byNumber_.empty()) {
+    std::for_each(byNumber_.begin(), byNumber_.end(), add);
+    return;
+  }
+  for (InstanceIndex index = 0; index < size(); ++index) {
+    add(index);
+  }
 }
 
 /// Finds the instances that count for nothing beside others of their number, and makes numbers
@@ -179,6 +216,9 @@ std::uint64_t InstanceTable::pointCount(InstanceIndex coordinates) const {
 }
 
 std::size_t InstanceTable::referencesOf(InstanceIndex index) const {
+  if (type(index).namesGeometryOnly) {
+    return kNone;
+  }
   const auto found = std::lower_bound(
       stored_.begin(), stored_.end(), index,
       [](const Stored& stored, InstanceIndex other) { return stored.instance < other; });

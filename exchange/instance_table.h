@@ -91,6 +91,19 @@ class InstanceTable {
   [[nodiscard]] const NamedNumbers& namedInStrings() const {
     return namedInStrings_;
   }
+  /// The instances of these kinds, which are neither `Unknown` nor such as name geometry only, in the
+  /// order of their numbers.
+  template <typename... Kinds>
+  [[nodiscard]] std::vector<InstanceIndex> instancesOf(Kinds... kinds) const {
+    std::vector<InstanceIndex> found;
+    for (const InstanceIndex index : structural_) {
+      if (type(index).is(kinds...)) {
+        found.push_back(index);
+      }
+    }
+    return found;
+  }
+
   /// How many points a coordinates list holds.
   [[nodiscard]] std::uint64_t pointCount(InstanceIndex coordinates) const;
 
@@ -148,6 +161,7 @@ class InstanceTable {
                 std::uint16_t& type);
   bool store(InstanceIndex index, StatementReader& reader, ReferenceScanner& scanner);
   void sortNumbers();
+  void gatherStructure();
   std::size_t referencesOf(InstanceIndex index) const;
 
   EntityTypes types_;
@@ -155,7 +169,8 @@ class InstanceTable {
   std::deque<Stored> stored_;  // those with references, in the order of the file
   ReferenceStore store_;
   std::deque<std::pair<InstanceIndex, std::uint64_t>> pointCounts_;  // in the order of the file
-  std::vector<InstanceIndex> byNumber_;  // empty if the numbers ascend in the file
+  std::vector<InstanceIndex> byNumber_;    // empty if the numbers ascend in the file
+  std::vector<InstanceIndex> structural_;  // in the order of their numbers
   std::size_t voidCount_ = 0;
   bool hasUnbalanced_ = false;
   NamedNumbers namedInStrings_;

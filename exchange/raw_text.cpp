@@ -42,7 +42,7 @@ bool RawText::ensure(std::size_t size) {
   return true;
 }
 
-int RawText::peek() {
+int RawText::peekBehindBlanks() {
   while (ensure(1)) {
     const char c = block_[begin_];
     if (isIgnored(c)) {

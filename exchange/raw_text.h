@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "common/block_reader.h"
+#include "exchange/byte_scan.h"
 
 namespace plenvorith {
 
@@ -44,7 +45,10 @@ class RawText {
 
   /// Goes over blanks and comments. Gives the byte behind them, which stays, or -1 at the end of the
   /// file.
-  [[nodiscard]] int peek();
+  [[nodiscard]] int peek() {
+    const char c = begin_ == block_.size() ? ' ' : block_[begin_];
+    return isIgnored(c) || c == '/' ? peekBehindBlanks() : static_cast<unsigned char>(c);
+  }
 
   /// Where in the file stands what comes next.
   [[nodiscard]] std::uint64_t offset() const {
@@ -63,6 +67,7 @@ class RawText {
   }
 
  private:
+  int peekBehindBlanks();
   void skipComment();
 
   BlockReader file_;

@@ -112,12 +112,13 @@ void ReferenceScanner::open(TokenReader& tokens) {
   if (group == Group::Record) {
     ++records_;
     attribute_ = 0;
-    if (!isComplex_ && kindOf(keyword_) == Kind::TriangulatedFace) {
+    isFace_ = kindOf(keyword_) == Kind::TriangulatedFace;
+    if (!isComplex_ && isFace_) {
       lastAttribute_ = keyword_.ends_with("FACE") ? 4 : 1;  // geometric_link, coordinates
     }
   } else if (group == Group::List) {
     noteOther();
-    if (levels_.back().group == Group::Record && kindOf(keyword_) == Kind::TriangulatedFace) {
+    if (levels_.back().group == Group::Record && isFace_) {
       while (tokens.skipParameters(1)) {
       }
       isBalanced_ = tokens.take(')') && isBalanced_;

@@ -70,6 +70,7 @@ class ReferenceScanner {
   ReferenceStore* store_ = nullptr;
   std::string keywords_;
   std::string keyword_;  // of the record
+  bool isFace_ = false;  // it is of a triangulated face
   bool isComplex_ = false;
   bool isBalanced_ = true;
   std::vector<Level> levels_;

@@ -241,6 +241,9 @@ void StatementBody::normalise(std::size_t size) {
     const std::size_t room = std::min(window_.size() - end_ - 1, size);
     const char* const end = p + std::min(textEnd - p, static_cast<std::ptrdiff_t>(room));
     p = copyRun(p, end);
+    if (p != end && *p == '\'' && state_ == State::Text) {
+      p = copyString(p, end);
+    }
     if (p != end && normaliseSpecial(*p)) {
       ++p;
     }
@@ -278,6 +281,23 @@ const char* StatementBody::copyRun(const char* p, const char* end) {
     visible_ = end_;
   }
   return run;
+}
+
+/// Writes a string that is next, and whole, and stays as it is: as nearly all do. Gives the place
+/// behind it, or that of any other one.
+const char* StatementBody::copyString(const char* p, const char* end) {
+  const char* const close =
+      std::find_if(p + 1, end, [](char c) { return c == '\'' || c == '\n' || c == '\r'; });
+  const auto size = static_cast<std::size_t>(close - p) + 1;
+  if (end - close < 2 || *close != '\'' || close[1] == '\'' || size > kLongestString) {
+    return p;
+  }
+  named_.addPart(p + 1, close);
+  named_.endPart();
+  std::memcpy(window_.data() + end_, p, size);
+  end_ += size;
+  visible_ = end_;
+  return close + 1;
 }
 
 /// Writes one byte by the state that the text is in; false if it has to be looked at again, in

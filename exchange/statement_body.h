@@ -116,6 +116,7 @@ class StatementBody {
   void makeRoom(std::size_t size);
   void normalise(std::size_t size);
   const char* copyRun(const char* p, const char* end);
+  const char* copyString(const char* p, const char* end);
   bool normaliseSpecial(char c);
   void normaliseInText(char c);
   bool skipZero(char c);

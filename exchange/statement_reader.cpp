@@ -49,13 +49,19 @@ bool StatementReader::findStart() {
 bool StatementReader::readName() {
   raw_.skip(1);
   bool hasDigits = false;
-  number_ = 0;
+  std::uint64_t number = 0;
   int c = raw_.peek();
   for (; c >= 0 && isDigit(static_cast<char>(c)); c = raw_.peek()) {
-    number_ = std::min(number_ * 10 + static_cast<std::uint64_t>(c - '0'), kLargestNumber + 1);
+    const std::string_view text = raw_.atHand();
+    std::size_t size = 0;
+    for (; size < text.size() && isDigit(text[size]); ++size) {
+      const auto digit = static_cast<std::uint64_t>(text[size] - '0');
+      number = std::min(number * 10 + digit, kLargestNumber + 1);
+    }
+    raw_.skip(size);
     hasDigits = true;
-    raw_.skip(1);
   }
+  number_ = number;
   if (!hasDigits || c != '=') {
     return false;
   }

@@ -72,6 +72,12 @@ class StatementReader {
     return word_;
   }
 
+  /// How the body begins as it stands in the file, with what comes behind it; as long as nothing of
+  /// it was looked at otherwise.
+  [[nodiscard]] std::string_view ahead() const {
+    return raw_.atHand();
+  }
+
   /// What is next of the body, up to its semicolon: `size` bytes or more, fewer only if the body
   /// ends with them. Ends in no string. Valid until the reader is used again.
   [[nodiscard]] std::string_view peek(std::size_t size = 1) {

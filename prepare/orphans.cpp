@@ -14,7 +14,7 @@ namespace {
 bool hasProductExact(const InstanceTable& table, const ProductStructure& structure) {
   Groups groups(structure.representations.size());
   for (const InstanceIndex index :
-       instancesOf(table, Kind::Transformation, Kind::OtherRelationship)) {
+       table.instancesOf(Kind::Transformation, Kind::OtherRelationship)) {
     RepresentationIndex previous = kNoRepresentation;
     table.forEachReference(index, [&](const Reference& reference) {
       const RepresentationIndex side = structure.find(table.find(reference.number));

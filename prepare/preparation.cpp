@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -70,12 +71,16 @@ std::string unitsText(const std::set<double>& units) {
   return text.empty() ? "1" : text;
 }
 
-std::uint64_t countFates(const InstanceTable& table, const std::vector<Fate>& fates, Fate fate) {
-  std::uint64_t count = 0;
+/// How many instances that count have each fate.
+std::map<Fate, std::uint64_t> countFates(const InstanceTable& table,
+                                         const std::vector<Fate>& fates) {
+  std::map<Fate, std::uint64_t> counts;
   for (InstanceIndex index = 0; index < table.size(); ++index) {
-    count += !table.isVoid(index) && fates[index] == fate ? 1U : 0U;
+    if (!table.isVoid(index)) {
+      ++counts[fates[index]];
+    }
   }
-  return count;
+  return counts;
 }
 
 std::uint64_t writtenFaces(const TessellationPlan& plan) {
@@ -107,10 +112,9 @@ void printReport(const InstanceTable& table, const PartTessellation& part,
     std::cout << "  Exact representations tied to a product: "
               << decisions.orphans.representations.size() << std::endl;
   }
-  const std::uint64_t changed = countFates(table, decisions.fates, Fate::Changed) +
-                                countFates(table, decisions.fates, Fate::Retyped);
-  std::cout << "  Dropped entities: " << countFates(table, decisions.fates, Fate::Dropped)
-            << ", changed: " << changed << std::endl;
+  std::map<Fate, std::uint64_t> counts = countFates(table, decisions.fates);
+  std::cout << "  Dropped entities: " << counts[Fate::Dropped]
+            << ", changed: " << counts[Fate::Changed] + counts[Fate::Retyped] << std::endl;
   for (const std::string& warning : warnings) {
     std::cout << "  Warning: " << warning << std::endl;
   }

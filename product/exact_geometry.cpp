@@ -16,7 +16,7 @@ constexpr Attribute kElements = {"GEOMETRIC_SET", 0, 1};
 std::vector<bool> findSurfaceSets(const InstanceTable& table) {
   std::vector<Node> holding;
   std::vector<std::pair<Node, Node>> inside;
-  for (const InstanceIndex set : instancesOf(table, Kind::SurfaceSet)) {
+  for (const InstanceIndex set : table.instancesOf(Kind::SurfaceSet)) {
     table.forEachItem(set, kElements, [&](InstanceIndex element) {
       if (table.is(element, Kind::SurfaceSet)) {
         inside.emplace_back(element, set);
@@ -78,7 +78,7 @@ void markExact(const InstanceTable& table, ProductStructure& structure) {
 
 void markReached(const InstanceTable& table, ProductStructure& structure) {
   std::vector<RepresentationIndex> near;
-  for (const InstanceIndex index : instancesOf(table, Kind::Relationship)) {
+  for (const InstanceIndex index : table.instancesOf(Kind::Relationship)) {
     const EntityType& type = table.type(index);
     const RepresentationIndex rep1 = structure.find(table.attribute(index, attributes::kRep1));
     const RepresentationIndex rep2 = structure.find(table.attribute(index, attributes::kRep2));

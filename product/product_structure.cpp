@@ -12,7 +12,7 @@ namespace {
 
 void readRepresentations(const InstanceTable& table, ProductStructure& structure) {
   for (const InstanceIndex index :
-       instancesOf(table, Kind::Representation, Kind::TessellatedShape)) {
+       table.instancesOf(Kind::Representation, Kind::TessellatedShape)) {
     const auto place = static_cast<RepresentationIndex>(structure.representations.size());
     Representation representation;
     representation.instance = index;
@@ -34,7 +34,7 @@ std::pair<RepresentationIndex, RepresentationIndex> sidesOf(const InstanceTable&
 /// Puts together what relationships make equal in place: those all of whose records are plain ones.
 void readGroups(const InstanceTable& table, ProductStructure& structure) {
   Groups groups(structure.representations.size());
-  for (const InstanceIndex index : instancesOf(table, Kind::Relationship)) {
+  for (const InstanceIndex index : table.instancesOf(Kind::Relationship)) {
     const auto [rep1, rep2] = sidesOf(table, structure, index);
     if (table.type(index).isOnly(Kind::Relationship) && rep1 != kNoRepresentation &&
         rep2 != kNoRepresentation) {
@@ -66,7 +66,7 @@ ProductIndex addProduct(ProductStructure& structure, Definitions& definitions,
 
 Definitions readDefinitions(const InstanceTable& table, ProductStructure& structure) {
   Definitions definitions;
-  for (const InstanceIndex shape : instancesOf(table, Kind::ProductShape)) {
+  for (const InstanceIndex shape : table.instancesOf(Kind::ProductShape)) {
     const InstanceIndex definition = table.attribute(shape, attributes::kDefinition);
     if (definition == kNoInstance) {
       continue;
@@ -87,7 +87,7 @@ void readShapes(const InstanceTable& table, ProductStructure& structure,
                 const Definitions& definitions) {
   std::map<RepresentationIndex, std::set<ProductIndex>> products;
   for (const InstanceIndex index :
-       instancesOf(table, Kind::ShapeDefinition, Kind::PropertyDefinition)) {
+       table.instancesOf(Kind::ShapeDefinition, Kind::PropertyDefinition)) {
     const RepresentationIndex used =
         structure.find(table.attribute(index, attributes::kUsedRepresentation));
     if (used == kNoRepresentation) {
@@ -133,7 +133,7 @@ std::map<InstanceIndex, InstanceIndex> readUsageRelationships(const InstanceTabl
                                                               const Definitions& definitions,
                                                               std::set<InstanceIndex>& placing) {
   std::map<InstanceIndex, InstanceIndex> relationships;
-  for (const InstanceIndex index : instancesOf(table, Kind::ContextDependent)) {
+  for (const InstanceIndex index : table.instancesOf(Kind::ContextDependent)) {
     const InstanceIndex relationship = table.attribute(index, attributes::kRepresentationRelation);
     if (relationship == kNoInstance) {
       continue;
@@ -157,7 +157,7 @@ std::map<InstanceIndex, InstanceIndex> readUsageRelationships(const InstanceTabl
 /// Reads usages, with the relationship that places each.
 void readUsages(const InstanceTable& table, ProductStructure& structure, Definitions& definitions,
                 const std::map<InstanceIndex, InstanceIndex>& relationships) {
-  for (const InstanceIndex index : instancesOf(table, Kind::Usage)) {
+  for (const InstanceIndex index : table.instancesOf(Kind::Usage)) {
     const InstanceIndex whole = table.attribute(index, attributes::kRelatingProduct);
     const InstanceIndex part = table.attribute(index, attributes::kRelatedProduct);
     if (whole == kNoInstance || part == kNoInstance) {
@@ -179,7 +179,7 @@ void readUsages(const InstanceTable& table, ProductStructure& structure, Definit
 
 void readTransformations(const InstanceTable& table, ProductStructure& structure,
                          const std::set<InstanceIndex>& ofUsages) {
-  for (const InstanceIndex index : instancesOf(table, Kind::Transformation)) {
+  for (const InstanceIndex index : table.instancesOf(Kind::Transformation)) {
     const auto [rep1, rep2] = sidesOf(table, structure, index);
     if (ofUsages.contains(index) || rep1 == kNoRepresentation || rep2 == kNoRepresentation) {
       continue;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <utility>
@@ -72,21 +71,6 @@ struct ProductStructure {
 
   std::vector<std::pair<InstanceIndex, RepresentationIndex>> byInstance;  ///< in order
 };
-
-/// The instances of these kinds, in the order of their numbers.
-template <typename... Kinds>
-[[nodiscard]] std::vector<InstanceIndex> instancesOf(const InstanceTable& table, Kinds... kinds) {
-  std::vector<InstanceIndex> found;
-  for (InstanceIndex index = 0; index < table.size(); ++index) {
-    if (table.is(index, kinds...)) {
-      found.push_back(index);
-    }
-  }
-  std::sort(found.begin(), found.end(), [&table](InstanceIndex a, InstanceIndex b) {
-    return table.number(a) < table.number(b);
-  });
-  return found;
-}
 
 [[nodiscard]] ProductStructure readProductStructure(const InstanceTable& table);
 
