@@ -23,6 +23,9 @@ void noteSettled(Conversions& conversions, const Settled& settled, const Finishe
   } else if (settled.record.status != FileStatus::Converted) {
     ++conversions.progress.failed;
     showMessage(conversions.display, "failed: " + failureLine(settled.record));
+    if (settled.removed > 0) {
+      showMessage(conversions.display, "removed: " + removedLine(settled));
+    }
   }
 }
 

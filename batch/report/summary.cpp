@@ -133,6 +133,7 @@ void addToSummary(Summary& summary, const Settled& settled) {
     keep(summary.kept, record, settled.obstacle + "; what was converted before stays", "");
   } else if (record.status != FileStatus::Converted) {
     keep(summary.failures, record, record.reason, record.lastLine);
+    summary.removed += settled.removed;
   } else {
     ++summary.converted;
     summary.triangles += record.triangles;
@@ -144,6 +145,11 @@ void addToSummary(Summary& summary, const Settled& settled) {
 
 std::string failureLine(const FileRecord& record) {
   return exampleText(record.name, record.reason, record.lastLine);
+}
+
+std::string removedLine(const Settled& settled) {
+  return std::to_string(settled.removed) + " earlier output" + (settled.removed == 1 ? "" : "s") +
+         " of " + printable(settled.record.name);
 }
 
 std::string keptLine(const Settled& settled) {
@@ -171,6 +177,7 @@ bool printSummary(const Summary& summary, const FoundFiles& found, double second
   }
   std::cout << "Failed: " << failed << std::endl;
   printTold(summary.failures);
+  printCount("Removed outputs of files that fail now: ", summary.removed);
   printCount("Without a result: ", lost);
   printProblems(found, summary.kept);
   printSkipped(found);

@@ -39,8 +39,9 @@ struct Summary {
   /// was different then: the settings or the program.
   std::map<std::string, std::int64_t> otherwiseBefore;
   ToldFiles failures;
-  ToldFiles doubtful;  ///< converted, but
-  ToldFiles kept;      ///< could not be tried, and what was there before stays
+  ToldFiles doubtful;        ///< converted, but
+  ToldFiles kept;            ///< could not be tried, and what was there before stays
+  std::int64_t removed = 0;  ///< outputs that went because their conversions now fail
 };
 
 /// How many files something was said of.
@@ -54,6 +55,9 @@ std::string failureLine(const FileRecord& record);
 
 /// The same of a file that could not be tried.
 std::string keptLine(const Settled& settled);
+
+/// How many outputs went because the conversion of a file now fails.
+std::string removedLine(const Settled& settled);
 
 /// What is left out, in one line: "3 files that end in .zip: a.zip, b.zip, c.zip".
 std::string skippedText(const std::string& what, const Skipped& skipped);

@@ -101,6 +101,8 @@ struct Settling {
   std::string transcript;
   bool isKept = false;  ///< the state has the record already, and nothing is to be done
   std::string obstacle = {};
+  bool wasConverted = false;
+  std::int64_t removed = 0;
 };
 
 /// What a conversion said; of more than a million bytes the two ends.
@@ -125,6 +127,7 @@ Settling settlingOf(StateHandle& state, const RunContext& context, const Finishe
     settling.isKept = true;
     return settling;
   }
+  settling.wasConverted = before && before->status == FileStatus::Converted;
   settling.transcript = readTranscript(finished.transcript);
   settling.outputs = placedOutputs(context, finished);
   settling.record.outputs =
@@ -180,24 +183,29 @@ std::string moveOutputs(const Places& places, const Finished& finished, const Se
   return {};
 }
 
-/// Removes files that may be there, other than those that stay, this input's or another's. Gives
-/// those that cannot be removed now.
-std::vector<OutputRecord> removeOutputs(const Places& places,
-                                        const std::vector<OutputRecord>& outputs,
-                                        const std::set<std::string>& staying) {
-  std::vector<OutputRecord> stuck;
+/// What became of files that were to go.
+struct Removal {
+  std::int64_t removed = 0;         ///< so many were there
+  std::vector<OutputRecord> stuck;  ///< those that cannot be removed now
+};
+
+/// Removes files that may be there, other than those that stay, this input's or another's.
+Removal removeOutputs(const Places& places, const std::vector<OutputRecord>& outputs,
+                      const std::set<std::string>& staying) {
+  Removal removal;
   for (const OutputRecord& output : outputs) {
     const std::string path = inOutputFolder(places, output.path);
     if (staying.contains(output.path)) {
       continue;
     }
     if (unlink(path.c_str()) == 0) {
+      ++removal.removed;
       removeEmptyFolders(places.output, path);
     } else if (errno != ENOENT && errno != ENOTDIR && errno != EISDIR && errno != ENAMETOOLONG) {
-      stuck.push_back(output);
+      removal.stuck.push_back(output);
     }
   }
-  return stuck;
+  return removal;
 }
 
 /// Moves what a conversion made to its places, or finds that it has failed after all.
@@ -230,8 +238,10 @@ void carryOut(const Places& places, const std::vector<Finished>& finished,
   }
   for (Settling& settling : all) {
     if (!settling.isKept) {
-      std::vector<OutputRecord> stuck = removeOutputs(places, settling.record.outputs, staying);
-      settling.record.outputs = joined(settling.outputs, stuck);
+      const Removal removal = removeOutputs(places, settling.record.outputs, staying);
+      settling.record.outputs = joined(settling.outputs, removal.stuck);
+      const bool isLost = settling.wasConverted && settling.record.status == FileStatus::Failed;
+      settling.removed = isLost ? removal.removed : 0;
     }
   }
 }
@@ -261,7 +271,8 @@ std::vector<Settled> settle(StateHandle& state, const RunContext& context,
   settled.reserve(all.size());
   for (std::size_t i = 0; i < all.size(); ++i) {
     (void)unlink(finished[i].transcript.c_str());  // there is none of a file that was not tried
-    settled.push_back({std::move(all[i].record), all[i].isKept, std::move(all[i].obstacle)});
+    settled.push_back(
+        {std::move(all[i].record), all[i].isKept, std::move(all[i].obstacle), all[i].removed});
   }
   return settled;
 }
@@ -312,7 +323,7 @@ std::int64_t prune(StateHandle& state, const Places& places) {
   }
   std::int64_t count = 0;
   for (FileRecord& record : gone) {
-    record.outputs = removeOutputs(places, record.outputs, {});
+    record.outputs = removeOutputs(places, record.outputs, {}).stuck;
     const bool isGone = record.outputs.empty();
     // What cannot be removed now stays on record until it is gone.
     if (!(isGone ? removeFile(state, record.path) : putFile(state, record))) {

@@ -36,6 +36,8 @@ struct Settled {
   FileRecord record;     ///< as it is now
   bool isKept = false;   ///< it could not be tried, and what was there before stays
   std::string obstacle;  ///< why it could not
+  /// The number of outputs of an earlier conversion that went because this one failed.
+  std::int64_t removed = 0;
 };
 
 /// Brings the outputs of conversions to their places and notes it all in the state.

@@ -458,6 +458,23 @@ RemovesWhatAnEarlierVersionMadeWhenAFileFails() {
   run 1 in -o out --resume
   expect_count out 1
   [[ ! -e out/sub ]] || fail 'an empty folder is left'
+  expect_line stderr 'removed: 1 earlier output of sub/a.stp'
+  expect_line stdout 'Removed outputs of files that fail now: 1'
+  run 1 in -o out --resume
+  ! grep -q '^Removed' stdout || fail 'told of twice'
+}
+
+KeepsOnRecordWhatCannotBeRemoved() {
+  step_file in/sub/a.stp 1
+  run_without_rights 0 in -o out --base in
+  echo 'no STEP file any more' >in/sub/a.stp
+  chmod a-w out/sub
+  run 1 in -o out --base in --resume
+  expect_stl out/sub/a.stp.stl 1
+  ! grep -q '^Removed' stdout || fail 'told of what is still there'
+  chmod u+w out/sub
+  run 1 in -o out --base in --resume
+  [[ ! -e out/sub ]] || fail 'what could not be removed is forgotten'
 }
 
 ResumeConvertsAgainWhatMayDiffer() {

@@ -1,5 +1,6 @@
 #include "batch/worker/reason.h"
 
+#include <cerrno>
 #include <csignal>
 #include <limits>
 #include <string>
@@ -50,6 +51,13 @@ TEST(ReasonFor, HintsAtPreparingOnlyWhereThatIsNotDone) {
   EXPECT_EQ(reasonFor(evidence), "exact geometry behind annotation: try without --as-is");
   evidence.settings.prepare = true;
   EXPECT_EQ(reasonFor(evidence), "exact geometry behind annotation");
+}
+
+TEST(ReasonFor, SaysThatNoProcessCouldBeStarted) {
+  Evidence evidence = endedWith(0, "");
+  evidence.end.exitStatus.reset();
+  evidence.end.forkError = EAGAIN;
+  EXPECT_EQ(reasonFor(evidence), "no process can be started: Resource temporarily unavailable");
 }
 
 TEST(ReasonFor, NamesLimitsBeforeAllElse) {
