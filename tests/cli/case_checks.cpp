@@ -14,7 +14,7 @@ namespace plenvorith::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Words = std::span<const std::string>;
+using CheckWords = std::span<const std::string>;
 
 [[noreturn]] void rejectWords() {
   throw std::runtime_error("no check is written like that");
@@ -73,10 +73,10 @@ double measure(const Sandbox& dir, const std::string& name, const std::string& q
 }
 
 /// FILE QUANTITY [above|below] NUMBER, or FILE QUANTITY above|below [NUMBER times] FILE.
-std::string checkQuantity(const Sandbox& dir, Words words) {
+std::string checkQuantity(const Sandbox& dir, CheckWords words) {
   const std::string& quantity = words[1];
   const double actual = measure(dir, words[0], quantity);
-  Words rest = words.subspan(2);
+  CheckWords rest = words.subspan(2);
   const bool isAbove = rest[0] == "above";
   const bool isBelow = rest[0] == "below";
   if (isAbove || isBelow) {
