@@ -95,22 +95,27 @@ const char* findMark(const char* p, const char* end, Parentheses& counts) {
     // Counts in bytes as long as none overflows.
     Bytes opened = {};
     Bytes closed = {};
-    bool isFound = false;
-    for (int rounds = 255; rounds > 0 && !isFound && end - p >= kSize; --rounds) {
+    const char* found = nullptr;
+    for (int rounds = 255; rounds > 0 && end - p >= kSize; --rounds, p += kSize) {
       const Bytes bytes = loadBytes(p);
+      const Bytes open = equal(bytes, '(');
+      const Bytes close = equal(bytes, ')');
       const Bytes marks =
           equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') | equal(bytes, ';');
-      isFound = holdsAny(marks);
-      const std::ptrdiff_t size = isFound ? firstOf(marks) : kSize;
-      const Bytes counted = isFound ? firstBytes(size) : ~Bytes{};
-      opened -= equal(bytes, '(') & counted;
-      closed -= equal(bytes, ')') & counted;
-      p += size;
+      if (holdsAny(marks)) {
+        const std::ptrdiff_t place = firstOf(marks);
+        opened -= open & firstBytes(place);
+        closed -= close & firstBytes(place);
+        found = p + place;
+        break;
+      }
+      opened -= open;
+      closed -= close;
     }
     counts.opened += sumOf(opened);
     counts.closed += sumOf(closed);
-    if (isFound) {
-      return p;
+    if (found != nullptr) {
+      return found;
     }
   }
   for (; p != end && !isMark(*p); ++p) {

@@ -90,6 +90,7 @@ class EntityTypes {
 
  private:
   struct Hash : std::hash<std::string_view> {
+    // NOLINTNEXTLINE(readability-identifier-naming): the name that the library looks for
     using is_transparent = void;
   };
 
