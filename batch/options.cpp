@@ -30,6 +30,8 @@ holds all INPUTs, then the file's full name, then the new extension.
       --to stl|stp       kind of output (stl)
       --deflection D     linear deflection of the mesh (0.1)
       --split            one file for each shape
+      --parts            with --split: list number, path, name, kind, triangles and
+                         placement of each shape in OUTPUT.parts.json
       --as-is            do not rewrite each file for the converter first, as
                          plenvorith-prepare does
       --resume           leave out what is converted already
@@ -135,6 +137,7 @@ void addOptions(CLI::App& app, Options& options, RawValues& raw) {
   app.add_option("--to", options.settings.to);
   app.add_option("--deflection", options.settings.deflection);
   app.add_flag("--split", options.settings.split);
+  app.add_flag("--parts", options.settings.parts);
   app.add_flag("--prepare", raw.prepare);  // what is done anyway, as earlier versions were told
   app.add_flag("--as-is", raw.asIs);
   app.add_flag("--resume", options.resume);
@@ -232,6 +235,9 @@ std::vector<std::string> check(Options& options, const RawValues& raw) {
   }
   if (!isDeflection(settings.deflection)) {
     problems.push_back("--deflection is a number above 0, not " + settings.deflection);
+  }
+  if (settings.parts && !(settings.split && settings.to == "stl" && settings.program.empty())) {
+    problems.emplace_back("--parts goes with --split to stl, without --program");
   }
   const std::string& path = options.exportPath;
   if (!path.empty() && !path.ends_with(".csv") && !path.ends_with(".json")) {

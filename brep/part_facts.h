@@ -10,6 +10,15 @@
 
 namespace plenvorith {
 
+/// What a part is and what a file calls it: bytes as the kernel hands them out, UTF-8 where the file
+/// is right.
+struct PartName {
+  const char* kind = "solid";     ///< or "shell", "face", "other"
+  std::vector<std::string> path;  ///< names of the products that it is used in, from the root down
+  std::string name;               ///< that of the solid, shell or face
+  std::array<double, 12> placement{};  ///< three rows of a 3 by 4 matrix: from its own frame
+};
+
 /// What the mesh of a part's faces is worth. Lengths are in millimetres, as the kernel's are.
 struct FaceFacts {
   std::uint64_t triangles = 0;
@@ -27,11 +36,7 @@ struct PartMeasures {
 };
 
 /// One of the pieces that a model is meshed in.
-struct BrepPart {
-  const char* kind = "solid";          ///< or "shell", "face", "other"
-  std::vector<std::string> path;       ///< names of products, from the root down; any bytes
-  std::string name;                    ///< its own; any bytes
-  std::array<double, 12> placement{};  ///< three rows of a 3 by 4 matrix: from its own frame
+struct BrepPart : PartName {
   FaceFacts faces;
   PartMeasures exact;   ///< empty unless asked for
   PartMeasures stated;  ///< what the file itself says

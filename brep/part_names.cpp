@@ -17,9 +17,32 @@
 #include <Transfer_TransientProcess.hxx>
 #include <XSControl_TransferReader.hxx>
 #include <XSControl_WorkSession.hxx>
+#include <gp_Trsf.hxx>
 
 namespace plenvorith {
 namespace {
+
+const char* kindOf(const TopoDS_Shape& shape) {
+  switch (shape.ShapeType()) {
+    case TopAbs_SOLID:
+      return "solid";
+    case TopAbs_SHELL:
+      return "shell";
+    case TopAbs_FACE:
+      return "face";
+    default:
+      return "other";
+  }
+}
+
+std::array<double, 12> placementOf(const TopoDS_Shape& shape) {
+  const gp_Trsf transformation = shape.Location().Transformation();
+  std::array<double, 12> matrix{};
+  for (int i = 0; i < 12; ++i) {
+    matrix[static_cast<std::size_t>(i)] = transformation.Value(i / 4 + 1, i % 4 + 1);
+  }
+  return matrix;
+}
 
 /// The geometry of a shape, wherever it stands.
 const TopoDS_TShape* geometryOf(const TopoDS_Shape& shape) {
@@ -136,7 +159,9 @@ std::vector<PartName> namesOfParts(const STEPControl_Reader& reader, const Shape
   std::vector<PartName> names;
   names.reserve(shapes.size());
   for (const TopoDS_Shape& shape : shapes) {
-    names.push_back(named.take(shape));
+    PartName& name = names.emplace_back(named.take(shape));
+    name.kind = kindOf(shape);
+    name.placement = placementOf(shape);
   }
   return names;
 }

@@ -4,14 +4,9 @@
 #include <vector>
 
 #include "brep/brep_reader.h"
+#include "brep/part_facts.h"
 
 namespace plenvorith {
-
-/// What a file calls a part: bytes as the kernel hands them out, UTF-8 where the file is right.
-struct PartName {
-  std::vector<std::string> path;  ///< names of the products that it is used in, from the root down
-  std::string name;               ///< that of the solid, shell or face
-};
 
 /// Reads a STEP file as `readBrepShapes` does, and `names` of its shapes in the same pass.
 [[nodiscard]] bool readNamedShapes(const std::string& path, Shapes& shapes,

@@ -166,6 +166,7 @@ std::string lineFrom(const Job& job) {
                  {"to", textFrom(settings.to)},
                  {"deflection", textFrom(settings.deflection)},
                  {"split", settings.split},
+                 {"parts", settings.parts},
                  {"prepare", settings.prepare},
                  {"program", textFrom(settings.program)},
                  {"timeLimit", settings.timeLimit.count()},
@@ -189,6 +190,7 @@ std::optional<Job> jobFrom(const std::string& line) {
   get(*object, "to", job.settings.to);
   get(*object, "deflection", job.settings.deflection);
   get(*object, "split", job.settings.split);
+  get(*object, "parts", job.settings.parts);
   get(*object, "prepare", job.settings.prepare);
   get(*object, "program", job.settings.program);
   get(*object, "timeLimit", timeLimit);

@@ -17,6 +17,7 @@ struct ConversionSettings {
   std::string to = "stl";          ///< extension of the output: "stl" or "stp"
   std::string deflection = "0.1";  ///< as given; a number above 0, in millimetres
   bool split = false;              ///< one file for each shape
+  bool parts = false;              ///< with split: a list of these, which the built-in one makes
   bool prepare = false;            ///< rewrite the input for the converter first
   std::string program;             ///< what to run for each file; empty: the converter in here
   std::chrono::seconds timeLimit = std::chrono::hours(1);  ///< for each file; 0: none

@@ -25,7 +25,8 @@ std::string workNameFor(const std::string& input, const ConversionSettings& sett
 
 std::string settingsText(const ConversionSettings& settings) {
   return "to=" + settings.to + " deflection=" + settings.deflection +
-         (settings.split ? " split" : "") + (settings.prepare ? " prepare" : "");
+         (settings.split ? " split" : "") + (settings.parts ? " parts" : "") +
+         (settings.prepare ? " prepare" : "");
 }
 
 ConversionSettings settingsFrom(const std::string& text) {
@@ -38,6 +39,8 @@ ConversionSettings settingsFrom(const std::string& text) {
       settings.deflection = word.substr(11);
     } else if (word == "split") {
       settings.split = true;
+    } else if (word == "parts") {
+      settings.parts = true;
     } else if (word == "prepare") {
       settings.prepare = true;
     }

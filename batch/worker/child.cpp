@@ -21,6 +21,7 @@
 #include "app/command_line.h"
 #include "batch/records/job.h"
 #include "batch/system/signals.h"
+#include "batch/worker/part_list.h"
 #include "brep/part_names.h"
 #include "prepare/preparation.h"
 
@@ -109,9 +110,13 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
   std::vector<char*> pointers = pointersTo(arguments);
   if (program.empty()) {
     std::vector<PartName> names;
-    std::vector<PartName>* const wanted = child.namesPath.empty() ? nullptr : &names;
-    const int status = runConverter(static_cast<int>(arguments.size()), pointers.data(), wanted);
+    const bool withParts = child.settings.parts;
+    std::vector<PartName>* const wanted = child.namesPath.empty() && !withParts ? nullptr : &names;
+    int status = runConverter(static_cast<int>(arguments.size()), pointers.data(), wanted);
     writeNames(child.namesPath, names);
+    if (status == 0 && withParts && !writePartList(child.arguments[1], names)) {
+      status = 1;
+    }
     endChild(status);
   }
   execv(program.c_str(), pointers.data());

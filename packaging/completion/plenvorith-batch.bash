@@ -13,8 +13,8 @@ _plenvorith_batch() {
     *)
       if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W '--output --base --files-from --include
-          --exclude --follow --to --deflection --split --as-is --resume --prune --dry-run --jobs
-          --time-limit --memory-limit --memory-free --transcript --export --check --thumbnails --sshlogin
+          --exclude --follow --to --deflection --split --parts --as-is --resume --prune --dry-run
+          --jobs --time-limit --memory-limit --memory-free --transcript --export --check --thumbnails --sshlogin
           --transfer --shard --merge --bar --program --version
           --help' -- "$cur")
       else

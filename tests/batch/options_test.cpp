@@ -106,6 +106,16 @@ TEST(ParseOptions, PrepareUnlessTheyAreToTakeFilesAsTheyAre) {
             "plenvorith-batch: --prepare and --as-is exclude each other\n");
 }
 
+TEST(ParseOptions, ListPartsOfSplitMeshesOnly) {
+  EXPECT_FALSE(optionsOf({"in", "-o", "out", "--split"}).settings.parts);
+  EXPECT_TRUE(optionsOf({"in", "-o", "out", "--split", "--parts"}).settings.parts);
+  const std::string problem =
+      "plenvorith-batch: --parts goes with --split to stl, without --program\n";
+  EXPECT_EQ(problemOf({"in", "-o", "out", "--parts"}), problem);
+  EXPECT_EQ(problemOf({"in", "-o", "out", "--parts", "--split", "--to", "stp"}), problem);
+  EXPECT_EQ(problemOf({"in", "-o", "out", "--parts", "--split", "--program", "x"}), problem);
+}
+
 TEST(ParseOptions, TakeTheLastOfEqualOptions) {
   EXPECT_EQ(optionsOf({"in", "-o", "x", "--output", "y"}).output, "y");
 }

@@ -450,6 +450,42 @@ RemovesWhatAnEarlierVersionMade() {
   [[ -f out/a.stp.stl_1.stl ]] || fail "$(ls out)"
 }
 
+ListsThePartsOfSplitMeshes() {
+  mkdir in
+  cp "$samples/assembly.step" in/größe.step
+  run 0 in -o out --split --parts
+  expect_count out 5
+  local list='out/größe.step.stl.parts.json' k size
+  for k in 1 2 3 4; do
+    size=$(stat -c %s "out/größe.step.stl_$k.stl")
+    grep -q "^{\"number\":$k,\"path\":\[\"lamp\",.*\"triangles\":$(((size - 84) / 50))," "$list" ||
+      fail "part $k of $size bytes: $(cat "$list")"
+  done
+  run 0 in -o out --split --parts --resume
+  expect_line stdout 'Converted before: 1'
+  truncate -s -1 "$list"
+  run 0 in -o out --split --parts --resume
+  [[ $(tail -n 1 "$list") == ']' && $(tail -c 1 "$list") == '' ]] || fail "$(cat "$list")"
+  ! grep -q '^Converted before' stdout || fail 'a list that is too short was left'
+  run 0 in -o out --split --resume
+  expect_count out 4
+  expect_nothing_left out
+}
+
+FailsWhereThePartsCannotBeListed() {
+  # The name of the list would be longer than a name can be, those of the meshes are not.
+  local name
+  printf -v name '%0240d.step' 0
+  mkdir in
+  cp "$samples/assembly.step" "in/$name"
+  run 0 in -o out --split
+  expect_count out 4
+  run 1 in -o out --split --parts
+  grep -q ' (Error: Cannot write the list of parts: 0*.step.stl.parts.json)' stderr || fail "$(cat stderr)"
+  expect_count out 0
+  expect_nothing_left out
+}
+
 RemovesWhatAnEarlierVersionMadeWhenAFileFails() {
   step_file in/sub/a.stp 1
   step_file in/b.stp 2

@@ -27,6 +27,7 @@ Job oddJob() {
   job.settings.to = "stp";
   job.settings.deflection = "2.5e-1";
   job.settings.split = true;
+  job.settings.parts = true;
   job.settings.prepare = true;
   job.settings.program = "/bin/x";
   job.settings.timeLimit = std::chrono::seconds(90);
@@ -53,6 +54,7 @@ TEST(JobLine, IsAsciiAndGivesAllBack) {
   EXPECT_EQ(back->settings.to, "stp");
   EXPECT_EQ(back->settings.deflection, "2.5e-1");
   EXPECT_TRUE(back->settings.split);
+  EXPECT_TRUE(back->settings.parts);
   EXPECT_TRUE(back->settings.prepare);
   EXPECT_EQ(back->settings.program, "/bin/x");
   EXPECT_EQ(back->settings.timeLimit, std::chrono::seconds(90));

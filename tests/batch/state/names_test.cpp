@@ -38,12 +38,13 @@ TEST(SettingsText, HoldsAllThatDecides) {
   ConversionSettings settings;
   EXPECT_EQ(settingsText(settings), "to=stl deflection=0.1");
   settings.split = true;
+  settings.parts = true;
   settings.prepare = true;
   settings.timeLimit = std::chrono::seconds(1);
   settings.memoryLimit = 1;
-  EXPECT_EQ(settingsText(settings), "to=stl deflection=0.1 split prepare");
-  EXPECT_EQ(settingsText(settingsFrom("to=stp deflection=0.25 split prepare")),
-            "to=stp deflection=0.25 split prepare");
+  EXPECT_EQ(settingsText(settings), "to=stl deflection=0.1 split parts prepare");
+  EXPECT_EQ(settingsText(settingsFrom("to=stp deflection=0.25 split parts prepare")),
+            "to=stp deflection=0.25 split parts prepare");
   EXPECT_EQ(settingsText(settingsFrom("to=stl deflection=1e-2")), "to=stl deflection=1e-2");
 }
 

@@ -141,6 +141,20 @@ TEST_F(WorkerTest, LeavesTheNamesOfShapesWhereTheyAreAskedFor) {
               testing::StartsWith(R"([{"name":"","number":1,"path":["lamp","foot"]},)"));
 }
 
+TEST_F(WorkerTest, ListsThePartsOfASplitMesh) {
+  Job job = jobFor("lamp.step");
+  job.input = std::string(PLENVORITH_SAMPLES) + "/assembly.step";
+  job.settings.split = true;
+  job.settings.parts = true;
+  const JobResult result = convert(job);
+  ASSERT_EQ(result.outputs.size(), 5U);
+  EXPECT_EQ(result.outputs[0].path, "lamp.step.stl.parts.json");
+  const std::string list = test::readFile(job.outFolder + "/lamp.step.stl.parts.json");
+  EXPECT_EQ(result.outputs[0].size, static_cast<std::int64_t>(list.size()));
+  EXPECT_THAT(list, HasSubstr("\n{\"number\":4,\"path\":[\"lamp\",\"shade\"],\"name\":\"\","
+                              "\"kind\":\"shell\",\"triangles\":"));
+}
+
 TEST_F(WorkerTest, OutlivesWhatEndsAConversion) {
   std::string broken = kTriangleStep;
   broken.replace(broken.find("(1.,0.,0.)"), 10, "(x.,0.,0.)");
