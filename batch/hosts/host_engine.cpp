@@ -1,5 +1,6 @@
 #include "batch/hosts/host_engine.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -13,6 +14,7 @@
 #include <system_error>
 #include <utility>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -180,30 +182,51 @@ std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool tran
 std::string startEngine(HostEngine& engine, const std::string& parallel, const HostWish& wish,
                         const std::vector<Host>& hosts,
                         const std::vector<std::vector<std::size_t>>& chunks) {
-  const std::string tar = findTool("tar");
-  std::ofstream numbers(engine.folder + "/chunks");
-  for (std::size_t i = 0; i < chunks.size(); ++i) {
-    const std::string chunk = std::to_string(i);
-    const bool isMade =
-        engine.transfer ? packChunk(engine, tar, chunk, chunks[i])
-                        : writeJobs(engine, chunk, chunkFolder(engine, chunk) + ".jobs", chunks[i]);
-    if (!isMade) {
-      return engine.folder + " cannot be written";
-    }
-    numbers << chunk << '\n';
+  engine.division = chunks;
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+    return "GNU parallel cannot be started";
   }
-  numbers.close();
+  engine.numbersRead = Descriptor(ends[0]);
+  engine.numbersWritten = Descriptor(ends[1]);
+  (void)fcntl(ends[1], F_SETFL, O_NONBLOCK);  // what does not fit in is written later
   ToolStart start;
   start.arguments = engineOptions(hosts, engine.transfer);
   start.arguments.insert(start.arguments.begin(), parallel);
-  start.arguments.insert(start.arguments.end(), {"::::", "chunks"});
   start.environment = hostEnvironment(wish);
   start.environment.push_back("TMPDIR=" + engine.folder);  // goes with what it leaves there
   start.folder = engine.folder;
   start.errors = ToolErrors::Shared;
   start.endSignal = SIGINT;  // ends what runs on the hosts, too
+  start.input = engine.numbersRead.get();
   engine.parallel = startTool(start, std::chrono::hours(24));
   return engine.parallel.process > 0 ? "" : "GNU parallel cannot be started";
+}
+
+bool hasUnsent(const HostEngine& engine) {
+  return engine.numbersWritten.isOpen();
+}
+
+std::string sendChunk(HostEngine& engine) {
+  if (engine.sent < engine.division.size()) {
+    const std::string chunk = std::to_string(engine.sent);
+    const std::vector<std::size_t>& files = engine.division[engine.sent];
+    const bool isMade = engine.transfer
+                            ? packChunk(engine, findTool("tar"), chunk, files)
+                            : writeJobs(engine, chunk, chunkFolder(engine, chunk) + ".jobs", files);
+    if (!isMade) {
+      return engine.folder + " cannot be written";
+    }
+    engine.numbers += chunk + '\n';
+    ++engine.sent;
+  }
+  const ssize_t written =
+      write(engine.numbersWritten.get(), engine.numbers.data(), engine.numbers.size());
+  engine.numbers.erase(0, static_cast<std::size_t>(std::max(written, ssize_t{0})));
+  if (engine.sent == engine.division.size() && engine.numbers.empty()) {
+    engine.numbersWritten.close();
+  }
+  return {};
 }
 
 std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {

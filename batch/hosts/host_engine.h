@@ -10,6 +10,7 @@
 #include "batch/records/job.h"
 #include "batch/records/settings.h"
 #include "batch/state/ledger.h"
+#include "batch/system/descriptor.h"
 #include "batch/system/tool.h"
 
 namespace plenvorith {
@@ -28,13 +29,25 @@ struct HostEngine {
   std::string pending;           ///< the beginning of a line
   OpenJobs open;                 ///< those that were given out and have no result yet
   std::set<std::string> chunks;  ///< those that have not come back, with transfer
+
+  std::vector<std::vector<std::size_t>> division;  ///< the indexes of the files of each chunk
+  std::size_t sent = 0;                            ///< so many chunks are ready for the hosts
+  std::string numbers;     ///< of those, as far as GNU parallel has not been told of them
+  Descriptor numbersRead;  ///< where it is told: as long as this is open, writing harms nobody
+  Descriptor numbersWritten;
 };
 
-/// Prepares the chunks, which hold indexes of files, and starts the engine. Says what went wrong,
-/// or nothing.
+/// Starts the engine for chunks, which hold indexes of files. Says what went wrong, or nothing.
 std::string startEngine(HostEngine& engine, const std::string& parallel, const HostWish& wish,
                         const std::vector<Host>& hosts,
                         const std::vector<std::vector<std::size_t>>& chunks);
+
+/// Whether there is something left to send.
+bool hasUnsent(const HostEngine& engine);
+
+/// Prepares the next chunk and tells GNU parallel of it: hosts convert the first while others are
+/// packed. Says what went wrong, or nothing.
+std::string sendChunk(HostEngine& engine);
 
 /// Takes the results that have come; `isAlive` is set to whether more may come.
 std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive);

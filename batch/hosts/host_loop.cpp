@@ -121,7 +121,8 @@ void addResults(HostLoop& loop, std::vector<Finished> all) {
 /// Waits until the hosts have sent something, a signal comes or the progress is to be shown. Gives
 /// whether more may come from the hosts.
 bool waitForHosts(HostLoop& loop, HostEngine& engine) {
-  const int patience = loop.emptied.empty() ? 200 : 0;  // milliseconds
+  const bool hasWork = !loop.emptied.empty() || engine.sent < engine.division.size();
+  const int patience = hasWork ? 0 : 200;  // milliseconds
   pollfd events[] = {{loop.run.signals.get(), POLLIN, 0}, {engine.parallel.output, POLLIN, 0}};
   if (poll(events, 2, patience) <= 0) {
     removeSome(loop);
@@ -154,10 +155,18 @@ void runRound(HostLoop& loop, const std::string& folder) {
                     {},
                     {},
                     {},
+                    {},
+                    {},
+                    0,
+                    {},
+                    {},
                     {}};
   loop.run.end.problem = startEngine(engine, loop.parallel, wish, hosts, chunksOf(loop, hosts));
   bool isAlive = loop.run.end.problem.empty();
   while (!isOver(loop.run) && (isAlive || !loop.run.unsettled.empty())) {
+    if (isAlive && hasUnsent(engine)) {
+      loop.run.end.problem = sendChunk(engine);
+    }
     if (isAlive) {
       isAlive = waitForHosts(loop, engine);
     } else {

@@ -57,7 +57,7 @@ std::vector<std::string> environmentOf(const ToolStart& start) {
   (void)sigemptyset(&none);
   (void)sigprocmask(SIG_SETMASK, &none, nullptr);
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
-  (void)dup2(nothing, STDIN_FILENO);
+  (void)dup2(start.input >= 0 ? start.input : nothing, STDIN_FILENO);
   (void)dup2(output, STDOUT_FILENO);
   if (start.errors != ToolErrors::Shared) {
     (void)dup2(start.errors == ToolErrors::InOutput ? output : nothing, STDERR_FILENO);

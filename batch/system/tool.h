@@ -27,7 +27,7 @@ enum class ToolErrors {
   Shared,    ///< goes where that of this process goes
 };
 
-/// How to start a program. Its standard input is empty, and it is ended by a signal when the
+/// How to start a program. Its standard input is empty unless there is one, and it is ended by a signal when the
 /// process that started it ends.
 struct ToolStart {
   std::vector<std::string> arguments = {};  ///< the first is its path
@@ -36,6 +36,7 @@ struct ToolStart {
   std::string folder = {};  ///< where it runs; empty: here
   ToolErrors errors = ToolErrors::Dropped;
   int endSignal = SIGKILL;
+  int input = -1;  ///< descriptor that it reads from
 };
 
 /// A program that was started and has to be waited for.

@@ -36,7 +36,11 @@ class HostEngineTest : public testing::Test {
                     const std::vector<std::vector<std::size_t>>& chunks) {
     const std::string path = test::writeFile(dir / "parallel", "#!/bin/sh\n" + script);
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    return startEngine(engine, path, wish, {{":", 1}}, chunks);
+    std::string problem = startEngine(engine, path, wish, {{":", 1}}, chunks);
+    while (problem.empty() && hasUnsent(engine)) {
+      problem = sendChunk(engine);
+    }
+    return problem;
   }
 
   std::vector<Finished> collectAll() {
@@ -61,7 +65,7 @@ class HostEngineTest : public testing::Test {
   ConversionSettings settings;
   std::vector<InputFile> files;
   HostWish wish;
-  HostEngine engine{context, settings, files, {}, false, {}, {}, {}, {}};
+  HostEngine engine{context, settings, files, {}, false, {}, {}, {}, {}, {}, 0, {}, {}, {}};
 };
 
 TEST_F(HostEngineTest, GivesTheResultsThatTheHostsPrint) {
@@ -77,9 +81,9 @@ TEST_F(HostEngineTest, GivesTheResultsThatTheHostsPrint) {
 }
 
 TEST_F(HostEngineTest, TellsEachChunkItsJobs) {
-  ASSERT_EQ(start(":", {{1}, {0}}), "");
+  ASSERT_EQ(start("cat >given", {{1}, {0}}), "");
   EXPECT_THAT(collectAll(), IsEmpty());
-  EXPECT_EQ(test::readFile(engine.folder + "/chunks"), "0\n1\n");
+  EXPECT_EQ(test::readFile(engine.folder + "/given"), "0\n1\n");
   const std::string line = test::readFile(engine.folder + "/0.jobs");
   const std::optional<Job> job = jobFrom(line.substr(0, line.find('\n')));
   ASSERT_TRUE(job);
@@ -103,11 +107,12 @@ TEST_F(HostEngineTest, SendsInputsAndBringsOutputsBack) {
   engine.transfer = true;
   test::writeFile(engine.folder + "/answers", lineOf(0, ""));
   // What a host does, with a copy of the input as the output.
-  ASSERT_EQ(start("tar -xf 0.tar && cd 0 && mkdir made/0 && cp in/0/a.stp made/0/a.stl &&\n"
-                  "echo said >transcripts/0 && cp ../answers results && cd .. &&\n"
-                  "tar -cf 0.out.tar 0 && rm -r 0 && echo done 0\n",
-                  {{0}}),
-            "");
+  ASSERT_EQ(
+      start("cat >given; tar -xf 0.tar && cd 0 && mkdir made/0 && cp in/0/a.stp made/0/a.stl &&\n"
+            "echo said >transcripts/0 && cp ../answers results && cd .. &&\n"
+            "tar -cf 0.out.tar 0 && rm -r 0 && echo done 0\n",
+            {{0}}),
+      "");
   const std::vector<Finished> all = collectAll();
   ASSERT_EQ(all.size(), 1U);
   EXPECT_EQ(all[0].outFolder, engine.folder + "/0/made/0");
@@ -117,9 +122,28 @@ TEST_F(HostEngineTest, SendsInputsAndBringsOutputsBack) {
   EXPECT_FALSE(std::filesystem::exists(engine.folder + "/0.out.tar"));
 }
 
+TEST_F(HostEngineTest, BeginsBeforeAllIsPacked) {
+  engine.transfer = true;
+  const std::string path =
+      test::writeFile(dir / "parallel",
+                      "#!/bin/sh\nread -r first && [ ! -e 1.tar ] && mv $first.tar begun\n"
+                      "echo\ncat >rest\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  ASSERT_EQ(startEngine(engine, path, wish, {{":", 1}}, {{0}, {1}}), "");
+  ASSERT_EQ(sendChunk(engine), "");
+  bool isAlive = false;
+  EXPECT_THAT(collectFromHosts(engine, isAlive), IsEmpty());
+  EXPECT_TRUE(std::filesystem::exists(engine.folder + "/begun"));
+  EXPECT_TRUE(hasUnsent(engine));
+  ASSERT_EQ(sendChunk(engine), "");
+  EXPECT_FALSE(hasUnsent(engine));
+  EXPECT_THAT(collectAll(), IsEmpty());
+  EXPECT_EQ(test::readFile(engine.folder + "/rest"), "1\n");
+}
+
 TEST_F(HostEngineTest, TakesNothingFromWhatHasComeInHalf) {
   engine.transfer = true;
-  ASSERT_EQ(start("head -c 100 0.tar >0.out.tar; echo done 0; echo done 7", {{0}}), "");
+  ASSERT_EQ(start("cat >given; head -c 100 0.tar >0.out.tar; echo done 0; echo done 7", {{0}}), "");
   EXPECT_THAT(collectAll(), IsEmpty());
 }
 
