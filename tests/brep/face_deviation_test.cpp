@@ -6,6 +6,7 @@
 #include <functional>
 
 #include <BRepBuilderAPI_MakeFace.hxx>
+#include <BRepBuilderAPI_MakePolygon.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakeCone.hxx>
 #include <BRepPrimAPI_MakeCylinder.hxx>
@@ -228,6 +229,15 @@ TEST(FaceFacts, AreThoseOfEachPlace) {
   EXPECT_EQ(facts[0].overDeflection, 1);
   EXPECT_EQ(facts[1].overDeflection, 1);
   EXPECT_EQ(facts[0].deviation, facts[1].deviation);
+}
+
+TEST(FaceFacts, CountAFaceOfOneTriangleAsMeshed) {
+  BRepBuilderAPI_MakePolygon border(gp_Pnt(0, 0, 0), gp_Pnt(1, 0, 0), gp_Pnt(0, 1, 0), true);
+  const TopoDS_Face face = BRepBuilderAPI_MakeFace(border.Wire()).Face();
+  meshShape(face, 0.1);
+  const FaceFacts facts = measureFaces({face}, 0.1).front();
+  EXPECT_EQ(facts.triangles, 1U);
+  EXPECT_EQ(facts.withoutMesh, 0);
 }
 
 }  // namespace
