@@ -22,12 +22,12 @@ using Json = nlohmann::ordered_json;
 
 /// The number of triangles in an STL file, from its size; nothing if there is none.
 std::optional<std::uintmax_t> trianglesIn(const std::string& path) {
-  constexpr std::uintmax_t kHeaderSize = 84;
-  constexpr std::uintmax_t kRecordSize = 50;
+  constexpr std::uintmax_t kBeforeRecords = 84;
+  constexpr std::uintmax_t kOneRecord = 50;
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   return error ? std::nullopt
-               : std::optional((std::max(size, kHeaderSize) - kHeaderSize) / kRecordSize);
+               : std::optional((std::max(size, kBeforeRecords) - kBeforeRecords) / kOneRecord);
 }
 
 Json jsonOf(std::size_t number, const PartName& part, std::uintmax_t triangles) {
