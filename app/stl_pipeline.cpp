@@ -10,6 +10,7 @@
 
 #include "app/pipeline_steps.h"
 #include "brep/brep_mesher.h"
+#include "brep/part_names.h"
 #include "output/stl_writer.h"
 #include "steptext/strip_tessellation.h"
 #include "tessellation/face_decoder.h"

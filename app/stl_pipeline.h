@@ -4,9 +4,10 @@
 #include <vector>
 
 #include "brep/brep_reader.h"
-#include "brep/part_names.h"
 
 namespace plenvorith {
+
+struct PartName;  // brep/part_facts.h
 
 /// Converts one STEP file to binary STL.
 ///
