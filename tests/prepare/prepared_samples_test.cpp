@@ -44,7 +44,7 @@ class PreparedSamples : public testing::Test {
     return convert(dir / "ready.stp");
   }
 
-  const test::SampleCopies samples;
+  const test::SampleCopies samples{};
   const test::TempDir dir;
   const test::ScopedTmpdir tmpdir{dir.path()};
 };

@@ -154,7 +154,7 @@ bool startsWithSmallLetters(const std::string& body) {
 /// To the semicolon, which is taken. If it starts in small letters, all of them become capital ones,
 /// strings and binaries aside.
 std::string Reference::readBody() {
-  const std::string body = readBodyAsItIs();
+  std::string body = readBodyAsItIs();
   if (!startsWithSmallLetters(body)) {
     return body;
   }
