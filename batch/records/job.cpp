@@ -125,7 +125,6 @@ std::optional<Bounds> boundsOf(const Json& object) {
   return bounds;
 }
 
-/// The outputs in a result; nothing if one of them cannot come from a job that was asked for `name`.
 /// Whether a file may be an output of a job that was asked for one of this name. Triangles that
 /// cannot go to the STEP file go beside it.
 bool isOutputOf(const std::string& name, const std::string& path) {
@@ -135,6 +134,7 @@ bool isOutputOf(const std::string& name, const std::string& path) {
           path == name.substr(0, name.size() - kStep.size()).append(".stl"));
 }
 
+/// The outputs in a result; nothing if one of them cannot come from a job that was asked for `name`.
 std::optional<std::vector<OutputRecord>> outputsOf(const Json& object, const std::string& name) {
   std::vector<OutputRecord> outputs;
   const auto found = object.find("outputs");
