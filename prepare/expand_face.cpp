@@ -51,6 +51,7 @@ bool readStrips(TokenReader& tokens, FaceTriangles& triangles) {
   return readLists(
       tokens, [&triangles] { return triangles.copyTriples(); },
       [&triangles, &before, &count](Index index) {
+        triangles.result.hasStrips = triangles.result.hasStrips || count == 3;
         if (count >= 2 && count % 2 == 0) {
           triangles.addJoined(before[0], before[1], index);
         } else if (count >= 2) {
@@ -67,7 +68,11 @@ bool readFans(TokenReader& tokens, FaceTriangles& triangles) {
   Index before = 0;
   std::size_t count = 0;
   return readLists(
-      tokens, [&triangles] { return triangles.copyTriples(); },
+      tokens,
+      [&triangles] {
+        triangles.result.hasFans = true;
+        return triangles.copyTriples();
+      },
       [&triangles, &first, &before, &count](Index index) {
         if (count >= 2) {
           triangles.addJoined(first, before, index);

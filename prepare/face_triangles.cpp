@@ -136,6 +136,7 @@ void FaceTriangles::addPoints(const Corners& given, const Corners& points) {
     return;
   }
   if (hasEqual(points)) {
+    ++result.equal;
     return;
   }
   if (wantsSamples()) {

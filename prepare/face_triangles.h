@@ -36,8 +36,12 @@ struct FaceTarget {
 struct ExpandedFace {
   std::uint64_t triangles = 0;
   std::uint64_t skipped = 0;    ///< with an index outside the mapping or the list, or a huge point
+  std::uint64_t equal = 0;      ///< left out as two of their corners are equal
   bool hasFailed = false;       ///< something stands where a number has to be
   bool mayHaveNormals = false;  ///< of a complex instance it is not known
+  bool hasStrips = false;       ///< of more than one triangle
+  bool hasFans = false;
+  bool isMapped = false;                 ///< an index is not that of its point
   std::vector<SampledTriangle> samples;  ///< the first triangles
 };
 
@@ -60,7 +64,9 @@ class FaceTriangles {
 
   /// Reads the index mapping, which comes before the triangles. False if that cannot be done.
   [[nodiscard]] bool readMapping() {
-    return mapping_.read(tokens_);
+    const bool isRead = mapping_.read(tokens_);
+    result.isMapped = !mapping_.isIdentity();
+    return isRead;
   }
 
   void add(Index a, Index b, Index c);
@@ -69,6 +75,8 @@ class FaceTriangles {
   void addJoined(Index a, Index b, Index c) {
     if (a != b && b != c && a != c) {
       add(a, b, c);
+    } else {
+      ++result.equal;
     }
   }
 

@@ -12,6 +12,7 @@ bool IndexMapping::read(TokenReader& tokens) {
   std::size_t leftOfChunk = limits_.chunk;
   return readIndices(tokens, [this, &tokens, &leftOfChunk](Index index) {
     ++size_;
+    isIdentity_ = isIdentity_ && index == size_;
     if (isHeld_) {
       hold(entryOf(index));
     }

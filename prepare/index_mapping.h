@@ -36,6 +36,11 @@ class IndexMapping {
     return size_ == 0;
   }
 
+  /// Whether each entry is its own index.
+  [[nodiscard]] bool isIdentity() const {
+    return isIdentity_;
+  }
+
   /// Whether there is an entry of this index.
   [[nodiscard]] bool has(Index index) const {
     return index >= 1 && index <= size_;
@@ -75,6 +80,7 @@ class IndexMapping {
   MappingLimits limits_;
   Index size_ = 0;
   bool isHeld_ = true;
+  bool isIdentity_ = true;
   // In blocks: as they become more, no entry is copied, which would take two to three times the
   // memory.
   std::vector<std::unique_ptr<std::uint32_t[]>> held_;

@@ -13,17 +13,10 @@
 
 #include "exchange/instance_table.h"
 #include "exchange/statement_reader.h"
-#include "prepare/drop.h"
-#include "prepare/orphans.h"
+#include "prepare/findings.h"
 #include "prepare/output_file.h"
-#include "prepare/part_tessellation.h"
 #include "prepare/progress.h"
 #include "prepare/temporary_file.h"
-#include "prepare/tessellation_plan.h"
-#include "prepare/write_prepared.h"
-#include "product/attributes.h"
-#include "product/occurrences.h"
-#include "product/product_structure.h"
 
 namespace plenvorith {
 namespace {
@@ -170,45 +163,6 @@ bool writeWithout(const std::string& path, const Source& source, Decisions& deci
   const bool isWritten = std::remove(path.c_str()) == 0 && writeTo(path, source, rest, again);
   written.error = again.error;
   return isWritten;
-}
-
-/// Everything about a file that is decided before it is written.
-struct Findings {
-  PartTessellation part;
-  Decisions decisions;
-  Warnings warnings;
-};
-
-/// Whether the shape of a product keeps an item of a type that nobody knows: it may be geometry.
-bool keepsUnknown(const InstanceTable& table, const ProductStructure& structure,
-                  const std::vector<Fate>& fates) {
-  bool isKept = false;
-  for (const Representation& representation : structure.representations) {
-    if (representation.isOfProduct) {
-      table.forEachItem(representation.instance, attributes::kItems, [&](InstanceIndex item) {
-        isKept = isKept || (table.type(item).isOnly(Kind::Unknown) && fates[item] != Fate::Dropped);
-      });
-    }
-  }
-  return isKept;
-}
-
-Findings decide(const InstanceTable& table, StatementReader& again) {
-  Findings findings;
-  InstanceReader instances(table, again);
-  ProductStructure structure = readProductStructure(table);
-  findings.decisions.orphans = tieOrphans(table, structure);
-  Occurrences occurrences(structure, instances, findings.warnings);
-  findings.part = findPartTessellation(table, structure, occurrences, findings.warnings);
-  findings.decisions.plan = planTessellation(table, findings.part, occurrences, findings.warnings);
-  findings.decisions.fates = decideFates(table, structure);
-  findings.part.hasExact =
-      findings.part.hasExact || keepsUnknown(table, structure, findings.decisions.fates);
-  findings.decisions.mayHaveExact = findings.part.mayHaveExact || findings.part.hasExact;
-  if (table.hasUnbalanced()) {
-    findings.warnings.insert("instances whose parentheses do not balance are left out");
-  }
-  return findings;
 }
 
 /// Writes what was decided, and reports it.
