@@ -79,34 +79,52 @@ Descriptor openRegular(const std::string& path) {
   return file;
 }
 
+/// Reads a regular file in blocks, each with the end of the one before in front, in which a word may
+/// begin, until `visit` gives false; whether it was read to its end.
+template <typename Visit>
+bool readThrough(const std::string& path, Visit visit) {
+  constexpr std::size_t kBlockSize = std::size_t{1} << 18;
+  const Descriptor file = openRegular(path);
+  std::vector<char> block(kBlockSize);
+  std::size_t kept = 0;
+  ssize_t count = -1;
+  while (file.isOpen() &&
+         (count = read(file.get(), block.data() + kept, block.size() - kept)) > 0) {
+    const std::size_t size = kept + static_cast<std::size_t>(count);
+    if (!visit(block.data(), size)) {
+      return false;
+    }
+    kept = std::min(kOverlap, size);
+    std::memmove(block.data(), block.data() + size - kept, kept);
+  }
+  return count == 0;
+}
+
 }  // namespace
 
 InputFacts factsOf(const std::string& path) {
   InputFacts facts;
-  const Descriptor file = openRegular(path);
-  if (!file.isOpen()) {
-    return facts;
-  }
-  constexpr std::size_t kBlockSize = std::size_t{1} << 18;
-  std::vector<char> block(kBlockSize);
-  std::size_t kept = 0;  // of the block before, in front: a word may lie across
   bool isFirst = true;
-  ssize_t count = 0;
-  while ((count = read(file.get(), block.data() + kept, block.size() - kept)) > 0) {
-    const std::size_t size = kept + static_cast<std::size_t>(count);
+  facts.isWhole = readThrough(path, [&](char* text, std::size_t size) {
     if (isFirst) {
-      facts.form = formOf(std::string_view(block.data(), size));
+      facts.form = formOf(std::string_view(text, size));
       isFirst = false;
     }
     // Words of any case tell what the file is meant to be.
-    std::transform(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(size), block.begin(),
-                   toUpper);
-    lookAt(std::string_view(block.data(), size), facts);
-    kept = std::min(kOverlap, size);
-    std::memmove(block.data(), block.data() + size - kept, kept);
-  }
-  facts.isWhole = count == 0;
+    std::transform(text, text + size, text, toUpper);
+    lookAt(std::string_view(text, size), facts);
+    return true;
+  });
   return facts;
+}
+
+bool holdsTessellation(const std::string& path) {
+  bool isThere = false;
+  (void)readThrough(path, [&](const char* text, std::size_t size) {
+    isThere = holdsAny(std::string_view(text, size), kTessellation);
+    return !isThere;
+  });
+  return isThere;
 }
 
 bool endsInTheMiddle(const std::string& path) {

@@ -17,9 +17,11 @@ struct InputFacts {
 /// Reads a file once, in blocks.
 InputFacts factsOf(const std::string& path);
 
+/// Whether a regular file may hold tessellation of any kind. Stops where it does.
+bool holdsTessellation(const std::string& path);
+
 /// Whether a regular file ends in the middle: END-ISO-10303-21 is nowhere in it, in whatever
-/// case. Reads only the end
-/// of a file that is whole.
+/// case. Reads only the end of a file that is whole.
 bool endsInTheMiddle(const std::string& path);
 
 }  // namespace plenvorith

@@ -103,6 +103,9 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
     std::cerr << "plenvorith-batch: cannot set up the conversion" << std::endl;
     endChild(kCannotStart);
   }
+  if (child.instead) {
+    endChild(child.instead());
+  }
   std::vector<std::string> arguments = child.arguments;
   prepareInput(child, arguments);
   const std::string& program = child.settings.program;

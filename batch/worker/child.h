@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +20,8 @@ struct ChildSettings {
   std::string namesPath;  ///< where the built-in converter's names of shapes go, if they are to
   std::string
       preparedPath;  ///< where the prepared input goes, if it is to be; the converter's then
+  std::function<int()>
+      instead;  ///< what to run in the place of the converter, if there is something
 };
 
 /// How such a process ended.

@@ -14,6 +14,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "batch/inputs/input_facts.h"
 #include "batch/inputs/input_header.h"
 #include "batch/inputs/input_identity.h"
 #include "batch/system/descriptor.h"
@@ -21,6 +22,7 @@
 #include "batch/system/host_name.h"
 #include "batch/system/signals.h"
 #include "batch/system/text.h"
+#include "batch/worker/mesh_doubt.h"
 #include "batch/worker/outputs.h"
 #include "batch/worker/reason.h"
 #include "batch/worker/warm_up.h"
@@ -105,6 +107,28 @@ bool mayLackPartsOfCopy(const ChildEnd& end, const std::string& transcript, std:
   constexpr std::int64_t kSpare = std::int64_t{1} << 20;
   constexpr std::int64_t kCopies = 8;
   return madeCopy(transcript) && end.leastSpace < kCopies * copied + kSpare;
+}
+
+/// What preparing would change of the mesh of a file that was converted without it. This is found out
+/// in a process of its own, whose end, whatever it is, fails nothing.
+std::string doubtOf(const Job& job, std::int64_t size, const std::string& transcript,
+                    const WorkerSignals& signals, bool& isStopped) {
+  if (job.settings.prepare || job.settings.to != "stl" || !holdsTessellation(job.input)) {
+    return {};
+  }
+  const Descriptor answer(memfd_create("doubt", MFD_CLOEXEC));
+  ChildSettings child = childFor(job, answer.get());
+  // Well within what a driver waits for beyond the time limit.
+  constexpr std::int64_t kBytesPerSecond = 10'000'000;
+  child.settings.timeLimit = std::chrono::seconds(20 + size / kBytesPerSecond);
+  child.instead = [&job, &transcript] {
+    const std::optional<Forecast> forecast = forecastPreparation(job.input);
+    const std::string doubt = forecast ? meshDoubt(*forecast, transcript) : std::string();
+    return writeAll(STDOUT_FILENO, doubt) ? 0 : 1;
+  };
+  const ChildEnd end = runChild(child, signals);
+  isStopped = end.isStopped;
+  return end.exitStatus == 0 ? readEnds(answer.get(), kTranscriptEnds) : std::string();
 }
 
 /// Decides what became of the file once its conversion has ended.
@@ -205,7 +229,11 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
   const ChildEnd end = runChild(childFor(job, transcript.get()), signals);
   isStopped = end.isStopped;
   noteEnd(end, result);
-  judge(job, end, readEnds(transcript.get(), kTranscriptEnds), result);
+  const std::string said = readEnds(transcript.get(), kTranscriptEnds);
+  judge(job, end, said, result);
+  if (result.isConverted && result.reason.empty() && identity->isRegular) {
+    result.reason = doubtOf(job, identity->size, said, signals, isStopped);
+  }
   const std::optional<InputIdentity> afterwards = identityOf(job.input, error);
   if (!afterwards || !isSame(*identity, *afterwards)) {
     result.isConverted = false;

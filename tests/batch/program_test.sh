@@ -435,6 +435,36 @@ SaysThatAConvertedFileEndsInTheMiddle() {
   expect_line stdout '    a.stp'
 }
 
+TellsWhatPreparingWouldChange() {
+  local unit='#9=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT($,.METRE.));'
+  unit+="#8=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#9))REPRESENTATION_CONTEXT('',''));"
+  local tail="#4=COORDINATES_LIST('',4,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.),(1.,1.,0.)));"
+  local head="#1=TESSELLATED_SHAPE_REPRESENTATION('',(#2),#8);
+#2=TESSELLATED_SOLID('',(#3),\$);"
+  mkdir in
+  file_with in/strip.stp "$head
+#3=COMPLEX_TRIANGULATED_FACE('',#4,4,(),\$,(),((1,2,3),(1,2,4,3)),());
+$tail"
+  file_with in/metres.stp "$unit
+$head
+#3=COMPLEX_TRIANGULATED_FACE('',#4,4,(),\$,(),((1,2,3)),());
+$tail"
+  step_file in/plain.stp 1
+  run 0 in -o out
+  expect_line stdout 'Converted: 3 (4 triangles)'
+  expect_line stdout 'Converted, but doubtful: 2'
+  expect_line stdout '  2 preparing would change the mesh'
+  local changes='preparing would change the mesh'
+  expect_line stdout "    metres.stp: $changes (units): try without --as-is"
+  expect_line stdout "    strip.stp: $changes (strips): try without --as-is"
+  expect_row out "^converted,.*/strip.stp,$changes \\(strips\\): try without --as-is,"
+  expect_row out '^converted,.*/plain.stp,,'
+  program=()
+  run 0 in -o out
+  ! grep -q doubtful stdout || fail 'still doubtful'
+  expect_line stdout 'Converted: 3 (5 triangles)'
+}
+
 RemovesWhatAnEarlierVersionMade() {
   step_file in/a.stp 1
   pretend '

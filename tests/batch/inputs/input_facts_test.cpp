@@ -46,6 +46,16 @@ TEST(FactsOf, TellsWhatFilesAreThatAreNoStep) {
   EXPECT_EQ(factsOfText("").form, "");
 }
 
+TEST(HoldsTessellation, FindsItAcrossBlocks) {
+  const test::TempDir dir;
+  for (const std::size_t before : {0U, 262'130U, 262'140U, 262'144U, 600'000U}) {
+    const std::string text = std::string(before, ' ') + "#1=TESSELLATED_SOLID(";
+    EXPECT_TRUE(holdsTessellation(test::writeFile(dir / "a.stp", text))) << before;
+  }
+  EXPECT_FALSE(holdsTessellation(test::writeFile(dir / "b.stp", "#1=ADVANCED_FACE(")));
+  EXPECT_FALSE(holdsTessellation(dir / "none.stp"));
+}
+
 TEST(FactsOf, FindsGeometry) {
   EXPECT_TRUE(factsOfText("#1=TRIANGULATED_FACE(").hasTessellation);
   EXPECT_TRUE(factsOfText("#1=COMPLEX_TRIANGULATED_SURFACE_SET(").hasTessellation);

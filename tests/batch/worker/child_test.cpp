@@ -197,5 +197,15 @@ TEST(FreeSpace, IsLargeWhereItIsNotKnown) {
   EXPECT_EQ(freeSpace(folder / "missing"), std::numeric_limits<std::int64_t>::max());
 }
 
+TEST_F(ChildTest, RunsSomethingElseInsteadOfTheConverter) {
+  child.instead = [] {
+    (void)raise(SIGKILL);
+    return 0;
+  };
+  EXPECT_EQ(run().signal, SIGKILL);
+  child.instead = [] { return 3; };
+  EXPECT_EQ(run().exitStatus, 3);
+}
+
 }  // namespace
 }  // namespace plenvorith
