@@ -1,8 +1,6 @@
 #include "batch/hosts/host_engine.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
@@ -22,6 +20,8 @@
 #include "batch/records/job.h"
 #include "batch/state/names.h"
 #include "batch/system/folder.h"
+#include "batch/system/lines.h"
+#include "batch/system/process.h"
 
 namespace plenvorith {
 namespace {
@@ -183,13 +183,13 @@ std::string startEngine(HostEngine& engine, const std::string& parallel, const H
                         const std::vector<Host>& hosts,
                         const std::vector<std::vector<std::size_t>>& chunks) {
   engine.division = chunks;
-  std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+  std::optional<Pipe> numbers = makePipe();
+  if (!numbers) {
     return "GNU parallel cannot be started";
   }
-  engine.numbersRead = Descriptor(ends[0]);
-  engine.numbersWritten = Descriptor(ends[1]);
-  (void)fcntl(ends[1], F_SETFL, O_NONBLOCK);  // what does not fit in is written later
+  (void)fcntl(numbers->write.get(), F_SETFL, O_NONBLOCK);  // what does not fit in is written later
+  engine.numbersRead = std::move(numbers->read);
+  engine.numbersWritten = std::move(numbers->write);
   ToolStart start;
   start.arguments = engineOptions(hosts, engine.transfer);
   start.arguments.insert(start.arguments.begin(), parallel);
@@ -230,15 +230,9 @@ std::string sendChunk(HostEngine& engine) {
 }
 
 std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {
-  std::array<char, 65536> block{};
-  const ssize_t count = read(engine.parallel.output, block.data(), block.size());
-  isAlive = count > 0 || (count < 0 && errno == EINTR);
-  engine.pending.append(block.data(), static_cast<std::size_t>(std::max(count, ssize_t{0})));
+  isAlive = readMore(engine.parallel.output.get(), engine.pending);
   std::vector<Finished> all;
-  std::size_t start = 0;
-  for (std::size_t end = 0; (end = engine.pending.find('\n', start)) != std::string::npos;) {
-    const std::string line = engine.pending.substr(start, end - start);
-    start = end + 1;
+  for (const std::string& line : takeLines(engine.pending)) {
     const bool isChunk = engine.transfer && line.starts_with(kDone) &&
                          engine.chunks.erase(line.substr(kDone.size())) == 1;
     if (isChunk) {
@@ -250,7 +244,6 @@ std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {
       all.push_back(std::move(*finished));
     }
   }
-  engine.pending.erase(0, start);
   return all;
 }
 
@@ -266,7 +259,7 @@ std::vector<Finished> stopEngine(HostEngine& engine) {
   bool isAlive = true;
   for (int waited = 0; waited < kPatience;) {
     const bool hasEnded = waitpid(engine.parallel.process, nullptr, WNOHANG) != 0;
-    pollfd event{isAlive ? engine.parallel.output : -1, POLLIN, 0};
+    pollfd event{isAlive ? engine.parallel.output.get() : -1, POLLIN, 0};
     if (poll(&event, 1, hasEnded ? 0 : kLook) > 0) {
       std::vector<Finished> some = collectFromHosts(engine, isAlive);
       std::move(some.begin(), some.end(), std::back_inserter(all));

@@ -123,7 +123,8 @@ void addResults(HostLoop& loop, std::vector<Finished> all) {
 bool waitForHosts(HostLoop& loop, HostEngine& engine) {
   const bool hasWork = !loop.emptied.empty() || engine.sent < engine.division.size();
   const int patience = hasWork ? 0 : 200;  // milliseconds
-  pollfd events[] = {{loop.run.signals.get(), POLLIN, 0}, {engine.parallel.output, POLLIN, 0}};
+  pollfd events[] = {{loop.run.signals.get(), POLLIN, 0},
+                     {engine.parallel.output.get(), POLLIN, 0}};
   if (poll(events, 2, patience) <= 0) {
     removeSome(loop);
     return true;

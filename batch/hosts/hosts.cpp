@@ -11,20 +11,13 @@
 #include <optional>
 
 #include "batch/options.h"
+#include "batch/system/lines.h"
 #include "batch/system/text.h"
 #include "batch/system/tool.h"
 #include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {
-
-/// Cuts off and gives what stands before the first `end`, which goes as well.
-std::string_view cutOff(std::string_view& text, char end) {
-  const std::size_t place = std::min(text.find(end), text.size());
-  const std::string_view front = text.substr(0, place);
-  text.remove_prefix(std::min(place + 1, text.size()));
-  return front;
-}
 
 /// What one host has said.
 struct Answer {

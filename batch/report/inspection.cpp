@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include "batch/state/statement.h"
+#include "batch/system/lines.h"
 
 namespace plenvorith {
 namespace {
@@ -79,9 +80,7 @@ std::optional<MeshCheck> checkFrom(std::string_view printed) {
   int names = 0;
   bool isWhole = false;
   while (!printed.empty()) {
-    const std::size_t end = std::min(printed.find('\n'), printed.size());
-    const std::string_view line = printed.substr(0, end);
-    printed.remove_prefix(std::min(end + 1, printed.size()));
+    const std::string_view line = cutOff(printed, '\n');
     constexpr bool kThrows = false;
     const Json object = line.starts_with('{') ? Json::parse(line, nullptr, kThrows) : Json();
     if (!object.is_object()) {

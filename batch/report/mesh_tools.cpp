@@ -168,7 +168,7 @@ std::string startDisplay(const std::string& server, RunningTool& tool) {
   // The number of the display is all that it prints.
   std::string number;
   char digit = 0;
-  while (tool.process > 0 && read(tool.output, &digit, 1) == 1 && digit != '\n') {
+  while (tool.process > 0 && read(tool.output.get(), &digit, 1) == 1 && digit != '\n') {
     number += digit;
   }
   return number.empty() || digit != '\n' ? "" : ':' + number;

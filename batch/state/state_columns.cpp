@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "batch/state/statement.h"
+#include "batch/system/lines.h"
 
 namespace plenvorith {
 namespace {
@@ -50,9 +51,7 @@ std::optional<Bounds> boundsFrom(StatementUse& use) {
 std::vector<std::string> cutApart(std::string_view text) {
   std::vector<std::string> arguments;
   while (!text.empty()) {
-    const std::size_t end = text.find('\0');
-    arguments.emplace_back(text.substr(0, end));
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    arguments.emplace_back(cutOff(text, '\0'));
   }
   return arguments;
 }

@@ -9,6 +9,8 @@
 #include <signal.h>
 #include <sys/types.h>
 
+#include "batch/system/descriptor.h"
+
 namespace plenvorith {
 
 /// The path of a program of the system, looked up in PATH; empty if there is none.
@@ -27,22 +29,21 @@ enum class ToolErrors {
   Shared,    ///< goes where that of this process goes
 };
 
-/// How to start a program. Its standard input is empty unless there is one, and it is ended by a signal when the
-/// process that started it ends.
+/// How to start a program. It is ended by a signal when the process that started it ends.
 struct ToolStart {
   std::vector<std::string> arguments = {};  ///< the first is its path
-  std::vector<std::string> environment =
-      {};                   ///< in addition to that of this process, as in "NAME=value"
+  /// In addition to that of this process, as in "NAME=value".
+  std::vector<std::string> environment = {};
   std::string folder = {};  ///< where it runs; empty: here
   ToolErrors errors = ToolErrors::Dropped;
   int endSignal = SIGKILL;
-  int input = -1;  ///< descriptor that it reads from
+  int input = -1;  ///< descriptor that it reads from; -1: nothing
 };
 
 /// A program that was started and has to be waited for.
 struct RunningTool {
-  pid_t process = -1;   ///< leader of a process group of its own; -1: it could not be started
-  int output = -1;      ///< where its standard output can be read
+  pid_t process = 0;    ///< leader of a process group of its own; 0: it could not be started
+  Descriptor output;    ///< where its standard output can be read
   std::string written;  ///< what was read so far
   std::chrono::steady_clock::time_point end;  ///< when its time is over
   std::size_t number = 0;                     ///< for the caller

@@ -10,9 +10,7 @@
 #include <iostream>
 #include <limits>
 
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/statvfs.h>
 #include <sys/wait.h>
@@ -20,6 +18,7 @@
 
 #include "app/command_line.h"
 #include "batch/records/job.h"
+#include "batch/system/process.h"
 #include "batch/system/signals.h"
 #include "batch/worker/part_list.h"
 #include "brep/part_names.h"
@@ -31,17 +30,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kCannotStart = 127;
-
-/// The pointers to texts, and a null pointer behind them, as `main` and `exec` take them.
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
-}
 
 [[noreturn]] void endChild(int status) {
   (void)std::fflush(nullptr);  // what cannot be written is as lost as in any program
@@ -55,21 +43,10 @@ bool setLimit(__rlimit_resource_t resource, std::int64_t value) {
   return setrlimit(resource, &both) == 0;
 }
 
-/// Makes the copy of the worker what a program is that a shell has just started.
-bool setUpChild(const ChildSettings& child, pid_t worker) {
-  sigset_t none;
-  sigemptyset(&none);
-  const int empty = open("/dev/null", O_RDONLY);
-  // A worker that is killed takes its child with it; it may be gone already.
-  // The streams come first: what is said of the others belongs in the transcript.
-  const bool isUp = dup2(empty, STDIN_FILENO) >= 0 && dup2(child.transcript, STDOUT_FILENO) >= 0 &&
-                    dup2(child.transcript, STDERR_FILENO) >= 0 && setpgid(0, 0) == 0 &&
-                    prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && getppid() == worker &&
-                    chdir(child.workFolder.c_str()) == 0 &&
-                    setenv("TMPDIR", child.temporaryFolder.c_str(), 1) == 0 &&
-                    setLimit(RLIMIT_CORE, 0) && sigprocmask(SIG_SETMASK, &none, nullptr) == 0;
+/// Sets up what is particular to a conversion.
+bool setUpConversion(const ChildSettings& child) {
   closefrom(STDERR_FILENO + 1);
-  return isUp &&
+  return setenv("TMPDIR", child.temporaryFolder.c_str(), 1) == 0 && setLimit(RLIMIT_CORE, 0) &&
          (child.settings.memoryLimit == 0 || setLimit(RLIMIT_AS, child.settings.memoryLimit));
 }
 
@@ -98,8 +75,8 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
   std::ofstream(path) << lineFrom(shapes) << '\n';  // of a full disk the outputs tell
 }
 
-[[noreturn]] void becomeConverter(const ChildSettings& child, pid_t worker) {
-  if (!setUpChild(child, worker)) {
+[[noreturn]] void becomeConverter(const ChildSettings& child) {
+  if (!setUpConversion(child)) {
     std::cerr << "plenvorith-batch: cannot set up the conversion" << std::endl;
     endChild(kCannotStart);
   }
@@ -110,8 +87,8 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
   prepareInput(child, arguments);
   const std::string& program = child.settings.program;
   arguments.insert(arguments.begin(), program.empty() ? "plenvorith" : program);
-  std::vector<char*> pointers = pointersTo(arguments);
   if (program.empty()) {
+    std::vector<char*> pointers = pointersTo(arguments);
     std::vector<PartName> names;
     const bool withParts = child.settings.parts;
     std::vector<PartName>* const wanted = child.namesPath.empty() && !withParts ? nullptr : &names;
@@ -122,7 +99,7 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
     }
     endChild(status);
   }
-  execv(program.c_str(), pointers.data());
+  becomeProgram(program, arguments);
   std::cerr << "plenvorith-batch: cannot start " << program << std::endl;
   endChild(kCannotStart);
 }
@@ -190,16 +167,14 @@ ChildEnd runChild(const ChildSettings& child, const WorkerSignals& signals) {
   watch.start = Clock::now();
   watch.deadline = child.settings.timeLimit.count() == 0 ? std::chrono::hours(24 * 36600)
                                                          : child.settings.timeLimit;
-  const pid_t worker = getpid();
-  watch.child = fork();
+  // A worker that is killed takes its child with it.
+  watch.child = startProcess(
+      {.output = child.transcript, .errors = child.transcript, .folder = child.workFolder},
+      [&child] { becomeConverter(child); });
   if (watch.child == 0) {
-    becomeConverter(child, worker);
-  }
-  if (watch.child < 0) {
     end.forkError = errno;
     return end;
   }
-  setpgid(watch.child, watch.child);  // whoever of the two is first
 
   int status = 0;
   rusage usage{};

@@ -1,7 +1,5 @@
 #include "batch/worker/worker.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -20,6 +18,7 @@
 #include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
 #include "batch/system/host_name.h"
+#include "batch/system/lines.h"
 #include "batch/system/signals.h"
 #include "batch/system/text.h"
 #include "batch/worker/mesh_doubt.h"
@@ -162,17 +161,6 @@ void makeAbsolute(const std::string& folder, Job& job) {
   }
 }
 
-/// Cuts the first line off the front of `text`, or nothing if there is no whole one.
-std::optional<std::string> takeLine(std::string& text) {
-  const std::size_t end = text.find('\n');
-  if (end == std::string::npos) {
-    return std::nullopt;
-  }
-  std::string line = text.substr(0, end);
-  text.erase(0, end + 1);
-  return line;
-}
-
 /// Waits for jobs and appends them to `text`; false if there will be none any more.
 bool receive(int jobs, const WorkerSignals& signals, std::string& text) {
   pollfd events[] = {{jobs, POLLIN, 0}, {signals.signals, POLLIN, 0}, {signals.results, 0, 0}};
@@ -187,13 +175,7 @@ bool receive(int jobs, const WorkerSignals& signals, std::string& text) {
   if ((events[2].revents & (POLLERR | POLLHUP)) != 0) {
     return false;
   }
-  if (events[0].revents == 0) {
-    return true;
-  }
-  std::array<char, 65536> block{};
-  const ssize_t count = read(jobs, block.data(), block.size());
-  text.append(block.data(), static_cast<std::size_t>(std::max(count, ssize_t{0})));
-  return count > 0;
+  return events[0].revents == 0 || readMore(jobs, text);
 }
 
 }  // namespace
@@ -252,28 +234,26 @@ int runWorker(int jobs, int results) {
   const std::string folder = absolutePath(".");
   std::string text;
   bool isWarm = false;
-  bool isStopped = false;
-  while (!isStopped) {
-    const std::optional<std::string> line = takeLine(text);
-    if (!line) {
-      if (!receive(jobs, signals, text)) {
+  while (receive(jobs, signals, text)) {
+    for (const std::string& line : takeLines(text)) {
+      std::optional<Job> job = jobFrom(line);
+      if (!job) {
+        return 2;
+      }
+      makeAbsolute(folder, *job);
+      if (!isWarm && job->settings.program.empty() && makeEmptyFolder(job->temporaryFolder)) {
+        warmUp(job->temporaryFolder);
+        isWarm = true;
+      }
+      bool isStopped = false;
+      JobResult result = convertFile(*job, signals, isStopped);
+      result.host = host;
+      if (isStopped) {
         return 0;
       }
-      continue;
-    }
-    std::optional<Job> job = jobFrom(*line);
-    if (!job) {
-      return 2;
-    }
-    makeAbsolute(folder, *job);
-    if (!isWarm && job->settings.program.empty() && makeEmptyFolder(job->temporaryFolder)) {
-      warmUp(job->temporaryFolder);
-      isWarm = true;
-    }
-    JobResult result = convertFile(*job, signals, isStopped);
-    result.host = host;
-    if (!isStopped && !writeAll(results, lineFrom(result) + '\n')) {
-      return 1;
+      if (!writeAll(results, lineFrom(result) + '\n')) {
+        return 1;
+      }
     }
   }
   return 0;

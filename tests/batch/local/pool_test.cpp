@@ -1,18 +1,18 @@
 #include "batch/local/pool.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "batch/system/process.h"
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/triangle_step.h"
@@ -165,11 +165,9 @@ TEST_F(PoolTest, WaitsForNoWorkerThatSendsSomethingElse) {
     if (!isBusy) {
       pool.workers[0].file.reset();
     }
-    std::array<int, 2> ends{};
-    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    pool.workers[0].process.results = Descriptor(ends[0]);
-    const Descriptor sender(ends[1]);
-    ASSERT_TRUE(writeAll(sender.get(), "welcome\n"));
+    Pipe pipe = std::move(*makePipe());
+    pool.workers[0].process.results = std::move(pipe.read);
+    ASSERT_TRUE(writeAll(pipe.write.get(), "welcome\n"));
     const PoolEvents events = collectResults(pool, {0}, files);
     EXPECT_THAT(events.finished, IsEmpty());
     EXPECT_THAT(events.lost, SizeIs(isBusy ? 1 : 0));

@@ -1,62 +1,20 @@
 #include "batch/local/worker_process.h"
 
-#include <array>
 #include <csignal>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "batch/records/job.h"
-#include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/triangle_step.h"
 
 namespace plenvorith {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-/// A worker whose results are written by the test.
-struct PretendedWorker {
-  PretendedWorker() {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    worker.results = Descriptor(ends[0]);
-    results = Descriptor(ends[1]);
-  }
-
-  WorkerProcess worker;
-  Descriptor results;
-};
-
-TEST(ReceiveLines, PutsLinesTogetherFromPieces) {
-  PretendedWorker pretended;
-  bool isAlive = false;
-  EXPECT_TRUE(writeAll(pretended.results.get(), "fi"));
-  EXPECT_THAT(receiveLines(pretended.worker, isAlive), IsEmpty());
-  EXPECT_TRUE(isAlive);
-  EXPECT_TRUE(writeAll(pretended.results.get(), "rst\nsecond\n\nthi"));
-  EXPECT_THAT(receiveLines(pretended.worker, isAlive), ElementsAre("first", "second", ""));
-  EXPECT_TRUE(writeAll(pretended.results.get(), "rd\n"));
-  EXPECT_THAT(receiveLines(pretended.worker, isAlive), ElementsAre("third"));
-  EXPECT_TRUE(isAlive);
-}
-
-TEST(ReceiveLines, GivesNoLineThatIsNotWholeAtTheEnd) {
-  PretendedWorker pretended;
-  EXPECT_TRUE(writeAll(pretended.results.get(), "whole\nhalf"));
-  pretended.results.close();
-  bool isAlive = false;
-  EXPECT_THAT(receiveLines(pretended.worker, isAlive), ElementsAre("whole"));
-  EXPECT_THAT(receiveLines(pretended.worker, isAlive), IsEmpty());
-  EXPECT_FALSE(isAlive);
-}
 
 std::optional<WorkerProcess> started() {
   auto worker = startWorker();
@@ -88,22 +46,6 @@ TEST(StartWorker, GivesAWorkerThatConverts) {
   EXPECT_EQ(test::readFile(dir / "work/out/a.stl").size(), 134U);
   EXPECT_EQ(buryWorker(*worker), 0);
   EXPECT_EQ(worker->process, 0);
-}
-
-/// What the system says of the signals of a process.
-unsigned long long ignoredSignals(pid_t process) {
-  const std::string status = test::readFile("/proc/" + std::to_string(process) + "/status");
-  const std::string name = "\nSigIgn:\t";
-  return std::stoull(status.substr(status.find(name) + name.size()), nullptr, 16);
-}
-
-TEST(StartWorker, KeepsItApartFromTheSignalsOfItsDriver) {
-  const test::ScopedSignals before;
-  std::signal(SIGPIPE, SIG_IGN);
-  auto worker = started();
-  EXPECT_EQ(getpgid(worker->process), worker->process);
-  EXPECT_EQ(ignoredSignals(worker->process) & (1ULL << (SIGPIPE - 1)), 0U);
-  EXPECT_EQ(buryWorker(*worker), 0);
 }
 
 TEST(BuryWorker, TellsTheSignalThatEndedIt) {

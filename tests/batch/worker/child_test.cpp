@@ -1,19 +1,19 @@
 #include "batch/worker/child.h"
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <limits>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "batch/system/descriptor.h"
+#include "batch/system/process.h"
 #include "batch/system/signals.h"
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
@@ -32,10 +32,6 @@ class ChildTest : public testing::Test {
   ChildTest() {
     std::filesystem::create_directories(dir / "work");
     std::filesystem::create_directories(dir / "tmp");
-    std::array<int, 2> ends{};
-    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    reader = Descriptor(ends[0]);
-    results = Descriptor(ends[1]);
     transcriptFile =
         Descriptor(open((dir / "transcript").c_str(), O_RDWR | O_CREAT | O_APPEND, 0600));
     child.workFolder = dir / "work";
@@ -51,7 +47,7 @@ class ChildTest : public testing::Test {
   }
 
   ChildEnd run() {
-    return runChild(child, {listener.get(), results.get()});
+    return runChild(child, {listener.get(), results.write.get()});
   }
 
   std::string transcript() const {
@@ -61,8 +57,7 @@ class ChildTest : public testing::Test {
   const test::ScopedSignals before;
   const Descriptor listener = listenToSignals({SIGCHLD, SIGHUP, SIGINT, SIGTERM});
   test::TempDir dir;
-  Descriptor reader;
-  Descriptor results;
+  Pipe results = std::move(*makePipe());
   Descriptor transcriptFile;
   ChildSettings child;
 };
@@ -130,7 +125,7 @@ TEST_F(ChildTest, TellsThatAProgramCannotBeStarted) {
 TEST_F(ChildTest, TellsThatTheWorkFolderIsMissing) {
   child.workFolder = dir / "missing";
   EXPECT_EQ(run().exitStatus, 127);
-  EXPECT_EQ(transcript(), "plenvorith-batch: cannot set up the conversion\n");
+  EXPECT_EQ(transcript(), "plenvorith-batch: cannot set up the process\n");
 }
 
 TEST_F(ChildTest, LimitsTheMemory) {
@@ -168,7 +163,7 @@ TEST_F(ChildTest, EndsItWhenASignalAsksTheWorkerToEnd) {
 
 TEST_F(ChildTest, EndsItWhenNobodyReadsResultsAnyMore) {
   takeScript("sleep 1000");
-  reader.close();
+  results.read.close();
   const ChildEnd end = run();
   EXPECT_TRUE(end.isStopped);
   EXPECT_EQ(end.signal, SIGTERM);

@@ -1,16 +1,16 @@
 #include "batch/worker/worker.h"
 
-#include <array>
 #include <csignal>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "batch/system/descriptor.h"
+#include "batch/local/worker_process.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/triangle_step.h"
 
@@ -23,36 +23,8 @@ using testing::HasSubstr;
 /// A worker in a process of its own, as a driver has it.
 class WorkerTest : public testing::Test {
  protected:
-  WorkerTest() {
-    std::array<int, 2> jobPipe{};
-    std::array<int, 2> resultPipe{};
-    EXPECT_EQ(pipe2(jobPipe.data(), O_CLOEXEC), 0);
-    EXPECT_EQ(pipe2(resultPipe.data(), O_CLOEXEC), 0);
-    worker = fork();
-    if (worker == 0) {
-      close(jobPipe[1]);
-      close(resultPipe[0]);
-      // Without it the exceptions of conversions would end up in the test framework.
-      [&]() noexcept { _exit(runWorker(jobPipe[0], resultPipe[1])); }();
-    }
-    close(jobPipe[0]);
-    close(resultPipe[1]);
-    jobs = Descriptor(jobPipe[1]);
-    results = Descriptor(resultPipe[0]);
-  }
   ~WorkerTest() override {
-    jobs.close();
-    results.close();
-    end();
-  }
-
-  int end() {
-    int status = 0;
-    if (worker != 0) {
-      waitpid(worker, &status, 0);
-      worker = 0;
-    }
-    return status;
+    (void)buryWorker(worker);
   }
 
   Job jobFor(const std::string& name) const {
@@ -67,29 +39,30 @@ class WorkerTest : public testing::Test {
   }
 
   void send(const Job& job) const {
-    ASSERT_TRUE(writeAll(jobs.get(), lineFrom(job) + '\n'));
+    ASSERT_TRUE(writeAll(worker.jobs.get(), lineFrom(job) + '\n'));
   }
 
-  JobResult receive() const {
-    std::string line;
-    char c = 0;
-    while (read(results.get(), &c, 1) == 1 && c != '\n') {
-      line += c;
+  JobResult convert(const Job& job) {
+    send(job);
+    bool isAlive = true;
+    std::vector<std::string> lines;
+    while (isAlive && lines.empty()) {
+      lines = receiveLines(worker, isAlive);
     }
-    const auto result = resultFrom(line, {{5, ""}});
-    EXPECT_TRUE(result.has_value()) << line;
+    const auto result = lines.empty() ? std::nullopt : resultFrom(lines[0], {{5, ""}});
+    EXPECT_TRUE(result.has_value());
     return result.value_or(JobResult());
   }
 
-  JobResult convert(const Job& job) const {
-    send(job);
-    return receive();
+  /// Waits for its end; gives how that came.
+  int end() {
+    int status = -1;
+    EXPECT_GT(waitpid(std::exchange(worker.process, 0), &status, 0), 0);
+    return status;
   }
 
   test::TempDir dir;
-  pid_t worker = 0;
-  Descriptor jobs;
-  Descriptor results;
+  WorkerProcess worker = std::move(*startWorker());
 };
 
 TEST_F(WorkerTest, ConvertsFileAfterFile) {
@@ -106,7 +79,7 @@ TEST_F(WorkerTest, ConvertsFileAfterFile) {
     EXPECT_EQ(test::readFile(dir / "work/out/a.stp.stl").size(), 134U);
     EXPECT_THAT(test::readFile(dir / "transcripts/a.stp.txt"), testing::EndsWith("Done\n"));
   }
-  jobs.close();
+  worker.jobs.close();
   EXPECT_EQ(end(), 0);
 }
 
@@ -216,17 +189,15 @@ TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
 TEST_F(WorkerTest, EndsWithItsConversionWhenNobodyReadsItsResults) {
   ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
   send(jobFor("pipe.stp"));
-  results.close();
+  worker.results.close();
   EXPECT_EQ(end(), 0);
 }
 
 TEST_F(WorkerTest, EndsOnASignal) {
   ASSERT_EQ(mkfifo((dir / "pipe.stp").c_str(), 0600), 0);
   send(jobFor("pipe.stp"));
-  kill(worker, SIGTERM);
-  int status = 0;
-  ASSERT_EQ(waitpid(worker, &status, 0), worker);
-  worker = 0;
+  kill(worker.process, SIGTERM);
+  const int status = end();
   // Either it was listening already, or the signal came before.
   EXPECT_TRUE((WIFEXITED(status) && WEXITSTATUS(status) == 0) || WIFSIGNALED(status));
 }
