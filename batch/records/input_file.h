@@ -17,6 +17,8 @@ struct InputHeader {
   std::string schema;     ///< of FILE_SCHEMA; several with a comma between them
   std::string system;     ///< that wrote it, of FILE_NAME
   std::string timeStamp;  ///< of FILE_NAME
+
+  bool operator==(const InputHeader&) const = default;
 };
 
 }  // namespace plenvorith

@@ -1,5 +1,6 @@
 #include "batch/records/job.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string_view>
 #include <utility>
@@ -45,6 +46,21 @@ std::string bytesOf(std::string_view text) {
   return bytes;
 }
 
+std::optional<Json> objectFrom(const std::string& line) {
+  constexpr bool kNoExceptions = false;
+  Json object = Json::parse(line, nullptr, kNoExceptions);
+  if (!object.is_object() || !object.contains("id")) {
+    return std::nullopt;
+  }
+  return object;
+}
+
+std::string lineOf(const Json& object) {
+  constexpr int kOneLine = -1;
+  constexpr bool kAsciiOnly = true;
+  return object.dump(kOneLine, ' ', kAsciiOnly);
+}
+
 // Values that are missing or of another kind keep their defaults.
 void get(const Json& object, const char* name, std::string& value) {
   const auto found = object.find(name);
@@ -88,41 +104,107 @@ void get(const Json& object, const char* name, std::optional<int>& value) {
   }
 }
 
-std::optional<Json> objectFrom(const std::string& line) {
-  constexpr bool kNoExceptions = false;
-  Json object = Json::parse(line, nullptr, kNoExceptions);
-  if (!object.is_object() || !object.contains("id")) {
-    return std::nullopt;
-  }
-  return object;
+void get(const Json& object, const char* name, std::chrono::seconds& value) {
+  std::int64_t seconds = value.count();
+  get(object, name, seconds);
+  value = std::chrono::seconds(seconds);
 }
 
-std::string lineOf(const Json& object) {
-  constexpr int kOneLine = -1;
-  constexpr bool kAsciiOnly = true;
-  return object.dump(kOneLine, ' ', kAsciiOnly);
-}
-
-Json boundsFrom(const Bounds& bounds) {
-  return {bounds.low[0],  bounds.low[1],  bounds.low[2],
-          bounds.high[0], bounds.high[1], bounds.high[2]};
-}
-
-std::optional<Bounds> boundsOf(const Json& object) {
-  const auto found = object.find("bounds");
+void get(const Json& object, const char* name, std::optional<Bounds>& value) {
+  const auto found = object.find(name);
   if (found == object.end() || !found->is_array() || found->size() != 6) {
-    return std::nullopt;
+    return;
   }
   Bounds bounds;
   for (std::size_t i = 0; i < 6; ++i) {
     const Json& number = (*found)[i];
-    const double value = number.is_number() ? number.get<double>() : NAN;
-    if (!std::isfinite(value)) {
-      return std::nullopt;
-    }
-    (i < 3 ? bounds.low : bounds.high)[i % 3] = value;
+    (i < 3 ? bounds.low : bounds.high)[i % 3] = number.is_number() ? number.get<double>() : NAN;
   }
-  return bounds;
+  const auto isFinite = [](double number) { return std::isfinite(number); };
+  if (std::ranges::all_of(bounds.low, isFinite) && std::ranges::all_of(bounds.high, isFinite)) {
+    value = bounds;
+  }
+}
+
+void put(Json& object, const char* name, const std::string& value) {
+  object[name] = textFrom(value);
+}
+
+void put(Json& object, const char* name, const std::chrono::seconds& value) {
+  object[name] = value.count();
+}
+
+void put(Json& object, const char* name, const std::optional<int>& value) {
+  if (value) {
+    object[name] = *value;
+  }
+}
+
+void put(Json& object, const char* name, const std::optional<Bounds>& value) {
+  if (value) {
+    const auto& [low, high] = *value;
+    object[name] = {low[0], low[1], low[2], high[0], high[1], high[2]};
+  }
+}
+
+template <typename Value>
+void put(Json& object, const char* name, const Value& value) {
+  object[name] = value;
+}
+
+/// Calls `visit` with the name and the value of each field of a job, to be read or to be set.
+template <typename AnyJob, typename Visit>
+void visitJob(AnyJob& job, const Visit& visit) {
+  visit("id", job.id);
+  visit("input", job.input);
+  visit("outFolder", job.outFolder);
+  visit("temporaryFolder", job.temporaryFolder);
+  visit("output", job.outputName);
+  visit("transcript", job.transcript);
+  visit("names", job.names);
+  visit("to", job.settings.to);
+  visit("deflection", job.settings.deflection);
+  visit("split", job.settings.split);
+  visit("parts", job.settings.parts);
+  visit("prepare", job.settings.prepare);
+  visit("program", job.settings.program);
+  visit("timeLimit", job.settings.timeLimit);
+  visit("memoryLimit", job.settings.memoryLimit);
+}
+
+/// The same with a result, but for its outputs.
+template <typename AnyResult, typename Visit>
+void visitResult(AnyResult& result, const Visit& visit) {
+  visit("id", result.id);
+  visit("converted", result.isConverted);
+  visit("tried", result.isTried);
+  visit("reason", result.reason);
+  visit("lastLine", result.lastLine);
+  visit("exitStatus", result.exitStatus);
+  visit("signal", result.signal);
+  visit("size", result.size);
+  visit("mtime", result.mtime);
+  visit("changed", result.changed);
+  visit("inode", result.inode);
+  visit("started", result.started);
+  visit("hash", result.hash);
+  visit("schema", result.header.schema);
+  visit("system", result.header.system);
+  visit("timeStamp", result.header.timeStamp);
+  visit("triangles", result.triangles);
+  visit("bounds", result.bounds);
+  visit("seconds", result.seconds);
+  visit("cpuSeconds", result.cpuSeconds);
+  visit("peakMemory", result.peakMemory);
+  visit("host", result.host);
+}
+
+auto putInto(Json& object) {
+  return [&object](const char* name, const auto& value) { put(object, name, value); };
+}
+
+auto getFrom(const Json& object) {
+  return [&object](const char* name, auto& value) { get(object, name, value); };
 }
 
 /// Whether a file may be an output of a job that was asked for one of this name. Triangles that
@@ -155,22 +237,9 @@ std::optional<std::vector<OutputRecord>> outputsOf(const Json& object, const std
 }  // namespace
 
 std::string lineFrom(const Job& job) {
-  const ConversionSettings& settings = job.settings;
-  return lineOf({{"id", job.id},
-                 {"input", textFrom(job.input)},
-                 {"outFolder", textFrom(job.outFolder)},
-                 {"temporaryFolder", textFrom(job.temporaryFolder)},
-                 {"output", textFrom(job.outputName)},
-                 {"transcript", textFrom(job.transcript)},
-                 {"names", job.names},
-                 {"to", textFrom(settings.to)},
-                 {"deflection", textFrom(settings.deflection)},
-                 {"split", settings.split},
-                 {"parts", settings.parts},
-                 {"prepare", settings.prepare},
-                 {"program", textFrom(settings.program)},
-                 {"timeLimit", settings.timeLimit.count()},
-                 {"memoryLimit", settings.memoryLimit}});
+  Json object;
+  visitJob(job, putInto(object));
+  return lineOf(object);
 }
 
 std::optional<Job> jobFrom(const std::string& line) {
@@ -179,58 +248,15 @@ std::optional<Job> jobFrom(const std::string& line) {
     return std::nullopt;
   }
   Job job;
-  std::int64_t timeLimit = 0;
-  get(*object, "id", job.id);
-  get(*object, "input", job.input);
-  get(*object, "outFolder", job.outFolder);
-  get(*object, "temporaryFolder", job.temporaryFolder);
-  get(*object, "output", job.outputName);
-  get(*object, "transcript", job.transcript);
-  get(*object, "names", job.names);
-  get(*object, "to", job.settings.to);
-  get(*object, "deflection", job.settings.deflection);
-  get(*object, "split", job.settings.split);
-  get(*object, "parts", job.settings.parts);
-  get(*object, "prepare", job.settings.prepare);
-  get(*object, "program", job.settings.program);
-  get(*object, "timeLimit", timeLimit);
-  get(*object, "memoryLimit", job.settings.memoryLimit);
-  job.settings.timeLimit = std::chrono::seconds(timeLimit);
+  job.settings.timeLimit = std::chrono::seconds(0);
+  visitJob(job, getFrom(*object));
   return job;
 }
 
 std::string lineFrom(const JobResult& result) {
   constexpr int kProtocol = 1;  // 2 once a reader of 1 would misread a line
-  Json object = {{"protocol", kProtocol},
-                 {"id", result.id},
-                 {"converted", result.isConverted},
-                 {"tried", result.isTried},
-                 {"reason", textFrom(result.reason)},
-                 {"lastLine", textFrom(result.lastLine)},
-                 {"size", result.size},
-                 {"mtime", result.mtime},
-                 {"changed", result.changed},
-                 {"inode", result.inode},
-                 {"started", result.started},
-                 {"hash", textFrom(result.hash)},
-                 {"schema", textFrom(result.header.schema)},
-                 {"system", textFrom(result.header.system)},
-                 {"timeStamp", textFrom(result.header.timeStamp)},
-                 {"triangles", result.triangles},
-                 {"seconds", result.seconds},
-                 {"cpuSeconds", result.cpuSeconds},
-                 {"peakMemory", result.peakMemory},
-                 {"host", textFrom(result.host)},
-                 {"outputs", Json::array()}};
-  if (result.exitStatus) {
-    object["exitStatus"] = *result.exitStatus;
-  }
-  if (result.signal) {
-    object["signal"] = *result.signal;
-  }
-  if (result.bounds) {
-    object["bounds"] = boundsFrom(*result.bounds);
-  }
+  Json object = {{"protocol", kProtocol}, {"outputs", Json::array()}};
+  visitResult(result, putInto(object));
   for (const OutputRecord& output : result.outputs) {
     object["outputs"].push_back({{"path", textFrom(output.path)}, {"size", output.size}});
   }
@@ -261,27 +287,7 @@ std::optional<JobResult> resultFrom(const std::string& line, const OpenJobs& ope
   if (job == open.end()) {
     return std::nullopt;
   }
-  get(*object, "converted", result.isConverted);
-  get(*object, "tried", result.isTried);
-  get(*object, "reason", result.reason);
-  get(*object, "lastLine", result.lastLine);
-  get(*object, "exitStatus", result.exitStatus);
-  get(*object, "signal", result.signal);
-  get(*object, "size", result.size);
-  get(*object, "mtime", result.mtime);
-  get(*object, "changed", result.changed);
-  get(*object, "inode", result.inode);
-  get(*object, "started", result.started);
-  get(*object, "hash", result.hash);
-  get(*object, "schema", result.header.schema);
-  get(*object, "system", result.header.system);
-  get(*object, "timeStamp", result.header.timeStamp);
-  get(*object, "triangles", result.triangles);
-  get(*object, "seconds", result.seconds);
-  get(*object, "cpuSeconds", result.cpuSeconds);
-  get(*object, "peakMemory", result.peakMemory);
-  get(*object, "host", result.host);
-  result.bounds = boundsOf(*object);
+  visitResult(result, getFrom(*object));
   std::optional<std::vector<OutputRecord>> outputs = outputsOf(*object, job->second);
   if (!outputs || (result.isConverted && outputs->empty())) {
     return std::nullopt;

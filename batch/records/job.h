@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "batch/records/input_file.h"
-#include "batch/records/output.h"
+#include "batch/records/outcome.h"
 #include "batch/records/settings.h"
 
 namespace plenvorith {
@@ -23,33 +22,20 @@ struct Job {
   std::string transcript;       ///< where standard output and error go; its folder is made
   bool names = false;  ///< whether to leave the names of the exact shapes in the temporary folder
   ConversionSettings settings;
+
+  bool operator==(const Job&) const = default;
 };
 
-/// What a worker says of a job. Times and memory are those of the conversion alone.
-struct JobResult {
+/// What a worker says of a job. The outputs are names in the job's folder; none if it is not
+/// converted.
+struct JobResult : Outcome {
   std::int64_t id = 0;
   bool isConverted = false;
   /// Whether the file is the reason: not where it could not be read, or where there was no room.
   bool isTried = true;
-  std::string reason;  ///< why it failed, or what is doubtful about it
-  std::string lastLine;
-  std::optional<int> exitStatus;
-  std::optional<int> signal;
-  std::int64_t size = 0;      ///< of the input
-  std::int64_t mtime = 0;     ///< of the input, nanoseconds since 1970
-  std::int64_t changed = -1;  ///< time of change of its status, likewise
-  std::int64_t inode = -1;
   std::int64_t started = 0;  ///< when the conversion began, nanoseconds since 1970
-  InputHeader header;
-  std::string hash;  ///< of the input
-  std::int64_t triangles = 0;
-  std::optional<Bounds> bounds;
-  double seconds = 0.0;
-  double cpuSeconds = 0.0;
-  std::int64_t peakMemory = 0;
-  std::string host;
-  std::vector<OutputRecord>
-      outputs;  ///< names in the job's folder of outputs; none if it is not converted
+
+  bool operator==(const JobResult&) const = default;
 };
 
 /// The file in the temporary folder of a job that holds the names.

@@ -10,12 +10,16 @@ namespace plenvorith {
 struct Bounds {
   std::array<double, 3> low{};
   std::array<double, 3> high{};
+
+  bool operator==(const Bounds&) const = default;
 };
 
 /// A file that a conversion made.
 struct OutputRecord {
   std::string path;  ///< below the output folder; any bytes
   std::int64_t size = 0;
+
+  bool operator==(const OutputRecord&) const = default;
 };
 
 }  // namespace plenvorith

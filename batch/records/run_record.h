@@ -18,6 +18,8 @@ struct RunRecord {
   std::string host;
   std::string base;     ///< the folder that the names of the files begin in
   std::string leftOut;  ///< what was not looked at, in printable lines
+
+  bool operator==(const RunRecord&) const = default;
 };
 
 }  // namespace plenvorith

@@ -22,6 +22,8 @@ struct ConversionSettings {
   std::string program;             ///< what to run for each file; empty: the converter in here
   std::chrono::seconds timeLimit = std::chrono::hours(1);  ///< for each file; 0: none
   std::int64_t memoryLimit = 0;  ///< bytes of address space for each file; 0: none
+
+  bool operator==(const ConversionSettings&) const = default;
 };
 
 }  // namespace plenvorith

@@ -69,28 +69,14 @@ constexpr std::int64_t kUnknownTime = -1;
 FileRecord recordOf(const RunContext& context, const Finished& finished) {
   const JobResult& result = finished.result;
   FileRecord record;
+  static_cast<Outcome&>(record) = result;
   record.path = finished.input;
   record.name = nameBelow(context.base, finished.input);
   record.run = context.run;
   record.status = result.isConverted ? FileStatus::Delivering : FileStatus::Failed;
-  record.reason = result.reason;
-  record.lastLine = result.lastLine;
-  record.exitStatus = result.exitStatus;
-  record.signal = result.signal;
-  record.size = result.size;
   record.mtime = isTooYoung(result.mtime, result.started) ? kUnknownTime : result.mtime;
-  record.changed = result.changed;
-  record.inode = result.inode;
-  record.hash = result.hash;
-  record.header = result.header;
   record.settings = context.settings;
   record.program = context.program;
-  record.triangles = result.triangles;
-  record.seconds = result.seconds;
-  record.cpuSeconds = result.cpuSeconds;
-  record.peakMemory = result.peakMemory;
-  record.bounds = result.bounds;
-  record.host = result.host;
   return record;
 }
 

@@ -44,21 +44,7 @@ TEST(JobLine, IsAsciiAndGivesAllBack) {
       std::string::npos);
   const auto back = jobFrom(line);
   ASSERT_TRUE(back.has_value());
-  EXPECT_EQ(back->id, 7);
-  EXPECT_EQ(back->input, job.input);
-  EXPECT_EQ(back->outFolder, job.outFolder);
-  EXPECT_EQ(back->temporaryFolder, job.temporaryFolder);
-  EXPECT_EQ(back->outputName, job.outputName);
-  EXPECT_EQ(back->transcript, job.transcript);
-  EXPECT_TRUE(back->names);
-  EXPECT_EQ(back->settings.to, "stp");
-  EXPECT_EQ(back->settings.deflection, "2.5e-1");
-  EXPECT_TRUE(back->settings.split);
-  EXPECT_TRUE(back->settings.parts);
-  EXPECT_TRUE(back->settings.prepare);
-  EXPECT_EQ(back->settings.program, "/bin/x");
-  EXPECT_EQ(back->settings.timeLimit, std::chrono::seconds(90));
-  EXPECT_EQ(back->settings.memoryLimit, std::int64_t{1} << 40);
+  EXPECT_TRUE(*back == job);
 }
 
 TEST(ResultLine, GivesAllBack) {
@@ -88,33 +74,7 @@ TEST(ResultLine, GivesAllBack) {
   EXPECT_EQ(line.find('\n'), std::string::npos);
   const auto back = resultFrom(line, {{9, "\xff.stl"}});
   ASSERT_TRUE(back.has_value());
-  EXPECT_EQ(back->id, 9);
-  EXPECT_TRUE(back->isConverted);
-  EXPECT_EQ(back->reason, "why");
-  EXPECT_EQ(back->lastLine, result.lastLine);
-  EXPECT_EQ(back->exitStatus, 0);
-  EXPECT_EQ(back->signal, 11);
-  EXPECT_EQ(back->size, 5);
-  EXPECT_EQ(back->mtime, result.mtime);
-  EXPECT_EQ(back->changed, 5);
-  EXPECT_EQ(back->inode, 6);
-  EXPECT_EQ(back->started, 7);
-  EXPECT_FALSE(back->isTried);
-  EXPECT_EQ(back->hash, result.hash);
-  EXPECT_EQ(back->triangles, 12);
-  ASSERT_TRUE(back->bounds.has_value());
-  EXPECT_EQ(back->bounds->low, result.bounds->low);
-  EXPECT_EQ(back->bounds->high, result.bounds->high);
-  EXPECT_EQ(back->seconds, 0.25);
-  EXPECT_EQ(back->cpuSeconds, 0.125);
-  EXPECT_EQ(back->peakMemory, 4096);
-  EXPECT_EQ(back->host, "here");
-  EXPECT_EQ(back->header.schema, "schema");
-  EXPECT_EQ(back->header.system, allBytes());
-  EXPECT_EQ(back->header.timeStamp, "stamp");
-  ASSERT_EQ(back->outputs.size(), 2U);
-  EXPECT_EQ(back->outputs[0].path, "\xff.stl");
-  EXPECT_EQ(back->outputs[0].size, 684);
+  EXPECT_TRUE(*back == result);
 }
 
 TEST(ResultLine, TellsItsProtocol) {

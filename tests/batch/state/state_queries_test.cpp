@@ -1,9 +1,6 @@
 #include "batch/state/state_queries.h"
 
-#include <array>
-#include <string>
-
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include "batch/state/statement.h"
@@ -22,35 +19,8 @@ class StateQueriesTest : public testing::Test {
     sqlite3_close(database);
   }
 
-  /// The number of values that go into a query and of those that a row of it has.
-  std::array<int, 2> valuesOf(Query query) {
-    sqlite3_stmt* statement = nullptr;
-    const std::string text = allQueries().at(static_cast<std::size_t>(query));
-    EXPECT_EQ(sqlite3_prepare_v2(database, text.c_str(), -1, &statement, nullptr), SQLITE_OK)
-        << text << ": " << sqlite3_errmsg(database);
-    const std::array<int, 2> values = {sqlite3_bind_parameter_count(statement),
-                                       sqlite3_column_count(statement)};
-    sqlite3_finalize(statement);
-    return values;
-  }
-
   sqlite3* database = nullptr;
 };
-
-using Values = std::array<int, 2>;
-
-TEST_F(StateQueriesTest, TakeAndGiveTheValuesOfTheRecords) {
-  EXPECT_EQ(valuesOf(Query::PutRun), (Values{10, 1}));
-  EXPECT_EQ(valuesOf(Query::PutFile), (Values{29, 1}));
-  EXPECT_EQ(valuesOf(Query::DropOutputs), (Values{1, 0}));
-  EXPECT_EQ(valuesOf(Query::PutOutput), (Values{3, 0}));
-  EXPECT_EQ(valuesOf(Query::RemoveFile), (Values{1, 0}));
-  EXPECT_EQ(valuesOf(Query::FindId), (Values{1, 1}));
-  EXPECT_EQ(valuesOf(Query::FindFile), (Values{1, 30}));
-  EXPECT_EQ(valuesOf(Query::AllFiles), (Values{0, 30}));
-  EXPECT_EQ(valuesOf(Query::FindOutputs), (Values{1, 2}));
-  EXPECT_EQ(valuesOf(Query::AllRuns), (Values{0, 10}));
-}
 
 TEST_F(StateQueriesTest, MakeTablesOfTheVersionThatTheProgramReads) {
   EXPECT_EQ(numberFrom(database, "PRAGMA user_version", -1), kStateVersion);
