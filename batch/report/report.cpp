@@ -1,7 +1,6 @@
 #include "batch/report/report.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <iostream>
 #include <map>
@@ -10,18 +9,28 @@
 #include <string_view>
 #include <utility>
 
-#include "batch/report/json_text.h"
+#include <nlohmann/json.hpp>
+
 #include "batch/report/reason_kinds.h"
 #include "batch/report/report_page.h"
 #include "batch/report/write_aside.h"
+#include "batch/system/lines.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {
 
-/// The shortest digits that give the number back.
-std::string jsonNumber(double number) {
-  char digits[32];
-  return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
+using Json = nlohmann::ordered_json;
+
+/// As text for the script element of a page, which a "<" could end.
+std::string textOf(const Json& json) {
+  constexpr int kOneLine = -1;
+  constexpr bool kAsciiOnly = false;
+  std::string text;
+  for (const char c : json.dump(kOneLine, ' ', kAsciiOnly, Json::error_handler_t::replace)) {
+    text += c == '<' ? "\\u003c" : std::string(1, c);
+  }
+  return text;
 }
 
 std::string base64(std::string_view bytes) {
@@ -42,52 +51,36 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
-void writeCheck(std::ostream& page, const MeshCheck& check) {
-  page << ",\"check\":{\"parts\":" << check.parts << ",\"badParts\":" << check.badParts
-       << ",\"openSolids\":" << check.openSolids
-       << ",\"facesWithoutMesh\":" << check.facesWithoutMesh << ",\"facesOver\":" << check.facesOver
-       << ",\"deviation\":" << jsonNumber(check.deviation)
-       << ",\"volume\":" << jsonNumber(check.volume) << ",\"names\":" << jsonText(check.names)
-       << '}';
+Json linesOf(std::string_view text) {
+  Json lines = Json::array();
+  while (!text.empty()) {
+    lines.push_back(cutOff(text, '\n'));
+  }
+  return lines;
 }
 
-void writeOutput(std::ostream& page, const OutputRecord& output, const Inspection& inspection) {
-  page << "{\"path\":" << jsonText(output.path) << ",\"size\":" << output.size;
+Json jsonOf(const MeshCheck& check) {
+  // The names come with escapes already.
+  return {{"parts", check.parts},           {"badParts", check.badParts},
+          {"openSolids", check.openSolids}, {"facesWithoutMesh", check.facesWithoutMesh},
+          {"facesOver", check.facesOver},   {"deviation", check.deviation},
+          {"volume", check.volume},         {"names", linesOf(check.names)}};
+}
+
+Json jsonOf(const OutputRecord& output, const Inspection& inspection) {
+  Json object = {{"path", portable(output.path)}, {"size", output.size}};
   if (inspection.check) {
-    writeCheck(page, *inspection.check);
+    object["check"] = jsonOf(*inspection.check);
   }
   if (!inspection.picture.empty()) {
-    page << ",\"picture\":\"" << base64(inspection.picture) << '"';
+    object["picture"] = base64(inspection.picture);
   }
-  page << '}';
-}
-
-void writeBounds(std::ostream& page, const Bounds& bounds) {
-  const char* separator = ",\"bounds\":[";
-  for (const auto& corner : {bounds.low, bounds.high}) {
-    for (const double value : corner) {
-      page << separator << jsonNumber(value);
-      separator = ",";
-    }
-  }
-  page << ']';
-}
-
-void writeText(std::ostream& page, const char* key, const std::string& text) {
-  if (!text.empty()) {
-    page << ",\"" << key << "\":" << jsonText(text);
-  }
-}
-
-void writeNumber(std::ostream& page, const char* key, const std::optional<int>& number) {
-  if (number) {
-    page << ",\"" << key << "\":" << *number;
-  }
+  return object;
 }
 
 /// The counts above the files.
-void writeTotals(std::ostream& page, const std::vector<Total>& totals) {
-  const char* separator = ",\n\"totals\":{";
+Json jsonOf(const std::vector<Total>& totals) {
+  Json object;
   for (const FileStatus status :
        {FileStatus::Converted, FileStatus::Failed, FileStatus::Delivering}) {
     Total sum;
@@ -99,59 +92,63 @@ void writeTotals(std::ostream& page, const std::vector<Total>& totals) {
         sum.seconds += total.seconds;
       }
     }
-    page << std::exchange(separator, ",") << '"' << statusName(status)
-         << "\":{\"files\":" << sum.files << ",\"size\":" << sum.size
-         << ",\"triangles\":" << sum.triangles << ",\"seconds\":" << jsonNumber(sum.seconds) << '}';
+    object[statusName(status)] = {{"files", sum.files},
+                                  {"size", sum.size},
+                                  {"triangles", sum.triangles},
+                                  {"seconds", sum.seconds}};
   }
-  page << '}';
+  return object;
 }
 
 /// A kind whose reasons name files may have as many of them as files: only the first are listed.
-void writeKinds(std::ostream& page, const std::vector<ReasonKind>& kinds) {
+Json jsonOf(const ReasonKind& kind) {
   constexpr std::size_t kMostReasons = 10;
-  page << ",\n\"kinds\":[";
-  const char* separator = "\n";
-  for (const ReasonKind& kind : kinds) {
-    page << std::exchange(separator, ",\n") << "{\"title\":" << jsonText(kind.title)
-         << ",\"count\":" << kind.count << ",\"reasons\":[";
-    const char* comma = "";
-    for (const auto& [reason, count] :
-         std::span(kind.reasons).first(std::min(kMostReasons, kind.reasons.size()))) {
-      page << std::exchange(comma, ",") << '[' << jsonText(reason) << ',' << count << ']';
-    }
-    page << "]}";
+  Json reasons = Json::array();
+  for (const auto& [reason, count] :
+       std::span(kind.reasons).first(std::min(kMostReasons, kind.reasons.size()))) {
+    reasons.push_back(Json::array({portable(reason), count}));
   }
-  page << ']';
+  return {{"title", portable(kind.title)}, {"count", kind.count}, {"reasons", std::move(reasons)}};
 }
 
-/// One file on a line. What is not known is left out.
-void writeFile(std::ostream& page, const ReportFile& file, const std::string& base,
-               const std::map<std::string_view, std::size_t>& kinds) {
+void addText(Json& object, const char* key, const std::string& text) {
+  if (!text.empty()) {
+    object[key] = portable(text);
+  }
+}
+
+/// What is not known is left out.
+Json jsonOf(const ReportFile& file, const std::string& base,
+            const std::map<std::string_view, std::size_t>& kinds) {
   const FileRecord& record = file.record;
-  page << "{\"name\":" << jsonText(record.name) << ",\"status\":\"" << statusName(record.status)
-       << "\",\"size\":" << record.size << ",\"seconds\":" << jsonNumber(record.seconds)
-       << ",\"triangles\":" << record.triangles << ",\"peakMemory\":" << record.peakMemory;
+  Json object = {{"name", portable(record.name)}, {"status", statusName(record.status)},
+                 {"size", record.size},           {"seconds", record.seconds},
+                 {"triangles", record.triangles}, {"peakMemory", record.peakMemory}};
   // Nearly always the base and the name.
-  writeText(page, "path", record.path == base + record.name ? "" : record.path);
-  writeText(page, "reason", record.reason);
+  addText(object, "path", record.path == base + record.name ? "" : record.path);
+  addText(object, "reason", record.reason);
   if (const auto kind = kinds.find(beginningOf(record.reason)); kind != kinds.end()) {
-    page << ",\"kind\":" << kind->second;
+    object["kind"] = kind->second;
   }
-  writeText(page, "transcriptEnd", file.transcriptEnd);
-  writeNumber(page, "exitStatus", record.exitStatus);
-  writeNumber(page, "signal", record.signal);
-  writeText(page, "host", record.host);
+  for (const Json& line : linesOf(file.transcriptEnd)) {
+    object["transcriptEnd"].push_back(portable(line.get_ref<const std::string&>()));
+  }
+  if (record.exitStatus) {
+    object["exitStatus"] = *record.exitStatus;
+  }
+  if (record.signal) {
+    object["signal"] = *record.signal;
+  }
+  addText(object, "host", record.host);
   if (record.bounds) {
-    writeBounds(page, *record.bounds);
+    const auto& [low, high] = *record.bounds;
+    object["bounds"] = {low[0], low[1], low[2], high[0], high[1], high[2]};
   }
-  const char* separator = ",\"outputs\":[";
   for (std::size_t i = 0; i < record.outputs.size(); ++i) {
-    page << separator;
-    writeOutput(page, record.outputs[i],
-                i < file.inspections.size() ? file.inspections[i] : Inspection());
-    separator = ",";
+    object["outputs"].push_back(jsonOf(
+        record.outputs[i], i < file.inspections.size() ? file.inspections[i] : Inspection()));
   }
-  page << (record.outputs.empty() ? "}" : "]}");
+  return object;
 }
 
 /// Writes the page up to a mark, and leaves what follows the mark.
@@ -172,16 +169,16 @@ std::vector<ReasonKind> kindsIn(const std::vector<Total>& totals) {
 }
 
 /// What stands before the files.
-void writeHead(std::ostream& page, const ReportHead& head, const std::vector<ReasonKind>& kinds) {
-  page << "{\"about\":" << jsonText(head.about) << ",\"base\":" << jsonText(head.base)
-       << ",\"notes\":[";
-  const char* separator = "";
-  for (const std::string& note : head.notes) {
-    page << std::exchange(separator, ",") << jsonText(note);
+std::string textOf(const ReportHead& head, const std::vector<ReasonKind>& kinds) {
+  Json object = {{"about", head.about}, {"base", portable(head.base)}, {"notes", head.notes}};
+  object["totals"] = jsonOf(head.totals);
+  object["kinds"] = Json::array();
+  for (const ReasonKind& kind : kinds) {
+    object["kinds"].push_back(jsonOf(kind));
   }
-  page << ']';
-  writeTotals(page, head.totals);
-  writeKinds(page, kinds);
+  std::string text = textOf(object);
+  text.pop_back();
+  return text + ",\n\"files\":[";
 }
 
 /// False if not all files could be read.
@@ -195,12 +192,10 @@ bool writePage(std::ostream& page, const ReportHead& head, const ReportFiles& fi
   writeUpTo(page, "@STYLE@", rest);
   page << kReportStyle;
   writeUpTo(page, "@DATA@", rest);
-  writeHead(page, head, kinds);
-  page << ",\n\"files\":[";
+  page << textOf(head, kinds);
   const char* separator = "\n";
   const bool isWhole = files([&](const ReportFile& file) {
-    page << std::exchange(separator, ",\n");
-    writeFile(page, file, head.base, kindNumbers);
+    page << std::exchange(separator, ",\n") << textOf(jsonOf(file, head.base, kindNumbers));
   });
   page << "\n]}\n";
   writeUpTo(page, "@SCRIPT@", rest);

@@ -8,39 +8,15 @@
 
   // ------------------------------------------------------------------------------ names and numbers
 
-  // A name is a text in which a byte b that is no UTF-8 stands as the lone surrogate 0xDC00 + b.
-  const isByte = (code) => code >= 0xdc80 && code <= 0xdcff;
-  const hex = (code, digits) => code.toString(16).padStart(digits, '0');
+  // Names come as the end of a run prints them: a byte that is no UTF-8 as \xff, a backslash as two,
+  // control characters as \n, \t, \x1b and \u009b. What would not show, or would change how the rest
+  // shows, is written as an escape, too.
+  const kHidden = /[\u00ad\u061c\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff\ufff9-\ufffb]/g;
+  const shown = (name) => name.replace(kHidden, (letter) => '\\u' + letter.charCodeAt(0).toString(16).padStart(4, '0'));
 
-  // What would not show, or would change how the rest shows, is written as an escape.
-  const kHidden =
-    /[\u0000-\u001f\u007f-\u009f\u00ad\u061c\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff\ufff9-\ufffb]/;
-  const kEscapes = { '\n': '\\n', '\t': '\\t', '\r': '\\r', '\\': '\\\\' };
-  function shown(name) {
-    let text = '';
-    for (const letter of name) {
-      const code = letter.codePointAt(0);
-      if (isByte(code)) {
-        text += '\\x' + hex(code - 0xdc00, 2);
-      } else if (kEscapes[letter]) {
-        text += kEscapes[letter];
-      } else if (kHidden.test(letter)) {
-        text += code < 0x80 ? '\\x' + hex(code, 2) : '\\u' + hex(code, 4);
-      } else {
-        text += letter;
-      }
-    }
-    return text;
-  }
-
-  function linkTo(name) {
-    let link = '';
-    for (const letter of name) {
-      const code = letter.codePointAt(0);
-      link += isByte(code) ? '%' + hex(code - 0xdc00, 2) : letter === '/' ? '/' : encodeURIComponent(letter);
-    }
-    return './' + link;
-  }
+  const kCodes = { n: '%0A', t: '%09', '\\': '%5C' };
+  const linkTo = (name) => './' + name.replace(/\\x(..)|\\u00(..)|\\(.)|[^\\/]+/g, (text, byte, control, letter) =>
+    (byte ? '%' + byte : control ? '%C2%' + control : letter ? kCodes[letter] : encodeURIComponent(text)));
 
   const count = (number) => number.toString().replace(/\B(?=(\d{3})+$)/g, '\u202f');
   const digits = (number) => String(Number(number.toPrecision(6)));
@@ -253,7 +229,7 @@
       add('Reason', file.reason);
     }
     if (record.transcriptEnd) {
-      add('Transcript', element('pre', {}, record.transcriptEnd.split('\n').map(shown).join('\n')));
+      add('Transcript', element('pre', {}, record.transcriptEnd.map(shown).join('\n')));
     }
     if (record.bounds) {
       const b = bounds(file).map(digits);
@@ -267,10 +243,9 @@
           element('small', {}, bytes(output.size))))));
     }
     if (file.check) {
-      // Names come with escapes, whose backslashes are not to be escaped again.
-      const names = file.check.names.split('\n').filter((name) => name);
+      const { names } = file.check;
       add('Check', file.check.badParts === 0 ? 'no problem' : problemText(file.check),
-        element('ul', { className: 'parts' }, ...names.map((name) => element('li', {}, element('bdi', {}, shown(name).replaceAll('\\\\', '\\'))))),
+        element('ul', { className: 'parts' }, ...names.map((name) => element('li', {}, element('bdi', {}, shown(name))))),
         ...(file.check.badParts > names.length ? [element('small', {}, `and ${count(file.check.badParts - names.length)} more`)] : []));
     }
     return element('tr', { className: 'more' }, element('td', { colSpan: columns.length + (hasPictures ? 1 : 0) }, list));

@@ -126,7 +126,7 @@ std::string aboutRuns(const std::vector<RunRecord>& runs) {
   }
   about += ": plenvorith-batch";
   for (const std::string& argument : last.arguments) {
-    about += ' ' + printable(argument);
+    about += ' ' + portable(argument);
   }
   return about;
 }

@@ -64,24 +64,24 @@ TEST(Report, HoldsOneLineForEachFile) {
                          {FileStatus::Failed, "kernel crashed (signal 11)", 1, 0, 0, 0.0}},
                         {"1 <other>"}};
   EXPECT_EQ(dataOf(head, {converted, failed}),
-            "{\"about\":\"Plenvorith\",\"base\":\"/parts/\",\"notes\":[\"1 \\u003cother>\"],\n"
+            "{\"about\":\"Plenvorith\",\"base\":\"/parts/\",\"notes\":[\"1 \\u003cother>\"],"
             "\"totals\":{"
             "\"converted\":{\"files\":8,\"size\":1235,\"triangles\":560,\"seconds\":0.75},"
-            "\"failed\":{\"files\":1,\"size\":0,\"triangles\":0,\"seconds\":0},"
-            "\"delivering\":{\"files\":0,\"size\":0,\"triangles\":0,\"seconds\":0}},\n"
-            "\"kinds\":[\n"
-            "{\"title\":\"doubtful\",\"count\":1,\"reasons\":[[\"doubtful\",1]]},\n"
+            "\"failed\":{\"files\":1,\"size\":0,\"triangles\":0,\"seconds\":0.0},"
+            "\"delivering\":{\"files\":0,\"size\":0,\"triangles\":0,\"seconds\":0.0}},"
+            "\"kinds\":["
+            "{\"title\":\"doubtful\",\"count\":1,\"reasons\":[[\"doubtful\",1]]},"
             "{\"title\":\"kernel crashed (signal 11)\",\"count\":1,"
             "\"reasons\":[[\"kernel crashed (signal 11)\",1]]}],\n"
             "\"files\":[\n"
             "{\"name\":\"sub/a.stp\",\"status\":\"converted\",\"size\":1234,\"seconds\":0.25,"
             "\"triangles\":548,\"peakMemory\":60000000,\"exitStatus\":0,"
-            "\"bounds\":[0,-1.5,0,10,1.5,0.1],"
+            "\"bounds\":[0.0,-1.5,0.0,10.0,1.5,0.1],"
             "\"outputs\":[{\"path\":\"sub/a.stp.stl\",\"size\":27484}]},\n"
-            "{\"name\":\"b.stp\",\"status\":\"failed\",\"size\":0,\"seconds\":0,"
+            "{\"name\":\"b.stp\",\"status\":\"failed\",\"size\":0,\"seconds\":0.0,"
             "\"triangles\":0,\"peakMemory\":0,\"path\":\"/elsewhere/b.stp\","
             "\"reason\":\"kernel crashed (signal 11)\",\"kind\":1,"
-            "\"transcriptEnd\":\"Reading: b.stp\\u000aFailed\","
+            "\"transcriptEnd\":[\"Reading: b.stp\",\"Failed\"],"
             "\"signal\":11,\"host\":\"alpha\"}\n]}\n");
 }
 
@@ -95,7 +95,7 @@ TEST(Report, HoldsWhatWasFoundOutAboutTheOutputs) {
       HasSubstr("\"outputs\":["
                 "{\"path\":\"a.stp.stl_1.stl\",\"size\":84,\"check\":{\"parts\":3,\"badParts\":1,"
                 "\"openSolids\":1,\"facesWithoutMesh\":2,\"facesOver\":4,"
-                "\"deviation\":0.25,\"volume\":1.5,\"names\":\"lamp / foot\\u000a\"},"
+                "\"deviation\":0.25,\"volume\":1.5,\"names\":[\"lamp / foot\"]},"
                 "\"picture\":\"Zg==\"},"
                 "{\"path\":\"a.stp.stl_2.stl\",\"size\":134,\"picture\":\"Zm8=\"},"
                 "{\"path\":\"a.stp.stl_3.stl\",\"size\":1,\"picture\":\"Zm9v\"}]"));
