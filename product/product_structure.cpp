@@ -112,8 +112,7 @@ void readShapes(const InstanceTable& table, ProductStructure& structure,
 bool holdsProduct(const ProductStructure& structure, RepresentationIndex index,
                   ProductIndex product) {
   const std::vector<ProductIndex>& products = structure.productsOf(index);
-  return index != kNoRepresentation &&
-         std::binary_search(products.begin(), products.end(), product);
+  return std::binary_search(products.begin(), products.end(), product);
 }
 
 /// Whether `rep_2` of a relationship is the part: told by the products of the sides.

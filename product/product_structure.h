@@ -66,6 +66,7 @@ struct ProductStructure {
   std::vector<Mapping> mappings;
   std::vector<Transformation> transformations;
 
+  /// The products of a representation, in order; none for `kNoRepresentation`.
   [[nodiscard]] const std::vector<ProductIndex>& productsOf(RepresentationIndex index) const;
   [[nodiscard]] RepresentationIndex find(InstanceIndex instance) const;
 
