@@ -17,6 +17,7 @@
 #include "brep/exact_measures.h"
 #include "tests/support/captured_cout.h"
 #include "tests/support/kernel_shapes.h"
+#include "tests/support/sample_copies.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -41,7 +42,8 @@ BrepModel modelOf(const std::string& path, bool withExact = false) {
 }
 
 std::string sample(const std::string& name) {
-  return std::string(PLENVORITH_SAMPLES) + '/' + name;
+  static const test::SampleCopies samples{};
+  return samples / name;
 }
 
 TEST(BrepParts, HaveTheTrianglesOfTheConverter) {
