@@ -86,7 +86,7 @@ constexpr std::array kRows = std::to_array<Row>({
     {"GEOMETRIC_SET", Kind::SurfaceSet, Kept},
     {"HALF_SPACE_SOLID", Kind::Construct, Kept},
     {"HYPERBOLA", Kind::Geometry},
-    {"ITEM_DEFINED_TRANSFORMATION", Kind::ItemTransformation},
+    {"ITEM_DEFINED_TRANSFORMATION", Kind::ItemTransformation, Kept},
     {"LINE", Kind::Geometry},
     {"MANIFOLD_SOLID_BREP", Kind::Solid, Both},
     {"MANIFOLD_SURFACE_SHAPE_REPRESENTATION", Kind::Representation, Delivered},
@@ -202,7 +202,11 @@ Row rowOf(std::string_view keyword) {
     kind =
         keyword.ends_with("REPRESENTATION") ? Kind::OtherTessellation : Kind::UnknownTessellation;
   }
-  return {keyword, kind};
+  // Product structure, and the contexts and units of representations.
+  const bool isKept = keyword == "PRODUCT" || keyword.starts_with("PRODUCT_") ||
+                      keyword == "APPLICATION_CONTEXT" || keyword.ends_with("_CONTEXT") ||
+                      keyword.ends_with("_UNIT");
+  return {keyword, kind, isKept ? Kept : None};
 }
 
 /// Adds what a keyword says to what the others of its type say.

@@ -11,7 +11,7 @@ namespace plenvorith {
 /// What becomes of an instance.
 enum class Fate : std::uint8_t {
   Kept,     ///< as it is
-  Changed,  ///< kept, without references to what is dropped
+  Changed,  ///< kept, without references to what is dropped: those in lists go, attributes become "$"
   Retyped,  ///< a tessellated representation that holds other items, too: kept as a
             ///< SHAPE_REPRESENTATION of these
   Dropped,

@@ -58,8 +58,7 @@ std::uint64_t largestNumberOf(const InstanceTable& table, const std::vector<Fate
     }
     largest = std::max(largest, table.number(index));
     table.forEachReference(index, [&](const Reference& reference) {
-      const bool goes = reference.kind == Reference::Kind::ListItem && isDropped(reference);
-      largest = goes ? largest : std::max(largest, reference.number);
+      largest = isDropped(reference) ? largest : std::max(largest, reference.number);
     });
   }
   return largest;

@@ -11,7 +11,8 @@ namespace {
 
 using IsDropped = std::function<bool(std::uint64_t)>;
 
-/// Copies a body token by token, and leaves references out of lists.
+/// Copies a body token by token, and leaves references out of lists; an attribute without its
+/// reference is "$".
 class Filter {
  public:
   Filter(TokenReader& tokens, const IsDropped& isDropped, OutputFile& output)
@@ -68,7 +69,10 @@ class Filter {
         }
         break;
       case Token::Kind::Reference:
-        if (isInList() && isDropped_(token.number)) {
+        if (isDropped_(token.number)) {
+          if (!isInList()) {
+            output_.put('$');
+          }
           return;
         }
         startItem();

@@ -12,7 +12,8 @@ namespace plenvorith {
 /// Writes the body of an instance as it is.
 void copyBody(StatementReader& reader, OutputFile& output);
 
-/// Writes the body of an instance without the references in lists that `isDropped` is true for.
+/// Writes the body of an instance without the references that `isDropped` is true for: an attribute
+/// becomes "$".
 void writeWithoutDropped(StatementReader& reader,
                          const std::function<bool(std::uint64_t)>& isDropped, OutputFile& output);
 

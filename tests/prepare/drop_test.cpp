@@ -74,6 +74,19 @@ TEST(Drop, NeverTakesExactGeometryAndProductStructure) {
             "DCCCCC");
 }
 
+TEST(Drop, NeverTakesWhatProductsAndPlacementsRestOn) {
+  EXPECT_EQ(fatesOf(kLoneFace +
+                    "#3=APPLICATION_CONTEXT(#1);\n#4=PRODUCT_CONTEXT('',#1,'mechanical');\n"
+                    "#5=PRODUCT('','','',(#1));\n#6=PRODUCT_DEFINITION('','',#1,$);\n"
+                    "#7=PRODUCT_DEFINITION_FORMATION_WITH_SPECIFIED_SOURCE('','',#1,.NOT_KNOWN.);\n"
+                    "#8=ITEM_DEFINED_TRANSFORMATION('','',#1,#9);\n"
+                    "#9=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#1))"
+                    "REPRESENTATION_CONTEXT('',''));\n"
+                    "#10=(CONVERSION_BASED_UNIT('INCH',#1)LENGTH_UNIT()NAMED_UNIT(#1));\n"
+                    "#11=LENGTH_MEASURE_WITH_UNIT(LENGTH_MEASURE(25.4),#1);\n"),
+            "DCCCCCCCCC");
+}
+
 TEST(Drop, GoesOnUntilNothingChanges) {
   std::string chain = kLoneFace;
   std::string expected = "D";

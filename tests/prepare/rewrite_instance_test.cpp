@@ -56,18 +56,18 @@ TEST(RewriteInstance, TakesReferencesOutOfLists) {
   EXPECT_EQ(withoutDropped("A(((#1,#7),(#7)),'')"), "A(((#1),()),'')");
 }
 
-TEST(RewriteInstance, KeepsReferencesThatAreAttributes) {
-  EXPECT_EQ(withoutDropped("A(#7,$,#8)"), "A(#7,$,#8)");
-  EXPECT_EQ(withoutDropped("A((SELECTED(#7),#8,#1))"), "A((SELECTED(#7),#1))");
+TEST(RewriteInstance, LeavesAttributesWithoutTheirReferences) {
+  EXPECT_EQ(withoutDropped("A(#7,*,#8,#1)"), "A($,*,$,#1)");
+  EXPECT_EQ(withoutDropped("A((SELECTED(#7),#8,#1))"), "A((SELECTED($),#1))");
 }
 
 TEST(RewriteInstance, TellsRecordsOfComplexInstancesFromLists) {
-  EXPECT_EQ(withoutDropped("(A(#7,(#7,#1))B()C((#8)))"), "(A(#7,(#1))B()C(()))");
+  EXPECT_EQ(withoutDropped("(A(#7,(#7,#1))B()C((#8)))"), "(A($,(#1))B()C(()))");
 }
 
 TEST(RewriteInstance, KeepsStringsBinariesAndNumbers) {
-  EXPECT_EQ(withoutDropped("A(('#7,(','it''s',\"0,#7\",#7,.T.,*,-1.E-3,#70))"),
-            "A(('#7,(','it''s',\"0,#7\",.T.,*,-1.E-3,#70))");
+  EXPECT_EQ(withoutDropped("A(('#7,(','it''s',\"0F\",#7,.T.,*,-1.E-3,#70))"),
+            "A(('#7,(','it''s',\"0F\",.T.,*,-1.E-3,#70))");
 }
 
 TEST(RewriteInstance, KeepsApostrophesInStringsOfLists) {

@@ -272,8 +272,8 @@ TEST(Rules, KeepMappingsOfExactGeometryWhateverTheyName) {
 #62=SHAPE_REPRESENTATION('',(#61),$);
 #63=SHAPE_DEFINITION_REPRESENTATION(#21,#62);
 )";
-  EXPECT_THAT(dataOf(preparedFile(mapped)), HasSubstr("#60=REPRESENTATION_MAP(#41,#34);\n"
-                                                      "#61=MAPPED_ITEM('',#60,#41);\n"
+  EXPECT_THAT(dataOf(preparedFile(mapped)), HasSubstr("#60=REPRESENTATION_MAP($,#34);\n"
+                                                      "#61=MAPPED_ITEM('',#60,$);\n"
                                                       "#62=SHAPE_REPRESENTATION('',(#61),$);\n"));
 }
 
