@@ -1,8 +1,10 @@
 #include "prepare/coordinates.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include "common/ascii.h"
 #include "exchange/real_number.h"
 
 namespace plenvorith {
@@ -36,21 +38,44 @@ const char* readPoint(const char* p, const char* end, ListedPoint& point) {
   return p + 1;
 }
 
+namespace {
+
+constexpr bool isOfNumber(char c) {
+  return isDigit(c) || c == '.' || c == '+' || c == '-' || c == 'E' || c == 'e';
+}
+
+/// Goes over a point that is too long to be read.
+bool passPoint(TokenReader& tokens) {
+  for (const char before : {'(', ',', ','}) {
+    if (!tokens.take(before) || !isOfNumber(tokens.peek())) {
+      return false;
+    }
+    for (; isOfNumber(tokens.peek());
+         tokens.moveTo(std::find_if_not(tokens.position(), tokens.end(), isOfNumber))) {
+    }
+  }
+  return tokens.take(')');
+}
+
+}  // namespace
+
 bool takePoint(TokenReader& tokens, ListedPoint& point) {
+  constexpr std::ptrdiff_t kLongest = std::ptrdiff_t{1} << 20U;
   (void)tokens.peek();
   const char* behind = readPoint(tokens.position(), tokens.end(), point);
-  while (behind == nullptr && tokens.readMore()) {
-    // It may only be longer than what was at hand; no number is longer than this.
-    constexpr std::ptrdiff_t kLongest = std::ptrdiff_t{1} << 20U;
-    if (tokens.end() - tokens.position() > kLongest) {
-      break;
-    }
+  // It may only be longer than what was at hand.
+  while (behind == nullptr && tokens.end() - tokens.position() <= kLongest && tokens.readMore()) {
     behind = readPoint(tokens.position(), tokens.end(), point);
   }
   if (behind != nullptr) {
     tokens.moveTo(behind);
+    return true;
   }
-  return behind != nullptr;
+  if (tokens.end() - tokens.position() <= kLongest) {
+    return false;
+  }
+  point = {{}, false, true};
+  return passPoint(tokens);
 }
 
 namespace {

@@ -25,8 +25,8 @@ struct ListedPoint {
 /// Reads a point at `p`. Gives the place behind it, or null where something else stands.
 [[nodiscard]] const char* readPoint(const char* p, const char* end, ListedPoint& point);
 
-/// Reads the point at the reader's place, however long its numbers are; false where something else
-/// stands.
+/// Reads the point at the reader's place; false where something else stands. One of more than a
+/// million digits counts as one that is more than a double holds, so that memory has a bound.
 [[nodiscard]] bool takePoint(TokenReader& tokens, ListedPoint& point);
 
 /// How a COORDINATES_LIST is written.

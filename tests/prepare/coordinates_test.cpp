@@ -81,6 +81,20 @@ TEST(Coordinates, OfAnyLengthAreRead) {
             "#7=COORDINATES_LIST('',2,((1.,2.,3.),(4.,5.,6.)));\n");
 }
 
+TEST(Coordinates, OfMillionsOfDigitsKeepTheirPlace) {
+  const std::string digits(3'000'000, '3');
+  const Placement twice = scaled(Placement(), 2.0);
+  for (const Placement* placement : {static_cast<const Placement*>(nullptr), &twice}) {
+    const std::string last = placement == nullptr ? "(4.,5.,6.)" : "(8.,10.,12.)";
+    EXPECT_EQ(written("COORDINATES_LIST('',3,((1.," + digits + ".,-1." + digits + "E-7),(1.E" +
+                          digits + ",0.,0.),(4.,5.,6.)))",
+                      3, placement),
+              "#7=COORDINATES_LIST('',3,((0.,0.,0.),(0.,0.,0.)," + last + "));\n huge 0 huge 1");
+  }
+  EXPECT_EQ(written("COORDINATES_LIST('',1,((1.,2.," + digits + "x)))", 1), "error");
+  EXPECT_EQ(written("COORDINATES_LIST('',1,((1.,2.," + digits + ",4)))", 1), "error");
+}
+
 TEST(Coordinates, OfComplexInstancesAreTheSame) {
   const test::TempDir directory;
   test::Instances in(
