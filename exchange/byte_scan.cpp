@@ -11,12 +11,12 @@ namespace {
 /// Whether something other than plain text may start at `p`, of which one byte more can be read.
 constexpr bool isSpecial(const char* p) {
   const char c = p[0];
-  return isIgnored(c) || c == '\'' || c == '"' || c == '/' || c == ';' || (c == '#' && p[1] == '0');
+  return isIgnored(c) || c == '\'' || c == '/' || c == ';' || (c == '#' && p[1] == '0');
 }
 
-/// Whether a string, a binary, a comment or the end of a statement may start here.
+/// Whether a string, a comment or the end of a statement may start here.
 constexpr bool isMark(char c) {
-  return c == '\'' || c == '"' || c == '/' || c == ';';
+  return c == '\'' || c == '/' || c == ';';
 }
 
 /// Sixteen bytes, compared at once: a byte of the result is 255 or 0.
@@ -77,8 +77,7 @@ const char* findSpecial(const char* p, const char* end) {
     const Bytes bytes = loadBytes(p);
     const Bytes blank = reinterpret_cast<Bytes>(bytes <= static_cast<unsigned char>(' '));
     const Bytes zero = equal(bytes, '#') & equal(loadBytes(p + 1), '0');
-    const Bytes special = blank | equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') |
-                          equal(bytes, ';') | zero;
+    const Bytes special = blank | equal(bytes, '\'') | equal(bytes, '/') | equal(bytes, ';') | zero;
     if (holdsAny(special)) {
       return p + firstOf(special);
     }
@@ -100,8 +99,7 @@ const char* findMark(const char* p, const char* end, Parentheses& counts) {
       const Bytes bytes = loadBytes(p);
       const Bytes open = equal(bytes, '(');
       const Bytes close = equal(bytes, ')');
-      const Bytes marks =
-          equal(bytes, '\'') | equal(bytes, '"') | equal(bytes, '/') | equal(bytes, ';');
+      const Bytes marks = equal(bytes, '\'') | equal(bytes, '/') | equal(bytes, ';');
       if (holdsAny(marks)) {
         const std::ptrdiff_t place = firstOf(marks);
         opened -= open & firstBytes(place);

@@ -10,7 +10,7 @@ constexpr bool isIgnored(char c) {
 }
 
 /// Finds where something other than plain text of ISO 10303-21 may start: a blank, a string, a
-/// binary, a comment, the end of a statement, a reference with a leading zero.
+/// comment, the end of a statement, a reference with a leading zero.
 ///
 /// Takes  the bytes from `p` to `end`; none behind them is looked at.
 /// Gives  the first such place, or the last byte if none before it is one: what that starts may
@@ -28,7 +28,7 @@ struct Parentheses {
   std::uint64_t closed = 0;
 };
 
-/// Finds the first byte at which a string, a binary, a comment or the end of a statement may start,
+/// Finds the first byte at which a string, a comment or the end of a statement may start,
 /// or `end` if none is there. Adds the parentheses before it.
 [[nodiscard]] const char* findMark(const char* p, const char* end, Parentheses& counts);
 

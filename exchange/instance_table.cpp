@@ -73,14 +73,20 @@ bool InstanceTable::add(StatementReader& reader, ReferenceScanner& scanner) {
   const std::uint64_t offset = reader.offset();
   std::uint16_t type = 0;
   const bool isBalanced = readBody(index, reader, scanner, type);
+  if (!reader.isWhole()) {
+    (void)reader.skipBody();
+  }
+  const bool isUnended = reader.isMalformed();
+  const bool isSound = isBalanced && !isUnended;
   if (type == EntityTypes::kMaxCount) {
     error_ = "too many types of entities";
     return false;
   }
-  hasUnbalanced_ = hasUnbalanced_ || !isBalanced;
-  voidCount_ += isBalanced ? 0 : 1;
+  hasUnbalanced_ = hasUnbalanced_ || !(isBalanced || isUnended);
+  hasUnended_ = hasUnended_ || isUnended;
+  voidCount_ += isSound ? 0 : 1;
   instances_.push_back(
-      {reader.number() << 2U | (isBalanced ? 0U : kVoid | kUnbalanced), offset << 16U | type});
+      {reader.number() << 2U | (isSound ? 0U : kVoid | kMalformed), offset << 16U | type});
   return true;
 }
 

@@ -75,17 +75,20 @@ class InstanceTable {
   [[nodiscard]] bool isTessellated(InstanceIndex index) const {
     return !isVoid(index) && type(index).isTessellated;
   }
-  /// Whether this is no instance, as its parentheses do not balance, or another one counts for its
+  /// Whether this is no instance, as it is malformed, or another one counts for its
   /// number: the first that is not tessellated, or the last if all are.
   [[nodiscard]] bool isVoid(InstanceIndex index) const {
     return (instances_[index].numberAndFlags & kVoid) != 0;
   }
-  /// Whether its parentheses do not balance.
-  [[nodiscard]] bool isUnbalanced(InstanceIndex index) const {
-    return (instances_[index].numberAndFlags & kUnbalanced) != 0;
+  /// Whether its parentheses do not balance, or a string in it has no end.
+  [[nodiscard]] bool isMalformed(InstanceIndex index) const {
+    return (instances_[index].numberAndFlags & kMalformed) != 0;
   }
   [[nodiscard]] bool hasUnbalanced() const {
     return hasUnbalanced_;
+  }
+  [[nodiscard]] bool hasUnended() const {
+    return hasUnended_;
   }
   /// The numbers that strings of the file name.
   [[nodiscard]] const NamedNumbers& namedInStrings() const {
@@ -145,7 +148,7 @@ class InstanceTable {
  private:
   static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
   static constexpr std::uint64_t kVoid = 1;
-  static constexpr std::uint64_t kUnbalanced = 2;
+  static constexpr std::uint64_t kMalformed = 2;
   struct Instance {
     std::uint64_t numberAndFlags = 0;  // four times the number, plus the flags
     std::uint64_t offsetAndType = 0;   // the offset in the upper 48 bits
@@ -173,6 +176,7 @@ class InstanceTable {
   std::vector<InstanceIndex> structural_;  // in the order of their numbers
   std::size_t voidCount_ = 0;
   bool hasUnbalanced_ = false;
+  bool hasUnended_ = false;
   NamedNumbers namedInStrings_;
   std::string error_;
 };

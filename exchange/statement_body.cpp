@@ -1,6 +1,7 @@
 #include "exchange/statement_body.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "common/ascii.h"
@@ -14,6 +15,48 @@ constexpr std::size_t kWindowSize = std::size_t{1} << 17;
 
 /// At least as much is written at once, if the body has it.
 constexpr std::size_t kWorthwhile = std::size_t{1} << 13;
+
+/// What a line begins with that no string goes over is not longer.
+constexpr std::size_t kLongestStart = 32;
+
+/// Whether a line begins as no line of a string does: with "#12=" or "ENDSEC;".
+bool beginsStatement(std::string_view line) {
+  constexpr std::string_view kEnd = "ENDSEC;";
+  line = line.substr(0, kLongestStart);
+  if (line.empty() || line[0] != '#') {
+    return line.size() >= kEnd.size() && std::equal(kEnd.begin(), kEnd.end(), line.begin(),
+                                                    [](char a, char b) { return a == capital(b); });
+  }
+  const auto* const digitsEnd = std::find_if_not(line.begin() + 1, line.end(), isDigit);
+  const auto* const sign = std::find_if_not(digitsEnd, line.end(), [](char c) { return c == ' '; });
+  return digitsEnd - line.begin() > 1 && sign != line.end() && *sign == '=';
+}
+
+/// The keywords of sections that a kernel takes together with their semicolons.
+constexpr std::array<std::string_view, 3> kSections = {"DATA;", "ENDSEC;", "HEADER;"};
+constexpr std::size_t kLongestSection = 7;
+
+/// Whether a text ends in one of them, and in no longer word.
+bool endsInSection(std::string_view text) {
+  return std::any_of(kSections.begin(), kSections.end(), [text](std::string_view section) {
+    if (text.size() < section.size()) {
+      return false;
+    }
+    const std::string_view last = text.substr(text.size() - section.size());
+    const char before = text.size() == last.size() ? ' ' : text[text.size() - last.size() - 1];
+    const bool isLonger = before == '_' || (capital(before) >= 'A' && capital(before) <= 'Z');
+    return !isLonger && std::equal(section.begin(), section.end(), last.begin(),
+                                   [](char a, char b) { return a == capital(b); });
+  });
+}
+
+/// Whether a text begins, behind blanks, with what stands among parameters and begins no statement.
+bool goesOnWithParameters(std::string_view text) {
+  constexpr std::string_view kStarts = ",()'\"$*.+-#0123456789";
+  text.remove_prefix(static_cast<std::size_t>(
+      std::find_if_not(text.begin(), text.end(), isIgnored) - text.begin()));
+  return !text.empty() && kStarts.find(text[0]) != std::string_view::npos && !beginsStatement(text);
+}
 
 }  // namespace
 
@@ -60,9 +103,11 @@ StatementBody::StatementBody(RawText& raw) : raw_(raw), window_(kWindowSize) {}
 
 void StatementBody::start() {
   startEmpty();
+  start_ = raw_.offset();
   isWhole_ = false;
   isFirst_ = true;
   isRaised_ = false;
+  isMalformed_ = false;
 }
 
 void StatementBody::startEmpty() {
@@ -97,8 +142,6 @@ void StatementBody::failUnended() {
   switch (state_) {
     case State::String:
       return raw_.fail("a string never ends");
-    case State::Binary:
-      return raw_.fail("a binary never ends");
     case State::Comment:
     case State::Star:
       return raw_.fail("a comment never ends");
@@ -112,8 +155,9 @@ Parentheses StatementBody::skip() {
   const char* const end = window_.data() + visible_;
   for (const char* p = window_.data() + begin_; p != end;) {
     p = findMark(p, end, counts);
-    const bool isString = p != end && (*p == '\'' || *p == '"');
-    p = isString ? std::find(p + 1, end, *p) : p;
+    if (p != end && *p == '\'') {
+      p = std::find(p + 1, end, '\'');
+    }
     p += p == end ? 0 : 1;
   }
   begin_ = visible_;
@@ -126,8 +170,11 @@ Parentheses StatementBody::skip() {
       break;
     }
     const std::string_view text = raw_.atHand();
-    const char* const behind = skipPiece(text.data(), text.data() + text.size(), counts);
-    raw_.skip(static_cast<std::size_t>(behind - text.data()));
+    if (state_ == State::String && text.front() == '\n') {
+      passLineEnd();
+      continue;
+    }
+    (void)pass(skipPiece(text.data(), text.data() + text.size(), counts));
   }
   return counts;
 }
@@ -136,22 +183,14 @@ Parentheses StatementBody::skip() {
 const char* StatementBody::skipPiece(const char* p, const char* end, Parentheses& counts) {
   switch (state_) {
     case State::String:
-    case State::Binary:
+      return skipInString(p, end);
     case State::Comment: {
-      const char mark = state_ == State::String ? '\'' : state_ == State::Binary ? '"' : '*';
-      const void* const found = std::memchr(p, mark, static_cast<std::size_t>(end - p));
-      if (state_ == State::String) {
-        named_.addPart(p, found == nullptr ? end : static_cast<const char*>(found));
-      }
-      if (found == nullptr) {
-        return end;
-      }
-      named_.endPart();
-      state_ = state_ == State::Comment ? State::Star : State::Text;
-      return static_cast<const char*>(found) + 1;
+      const void* const found = std::memchr(p, '*', static_cast<std::size_t>(end - p));
+      state_ = found == nullptr ? State::Comment : State::Star;
+      return found == nullptr ? end : static_cast<const char*>(found) + 1;
     }
     case State::Star:
-      state_ = *p == '/' ? State::Text : *p == '*' ? State::Star : State::Comment;
+      passInComment(*p);
       return p + 1;
     case State::Slash:
       state_ = *p == '*' ? State::Comment : State::Text;
@@ -162,12 +201,24 @@ const char* StatementBody::skipPiece(const char* p, const char* end, Parentheses
         return p;
       }
       isWhole_ = *p == ';';
-      state_ = *p == '\''  ? State::String
-               : *p == '"' ? State::Binary
-               : *p == '/' ? State::Slash
-                           : State::Text;
+      state_ = *p == '\'' ? State::String : *p == '/' ? State::Slash : State::Text;
       return p + 1;
   }
+}
+
+/// Goes behind the end of the string, or to the end of a line in it.
+const char* StatementBody::skipInString(const char* p, const char* end) {
+  const auto sizeTo = [p](const char* to) { return static_cast<std::size_t>(to - p); };
+  const auto* const quote = static_cast<const char*>(std::memchr(p, '\'', sizeTo(end)));
+  const char* const last = quote == nullptr ? end : quote;
+  const auto* const line = static_cast<const char*>(std::memchr(p, '\n', sizeTo(last)));
+  named_.addPart(p, line == nullptr ? last : line);
+  if (line != nullptr || quote == nullptr) {
+    return line == nullptr ? end : line;
+  }
+  named_.endPart();
+  state_ = State::Text;
+  return quote + 1;
 }
 
 /// Whether the first keyword of what can be handed out, behind a parenthesis perhaps, has any.
@@ -244,22 +295,50 @@ void StatementBody::normalise(std::size_t size) {
     if (p != end && *p == '\'' && state_ == State::Text) {
       p = copyString(p, end);
     }
+    if (p != end && *p == '\n' && state_ == State::String) {
+      raw_.skip(static_cast<std::size_t>(p - text.data()));
+      passLineEnd();
+      return;
+    }
     if (p != end && normaliseSpecial(*p)) {
       ++p;
     }
   }
-  raw_.skip(static_cast<std::size_t>(p - text.data()));
+  if (pass(p)) {
+    put(';');
+    visible_ = end_;
+  }
 }
 
-/// Writes the bytes that stay as they are, in text, in a string or a binary. Gives the place behind
+/// Goes over what is at hand before a place. Whether that ends in a semicolon that does not end the
+/// body: the kernel passes over the keywords of sections among parameters, "A(#1,DATA;#2)".
+bool StatementBody::pass(const char* behind) {
+  constexpr std::string_view kLastLetters = "ACR";
+  const auto size = static_cast<std::size_t>(behind - raw_.atHand().data());
+  const bool mayBeSection =
+      isWhole_ && (size < 2 || kLastLetters.find(capital(behind[-2])) != std::string_view::npos);
+  raw_.skip(size);
+  if (!mayBeSection) {
+    return false;
+  }
+  const std::uint64_t offset = raw_.offset();
+  const std::uint64_t before = std::min<std::uint64_t>(offset - start_, kLongestSection + 1);
+  (void)raw_.seek(offset - before);
+  const bool isSection = raw_.ensure(before) && endsInSection(raw_.atHand().substr(0, before));
+  (void)raw_.seek(offset);
+  (void)(isSection && raw_.ensure(2 * kLongestStart));
+  isWhole_ = !isSection || !goesOnWithParameters(raw_.atHand().substr(0, 2 * kLongestStart));
+  return !isWhole_;
+}
+
+/// Writes the bytes that stay as they are, in text or in a string. Gives the place behind
 /// them.
 const char* StatementBody::copyRun(const char* p, const char* end) {
   const char* run = p;
   if (state_ == State::Text) {
     run = findSpecial(p, end);
-  } else if (state_ == State::String || state_ == State::Binary) {
-    const char quote = state_ == State::String ? '\'' : '"';
-    while (run != end && *run != quote && *run != '\n' && *run != '\r') {
+  } else if (state_ == State::String) {
+    while (run != end && *run != '\'' && *run != '\n' && *run != '\r') {
       ++run;
     }
   }
@@ -277,7 +356,7 @@ const char* StatementBody::copyRun(const char* p, const char* end) {
   } else {
     end_ = stringStart_;
   }
-  if (state_ == State::Text || state_ == State::Binary) {
+  if (state_ == State::Text) {
     visible_ = end_;
   }
   return run;
@@ -313,35 +392,35 @@ bool StatementBody::normaliseSpecial(char c) {
       state_ = c == '*' ? State::Comment : State::Text;
       return c == '*';
     case State::Comment:
-      state_ = c == '*' ? State::Star : State::Comment;
-      return true;
     case State::Star:
-      state_ = c == '/' ? State::Text : c == '*' ? State::Star : State::Comment;
+      passInComment(c);
       return true;
     case State::String:
-      if (c == '\'') {
-        named_.endPart();
-        putInString(c);
-        state_ = State::Apostrophe;
-      }
-      return true;
     case State::Apostrophe:
-      if (c == '\'') {
-        putInString(c);
-        state_ = State::String;
-        return true;
-      }
-      endString();
-      return false;
-    case State::Binary:
-      if (c == '"') {
-        put(c);
-        state_ = State::Text;
-      }
-      visible_ = end_;
-      return true;
+      return normaliseInString(c);
   }
   return true;
+}
+
+void StatementBody::passInComment(char c) {
+  const bool isEnd = state_ == State::Star && c == '/';
+  state_ = isEnd ? State::Text : c == '*' ? State::Star : State::Comment;
+}
+
+bool StatementBody::normaliseInString(char c) {
+  if (c == '\'') {
+    if (state_ == State::String) {
+      named_.endPart();
+    }
+    putInString(c);
+    state_ = state_ == State::String ? State::Apostrophe : State::String;
+    return true;
+  }
+  if (state_ == State::Apostrophe) {
+    endString();
+    return false;
+  }
+  return true;  // a line end
 }
 
 void StatementBody::normaliseInText(char c) {
@@ -357,7 +436,7 @@ void StatementBody::normaliseInText(char c) {
   } else if (c == '/') {
     state_ = State::Slash;
   } else if (!isIgnored(c)) {
-    state_ = c == '"' ? State::Binary : c == '#' ? State::Reference : State::Text;
+    state_ = c == '#' ? State::Reference : State::Text;
     zeros_ = false;
     put(isRaised_ ? capital(c) : c);
   }
@@ -376,6 +455,20 @@ bool StatementBody::skipZero(char c) {
   state_ = State::Text;
   visible_ = end_;
   return false;
+}
+
+/// Goes over the line end in a string that is next; or ends the body there, if the string has no end.
+void StatementBody::passLineEnd() {
+  (void)raw_.ensure(1 + kLongestStart);
+  if (!beginsStatement(raw_.atHand().substr(1))) {
+    raw_.skip(1);
+    return;
+  }
+  named_.endPart();
+  end_ = visible_;
+  state_ = State::Text;
+  isWhole_ = true;
+  isMalformed_ = true;
 }
 
 void StatementBody::putInString(char c) {

@@ -41,11 +41,14 @@ struct BodyPlace {
 /// The body of a statement of ISO 10303-21, up to its semicolon, piece by piece.
 ///
 /// It is handed out without blanks, control characters and comments, other than in strings ('...',
-/// an apostrophe inside is doubled) and binaries ("..."), from which line ends are taken; a
-/// reference "#007" is written "#7". If the keyword that it starts with has small letters, all letters
-/// become capital ones, other than in strings and binaries. A slash that begins no comment means nothing and goes, too: it
+/// an apostrophe inside is doubled), from which line ends are taken; a reference "#007" is written
+/// "#7". If the keyword that it starts with has small letters, all letters become capital ones, other
+/// than in strings. A slash that begins no comment means nothing and goes, too: it
 /// could begin one once blanks are gone. A string of more than `kLongestString` bytes is handed out
 /// as an empty one.
+///
+/// A string has no end if a line in it begins with "#1=" or with "ENDSEC;": the body ends there, without
+/// the string, and is malformed. Binaries ("0F") are text like any other. The keyword of a section is text with its semicolon if parameters follow, "A(#1,DATA;#2)".
 ///
 /// Errors  a body that has no semicolon ends with the file, which notes what never ended.
 /// Memory  one window, whatever the length of a body.
@@ -81,6 +84,11 @@ class StatementBody {
     begin_ += size;
   }
 
+  /// Whether what was read of this body has a string without an end.
+  [[nodiscard]] bool isMalformed() const {
+    return isMalformed_;
+  }
+
   /// Where what comes next stands. What lies ahead of the place in the file is some ten thousand
   /// bytes at most where there are no strings and comments.
   [[nodiscard]] BodyPlace place() const;
@@ -108,7 +116,7 @@ class StatementBody {
     std::uint64_t handedOut = 0;  // how much of the body, since the start, lies before it
   };
 
-  enum class State { Text, Reference, Slash, Comment, Star, String, Apostrophe, Binary };
+  enum class State { Text, Reference, Slash, Comment, Star, String, Apostrophe };
 
   void fill(std::size_t size);
   void write(std::size_t size);
@@ -119,17 +127,23 @@ class StatementBody {
   const char* copyString(const char* p, const char* end);
   bool normaliseSpecial(char c);
   void normaliseInText(char c);
+  void passInComment(char c);
+  bool normaliseInString(char c);
   bool skipZero(char c);
   void put(char c) {
     window_[end_++] = c;
   }
+  bool pass(const char* behind);
+  void passLineEnd();
   void putInString(char c);
   void endString();
   const char* skipPiece(const char* p, const char* end, Parentheses& counts);
+  const char* skipInString(const char* p, const char* end);
   void failUnended();
 
   RawText& raw_;
   std::vector<char> window_;
+  std::uint64_t start_ = 0;        // of the body in the file
   std::uint64_t windowStart_ = 0;  // how much of the body lies before the window
   Mark coming_;                    // the last one
   Mark passed_;                    // the one before, where that is still ahead
@@ -143,6 +157,7 @@ class StatementBody {
   bool zeros_ = false;     // met in a reference and not written yet
   bool isFirst_ = true;    // nothing of the body was looked at
   bool isRaised_ = false;  // letters become capital ones
+  bool isMalformed_ = false;
   NamedNumbers named_;
   std::uint64_t emptiedStrings_ = 0;
 };

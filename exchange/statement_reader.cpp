@@ -10,6 +10,17 @@ namespace {
 
 constexpr std::string_view kStart = "ISO-10303-21";
 
+/// What stands behind "ISO" in the mark of this part of the standard or another one.
+constexpr bool isOfMark(char c) {
+  return isDigit(c) || c == '-';
+}
+
+/// Whether a keyword, in capital letters, is the mark that ends the file.
+bool isEndMark(std::string_view word) {
+  constexpr std::string_view kEnd = "END-ISO";
+  return word.starts_with(kEnd) && std::all_of(word.begin() + kEnd.size(), word.end(), isOfMark);
+}
+
 constexpr bool isWordCharacter(char c) {
   return (capital(c) >= 'A' && capital(c) <= 'Z') || isDigit(c) || c == '_' || c == '-' ||
          c == '!' || c == '&';
@@ -22,8 +33,30 @@ void StatementReader::fail(const char* what) {
   isEnded_ = true;
 }
 
-/// Goes behind "ISO-10303-21;", which has to be there.
+/// Goes behind a mark like "ISO-10303-28;" or "ISO;" that the file begins with; false if there is none.
+bool StatementReader::takeOtherMark() {
+  constexpr std::string_view kIso = "ISO";
+  constexpr std::size_t kLongest = 64;
+  while (raw_.ensure(1) && isIgnored(raw_.atHand().front())) {
+    raw_.skip(1);
+  }
+  (void)raw_.ensure(kLongest);
+  const std::string_view text = raw_.atHand().substr(0, kLongest);
+  const bool isIso =
+      text.size() >= kIso.size() && std::equal(kIso.begin(), kIso.end(), text.begin(),
+                                               [](char a, char b) { return a == capital(b); });
+  const auto* const end =
+      isIso ? std::find_if_not(text.begin() + kIso.size(), text.end(), isOfMark) : text.end();
+  const bool isMark = end != text.end() && *end == ';';
+  raw_.skip(isMark ? static_cast<std::size_t>(end - text.begin()) + 1 : 0);
+  return isMark;
+}
+
+/// Goes behind "ISO-10303-21;", which has to be there, or behind another mark at the very beginning.
 bool StatementReader::findStart() {
+  if (takeOtherMark()) {
+    return true;
+  }
   while (raw_.ensure(kStart.size() + 1)) {
     const std::string_view rest = raw_.atHand();
     const auto place = std::search(rest.begin(), rest.end(), kStart.begin(), kStart.end(),
@@ -111,6 +144,9 @@ Statement StatementReader::next() {
 
 /// Takes what starts with "#".
 std::optional<Statement> StatementReader::takeNamed() {
+  if (section_ == Section::None && hasData_) {
+    section_ = Section::Data;  // which seemed to end
+  }
   if (section_ != Section::Data) {
     skipStatement();
     return std::nullopt;
@@ -152,7 +188,7 @@ std::optional<Statement> StatementReader::takeWord() {
   if (word_ == "ENDSCOPE" && section_ == Section::Data) {
     return endScope() ? std::optional(startInstance()) : std::nullopt;
   }
-  if (word_ == "END-ISO-10303-21") {
+  if (isEndMark(word_)) {
     isEnded_ = true;
     return std::nullopt;
   }
@@ -176,10 +212,11 @@ std::optional<Statement> StatementReader::takeWord() {
 
 /// Whether the keyword begins or ends a section.
 bool StatementReader::enterSection() {
-  if (word_ == "HEADER") {
+  if (word_ == "HEADER" && !hasData_) {
     section_ = Section::Header;
   } else if (word_ == "DATA") {
     section_ = Section::Data;
+    hasData_ = true;
   } else if (word_ == "ENDSEC") {
     section_ = Section::None;
   } else if (section_ == Section::None &&

@@ -26,9 +26,11 @@ enum class Statement {
 
 /// Reads the exchange structure of ISO 10303-21 statement by statement, in blocks of the file.
 ///
-/// What stands before "ISO-10303-21;" and behind "END-ISO-10303-21;" is no part of it. Sections
+/// What stands before "ISO-10303-21;" and behind "END-ISO-10303-21;" is no part of it. The mark of
+/// another part of the standard, "ISO-10303-28;", counts where the file begins with it. Sections
 /// other than HEADER and DATA are passed over as text, up to "ENDSEC;": their resources may hold
-/// apostrophes and "/*". Behind anything else that is no instance, reading goes on at the next "#1=".
+/// apostrophes and "/*". Behind anything else that is no instance, reading goes on at the next "#1=",
+/// of which there may be more behind a DATA section that seemed to end.
 /// Keywords count in any case. The instances in "&SCOPE ... ENDSCOPE" come one by one, before the one that the scope belongs
 /// to.
 ///
@@ -89,6 +91,11 @@ class StatementReader {
     return body_.isWhole();
   }
 
+  /// Whether what was read of the body has a string without an end.
+  [[nodiscard]] bool isMalformed() const {
+    return body_.isMalformed();
+  }
+
   /// Goes over bytes that `peek` gave.
   void consume(std::size_t size) {
     body_.consume(size);
@@ -129,6 +136,7 @@ class StatementReader {
   enum class Section { None, Header, Data, Other };
 
   void fail(const char* what);
+  bool takeOtherMark();
   bool findStart();
   std::optional<Statement> takeNamed();
   std::optional<Statement> takeWord();
@@ -145,6 +153,7 @@ class StatementReader {
   RawText raw_;
   StatementBody body_;
   Section section_ = Section::None;
+  bool hasData_ = false;
   bool isStarted_ = false;
   bool isEnded_ = false;
   std::vector<std::uint64_t> scopes_;  // the instances that open scopes belong to

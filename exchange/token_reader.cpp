@@ -11,7 +11,7 @@ namespace {
 
 /// What ends a keyword, a number and anything else that is no string.
 constexpr bool isDelimiter(char c) {
-  return c == '(' || c == ')' || c == ',' || c == '#' || c == '\'' || c == '"';
+  return c == '(' || c == ')' || c == ',' || c == '#' || c == '\'';
 }
 
 constexpr bool startsNumber(char c) {
@@ -85,21 +85,13 @@ Token TokenReader::takeString() {
   return tokenTo(Token::Kind::String, end);
 }
 
-Token TokenReader::takeBinary(bool isRest) {
-  const char* const end = std::find(p_ + (isRest ? 0 : 1), end_, '"');
-  cut_ = end == end_ && !isWhole_ ? Token::Kind::Binary : Token::Kind::End;
-  Token token = tokenTo(Token::Kind::Binary, end + (end == end_ ? 0 : 1));
-  token.isRest = isRest;
-  return token;
-}
-
 Token TokenReader::next() {
   const char c = peek();
   if (p_ == end_) {
     return {};
   }
   if (cut_ != Token::Kind::End) {
-    return cut_ == Token::Kind::Binary ? takeBinary(true) : takeRun(cut_, true);
+    return takeRun(cut_, true);
   }
   switch (c) {
     case '(':
@@ -112,8 +104,6 @@ Token TokenReader::next() {
       return takeReference();
     case '\'':
       return takeString();
-    case '"':
-      return takeBinary(false);
     default: {
       const bool isWord = (capital(c) >= 'A' && capital(c) <= 'Z') || c == '!';
       return takeRun(isWord ? Token::Kind::Keyword : Token::Kind::Other, false);

@@ -19,9 +19,8 @@ struct Token {
     Comma,
     Reference,
     String,
-    Binary,
     Keyword,
-    Other,  ///< a number, an enumeration, "$", "*", or what is none of all
+    Other,  ///< a number, a binary, an enumeration, "$", "*", or what is none of all
   };
   static constexpr std::uint64_t kNoNumber = std::numeric_limits<std::uint64_t>::max();
 
@@ -123,7 +122,6 @@ class TokenReader {
   Token takeRun(Token::Kind kind, bool isRest);
   Token takeReference();
   Token takeString();
-  Token takeBinary(bool isRest);
   Token tokenTo(Token::Kind kind, const char* end);
   std::int64_t skipNumberLists();
 

@@ -128,8 +128,8 @@ class Dropper {
   [[nodiscard]] Fate fateAlone(InstanceIndex index) const {
     if (table_.isVoid(index)) {
       // Of several with one number the kernel takes one or another by where it is named.
-      return table_.isUnbalanced(index) || table_.type(index).isTessellated ? Fate::Dropped
-                                                                            : Fate::Kept;
+      return table_.isMalformed(index) || table_.type(index).isTessellated ? Fate::Dropped
+                                                                           : Fate::Kept;
     }
     if (!table_.isTessellated(index)) {
       return Fate::Kept;

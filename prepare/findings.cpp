@@ -35,6 +35,9 @@ Findings decide(const InstanceTable& table, StatementReader& again) {
   findings.part.hasExact =
       findings.part.hasExact || keepsUnknown(table, structure, findings.decisions.fates);
   findings.decisions.mayHaveExact = findings.part.mayHaveExact || findings.part.hasExact;
+  if (table.hasUnended()) {
+    findings.warnings.insert("instances with a string that never ends are left out");
+  }
   if (table.hasUnbalanced()) {
     findings.warnings.insert("instances whose parentheses do not balance are left out");
   }

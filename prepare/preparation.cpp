@@ -181,6 +181,9 @@ int writeDecided(const std::string& outputPath, const Source& source, Findings& 
   if (written.emptiedStrings > 0) {
     findings.warnings.insert("strings of more than 8,192 bytes are emptied");
   }
+  if (written.hasMalformedHeader) {
+    findings.warnings.insert("malformed entities of the header are left out");
+  }
   if (written.hasNormalsAgainst) {
     findings.warnings.insert(
         "the stored normals of a body are all against its triangles, which stay");

@@ -35,6 +35,9 @@ class Writer {
   Written write();
 
  private:
+  Statement writeHeader();
+  void writeInstances(Statement statement);
+  void writeNewInstances();
   void writeInstance(InstanceIndex index);
   void writeLists(InstanceIndex index);
   void writeFaces(InstanceIndex index);
@@ -183,17 +186,30 @@ void Writer::writeInstance(InstanceIndex index) {
   written_.emptiedStrings += reader_.emptiedStrings() - emptiedBefore;
 }
 
-Written Writer::write() {
+/// Writes the header, without what would keep the kernel from reading on. Gives what stands behind it.
+Statement Writer::writeHeader() {
   output_.put("ISO-10303-21;\nHEADER;\n");
   Statement statement = reader_.next();
   for (; statement == Statement::HeaderEntity; statement = reader_.next()) {
+    const BodyPlace start = reader_.place();
+    const Parentheses all = reader_.skipBody();
+    if (all.opened != all.closed || reader_.isMalformed()) {
+      written_.hasMalformedHeader = true;
+      continue;
+    }
+    reader_.goTo(start);
     const std::uint64_t emptiedBefore = reader_.emptiedStrings();
     output_.put(reader_.headerKeyword());
     copyBody(reader_, output_);
     output_.put(";\n");
     written_.emptiedStrings += reader_.emptiedStrings() - emptiedBefore;
   }
-  output_.put("ENDSEC;\nDATA;\n");
+  output_.put("ENDSEC;\n");
+  return statement;
+}
+
+/// Writes what stays of the instances, as long as they are those that were read before.
+void Writer::writeInstances(Statement statement) {
   InstanceIndex index = 0;
   for (; statement != Statement::End && written_.error.empty() && output_.isGood();
        statement = reader_.next()) {
@@ -202,7 +218,7 @@ Written Writer::write() {
     }
     if (index == table_.size() || table_.number(index) != reader_.number()) {
       written_.error = "changed while it was read";
-      break;
+      return;
     }
     writeInstance(index);
     ++index;
@@ -213,8 +229,9 @@ Written Writer::write() {
   if (written_.error.empty() && output_.isGood() && index != table_.size()) {
     written_.error = "changed while it was read";
   }
-  written_.hasNormalsAgainst =
-      std::find(normals_.begin(), normals_.end(), NormalsVerdict::Against) != normals_.end();
+}
+
+void Writer::writeNewInstances() {
   writeOrphans(decisions_.orphans, table_, names_, output_);
   if (plan_.solidCount > 0) {
     writeSolids(plan_, names_, output_);
@@ -222,7 +239,16 @@ Written Writer::write() {
       writeMark(names_, output_);
     }
   }
+}
+
+Written Writer::write() {
+  const Statement first = writeHeader();
+  output_.put("DATA;\n");
+  writeInstances(first);
+  writeNewInstances();
   output_.put("ENDSEC;\nEND-ISO-10303-21;\n");
+  written_.hasNormalsAgainst =
+      std::find(normals_.begin(), normals_.end(), NormalsVerdict::Against) != normals_.end();
   return written_;
 }
 

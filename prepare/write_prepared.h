@@ -30,9 +30,10 @@ struct Written {
   std::uint64_t copiedTriangles = 0;  ///< of bodies that exact geometry duplicates
   std::uint64_t skippedTriangles = 0;
   std::uint64_t emptiedStrings = 0;
-  HugePoints huge;                 ///< whose triangles are written unless they were known before
-  bool hasNormalsAgainst = false;  ///< a body's stored normals are all against its triangles
-  std::string error;               ///< empty if nothing is wrong with the file
+  HugePoints huge;                  ///< whose triangles are written unless they were known before
+  bool hasNormalsAgainst = false;   ///< a body's stored normals are all against its triangles
+  bool hasMalformedHeader = false;  ///< some of it is left out
+  std::string error;                ///< empty if nothing is wrong with the file
 };
 
 /// Writes the file anew, in the order of the file: one instance a line without blanks, what is

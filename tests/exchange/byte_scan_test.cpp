@@ -19,7 +19,7 @@ namespace {
 std::size_t specialIn(const std::vector<char>& text) {
   for (std::size_t i = 0; i + 1 < text.size(); ++i) {
     const bool isBlank = static_cast<unsigned char>(text[i]) <= ' ';
-    if (isBlank || std::string_view("'\"/;").find(text[i]) != std::string_view::npos ||
+    if (isBlank || std::string_view("'/;").find(text[i]) != std::string_view::npos ||
         (text[i] == '#' && text[i + 1] == '0')) {
       return i;
     }
@@ -29,7 +29,7 @@ std::size_t specialIn(const std::vector<char>& text) {
 
 std::size_t markIn(const std::vector<char>& text, Parentheses& counts) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (std::string_view("'\"/;").find(text[i]) != std::string_view::npos) {
+    if (std::string_view("'/;").find(text[i]) != std::string_view::npos) {
       return i;
     }
     counts.opened += text[i] == '(' ? 1U : 0U;

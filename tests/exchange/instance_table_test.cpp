@@ -76,6 +76,27 @@ TEST(InstanceTable, InstancesWhoseParenthesesDoNotBalanceAreNone) {
   EXPECT_NE(in[2], kNoInstance);
 }
 
+TEST(InstanceTable, InstancesWithAStringWithoutEndAreNone) {
+  for (const char* body : {"A(',#2)", "A'B('',(#3))", "CARTESIAN_POINT(',(0.,0.,0.))", "(A()B('))",
+                           "COORDINATES_LIST(',1,((0.,0.,0.)))"}) {
+    const Instances in(std::string("#1=") + body + ";\n#2=B();\n");
+    EXPECT_TRUE(in.table.hasUnended()) << body;
+    EXPECT_TRUE(in.table.isMalformed(0)) << body;
+    EXPECT_EQ(in[1], kNoInstance) << body;
+    EXPECT_NE(in[2], kNoInstance) << body;
+  }
+}
+
+TEST(InstanceTable, AStrayQuotationMarkIsPartOfWhatItStandsIn) {
+  const Instances in("#1=A((#2\",#3),#3);\n#2=B\"C();\n#3=D();\n");
+  std::string named;
+  in.table.forEachReference(0, [&named](const Reference& reference) {
+    named += reference.kind == Reference::Kind::Other ? "" : std::to_string(reference.number);
+  });
+  EXPECT_EQ(named, "233");
+  EXPECT_NE(in[2], kNoInstance);
+}
+
 TEST(InstanceTable, EndsAKeywordWhereOthersEndIt) {
   // Otherwise the first would be taken for a representation, and written anew as one without items.
   const Instances in("#1=,_TESSELLATED_SHAPE_REPRESENTATION('',(#3),$);\n#2=A,B('');\n#3=C;\n");

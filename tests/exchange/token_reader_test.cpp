@@ -42,7 +42,7 @@ std::string tokensOf(const std::string& text) {
   std::string all;
   for (Token token = tokens.next(); token.kind != Token::Kind::End; token = tokens.next()) {
     all += all.empty() ? "" : " ";
-    all += "-(),#'\"k."[static_cast<std::size_t>(token.kind)];
+    all += "-(),#'k."[static_cast<std::size_t>(token.kind)];
     all += token.text;
   }
   return all;
@@ -53,7 +53,7 @@ TEST(TokenReader, TakesTokens) {
   EXPECT_EQ(tokensOf("(AB_1()C(.T.,$,*,-1.5E3))"),
             "(( kAB_1 (( )) kC (( ..T. ,, .$ ,, .* ,, .-1.5E3 )) ))");
   EXPECT_EQ(tokensOf("A('it''s','''',\"0F\",X(1))"),
-            "kA (( ''it''s' ,, ''''' ,, \"\"0F\" ,, kX (( .1 )) ))");
+            "kA (( ''it''s' ,, ''''' ,, .\"0F\" ,, kX (( .1 )) ))");
 }
 
 TEST(TokenReader, GivesReferencesTheirNumbers) {
@@ -110,7 +110,7 @@ TEST(TokenReader, TakesKeywords) {
 
 TEST(TokenReader, GoesOverParameters) {
   for (const char* parameter :
-       {"$", "1.5E3", "'a,)('", "'it''s,'", "\"0,)\"", "(1,2)", "((1.,2.),(3.,4.))", "()", "(())",
+       {"$", "1.5E3", "'a,)('", "'it''s,'", "\"0F\"", "(1,2)", "((1.,2.),(3.,4.))", "()", "(())",
         "((),(1))", "((1),2)", "((1),((2),3),'))')", "((1),$)", "((1),'(')", "(((1)))", "X(1,(2))",
         ""}) {
     OneBody body("A(" + std::string(parameter) + ",Z)");

@@ -66,9 +66,9 @@ TEST(EdgeCases, AByteOfZeroInAStringEndsNothing) {
   using namespace std::literals;
   const Prepared result = prepared(
       {kMillimetre, kOneFace, "#13=TESSELLATED_SHAPE_REPRESENTATION('a\0b',(#12,#50),#2);\n"sv,
-       "#14=LAYER(\"\0\",(#12,#50),'\0');\n"sv, "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
+       "#14=LAYER(\"0\",(#12,#50),'\0');\n"sv, "#50=AXIS2_PLACEMENT_3D('',#51,$,$);\n"});
   EXPECT_THAT(result.file, HasSubstr("\n#13=SHAPE_REPRESENTATION('a\0b',(#50),#2);\n"
-                                     "#14=LAYER(\"\0\",(#50),'\0');\n"s));
+                                     "#14=LAYER(\"0\",(#50),'\0');\n"s));
 }
 
 TEST(EdgeCases, ATessellatedRepresentationOfOtherItemsTooKeepsThose) {

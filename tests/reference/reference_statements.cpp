@@ -1,8 +1,10 @@
 #include "tests/reference/reference_statements.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <regex>
 #include <vector>
 
 #include "exchange/statement_body.h"
@@ -11,14 +13,33 @@
 namespace plenvorith::test {
 namespace {
 
-/// One byte outside of strings, binaries and comments, or a whole one of these.
+/// One byte outside of strings and comments, or a whole one of these, or a string up to a line
+/// that it can't go over.
 struct Token {
-  enum class Kind { Byte, Blank, Comment, String, Binary, Unended } kind = Kind::Byte;
+  enum class Kind { Byte, Blank, Comment, String, CutString, Unended } kind = Kind::Byte;
   std::string text;
 };
 
 bool isBlank(char c) {
   return static_cast<unsigned char>(c) <= ' ';
+}
+
+/// Whether a line begins with "#12=" or "ENDSEC;".
+bool beginsStatement(std::string_view line) {
+  static const std::regex kStart("#[0-9]+ *=|[Ee][Nn][Dd][Ss][Ee][Cc];");
+  return std::regex_search(std::string(line.substr(0, 32)), kStart,
+                           std::regex_constants::match_continuous);
+}
+
+/// The next line end from a place on that stands before "#12=" or "ENDSEC;"; npos if there is none.
+std::size_t endOfUnended(std::string_view text, std::size_t place) {
+  for (place = text.find('\n', place); place != std::string_view::npos;
+       place = text.find('\n', place + 1)) {
+    if (beginsStatement(text.substr(place + 1))) {
+      return place;
+    }
+  }
+  return std::string_view::npos;
 }
 
 /// The token at a place; one that never ends says what it is.
@@ -37,13 +58,14 @@ Token tokenAt(std::string_view text, std::size_t place) {
   if (text.substr(place, 2) == "/*") {
     return upTo("*/", place + 2, Token::Kind::Comment, "a comment never ends");
   }
-  if (c == '"') {
-    return upTo("\"", place + 1, Token::Kind::Binary, "a binary never ends");
-  }
   if (c == '\'') {
     std::size_t end = place;
     do {
+      const std::size_t cut = endOfUnended(text, end + 1);
       end = text.find('\'', end + 1);
+      if (cut < end) {
+        return {Token::Kind::CutString, std::string(text.substr(place, cut - place))};
+      }
       if (end == std::string_view::npos) {
         return {Token::Kind::Unended, "a string never ends"};
       }
@@ -84,6 +106,7 @@ class Reference {
   void add(const std::string& start, const std::string& body);
   std::string readBody();
   std::string readBodyAsItIs();
+  [[nodiscard]] bool isInParameters() const;
   bool readName(std::uint64_t& number);
   void readNamed(std::uint64_t number);
   void readInstance();
@@ -98,7 +121,9 @@ class Reference {
 
   std::string_view text_;
   std::size_t place_ = 0;
+  std::size_t bodyStart_ = 0;
   std::string section_;
+  bool hasData_ = false;
   std::vector<std::uint64_t> scopes_;
   bool isEnded_ = false;
   std::string all_;
@@ -152,7 +177,7 @@ bool startsWithSmallLetters(const std::string& body) {
 }
 
 /// To the semicolon, which is taken. If it starts in small letters, all of them become capital ones,
-/// strings and binaries aside.
+/// strings aside.
 std::string Reference::readBody() {
   std::string body = readBodyAsItIs();
   if (!startsWithSmallLetters(body)) {
@@ -168,23 +193,34 @@ std::string Reference::readBody() {
   return raised;
 }
 
+/// Whether the semicolon at the place belongs to the keyword of a section among parameters.
+bool Reference::isInParameters() const {
+  static const std::regex kWord("([^]*[^A-Za-z_])?(DATA|ENDSEC|HEADER)", std::regex::icase);
+  static const std::regex kParameter("[,()'\"$*.+#0-9-][^]*");
+  const std::size_t first = std::max(bodyStart_, place_ < 7 ? 0 : place_ - 7);
+  std::string next(text_.substr(place_ + 1, 64));
+  next.erase(next.begin(), std::find_if_not(next.begin(), next.end(), isBlank));
+  return std::regex_match(std::string(text_.substr(first, place_ - first)), kWord) &&
+         std::regex_match(next, kParameter) && !beginsStatement(next);
+}
+
 std::string Reference::readBodyAsItIs() {
   std::string body;
-  while (place_ < text_.size() && text_[place_] != ';') {
+  bodyStart_ = place_;
+  while (place_ < text_.size() && (text_[place_] != ';' || isInParameters())) {
     const Token token = tokenAt(text_, place_);
     place_ += token.text.size();
     switch (token.kind) {
       case Token::Kind::Unended:
         fail(token.text);
         return body;
+      case Token::Kind::CutString:
+        return body;
       case Token::Kind::String: {
         const std::string plain = withoutLineEnds(token.text);
         body += plain.size() > StatementBody::kLongestString + 2 ? "''" : plain;
         break;
       }
-      case Token::Kind::Binary:
-        body += withoutLineEnds(token.text);
-        break;
       case Token::Kind::Byte:
         body += token.text == "/" ? "" : token.text;
         if (token.text == "#") {
@@ -241,6 +277,7 @@ void Reference::readNamed(std::uint64_t number) {
 
 void Reference::readInstance() {
   std::uint64_t number = 0;
+  section_ = section_.empty() && hasData_ ? "DATA" : section_;
   if (section_ != "DATA") {
     (void)readBody();
   } else if (readName(number)) {
@@ -300,11 +337,12 @@ void Reference::readKeyword() {
       return;
     }
     add('#' + std::to_string(number) + '=', readBody());
-  } else if (word == "END-ISO-10303-21") {
+  } else if (std::regex_match(word, std::regex("END-ISO[0-9-]*"))) {
     isEnded_ = true;
   } else {
-    if (word == "HEADER" || word == "DATA") {
+    if ((word == "HEADER" && !hasData_) || word == "DATA") {
       section_ = word;
+      hasData_ = hasData_ || word == "DATA";
     } else if (word == "ENDSEC") {
       section_.clear();
     } else if (section_.empty() &&
@@ -322,10 +360,16 @@ void Reference::readKeyword() {
   }
 }
 
-/// Behind "ISO-10303-21;", which is not behind "END-".
+/// Behind "ISO-10303-21;", which is not behind "END-", or behind another mark that is first of all.
 bool Reference::goToStart() {
   constexpr std::string_view kStart = "ISO-10303-21";
   const std::string raised = capitals(std::string(text_));
+  static const std::regex kFirst("[\\x00-\\x20]*ISO[0-9-]*;");
+  std::smatch first;
+  if (std::regex_search(raised, first, kFirst, std::regex_constants::match_continuous)) {
+    place_ = static_cast<std::size_t>(first.length());
+    return true;
+  }
   for (place_ = raised.find(kStart); place_ != std::string_view::npos;
        place_ = raised.find(kStart, place_)) {
     const bool isEnd = place_ > 0 && text_[place_ - 1] == '-';
