@@ -6,7 +6,6 @@
 // PLENVORITH_DIFFERENTIAL_SEED   the first seed, 1 where it is not set; file n has the seed after
 //                                that by n, and a failure names its seed
 
-#include <cstdlib>
 #include <optional>
 #include <random>
 #include <string>
@@ -23,6 +22,7 @@
 #include "tests/reference/reference_face_decoder.h"
 #include "tests/reference/reference_stl_writer.h"
 #include "tests/support/outcome.h"
+#include "tests/support/rounds.h"
 #include "tests/support/step_text.h"
 #include "tests/support/strip_comparison.h"
 #include "tests/support/temp_dir.h"
@@ -34,11 +34,6 @@ using test::MemoryFile;
 using test::Outcome;
 using test::outcomeOf;
 using test::readFile;
-
-unsigned long fromEnvironment(const char* name, unsigned long otherwise) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? otherwise : std::stoul(value);
-}
 
 /// How often something was met, so that a generator that has become useless is noticed.
 struct Tally {
@@ -93,8 +88,8 @@ class Differential : public testing::Test {
 };
 
 TEST_F(Differential, AgreesWithTheReferencesOnGeneratedFiles) {
-  const unsigned long count = fromEnvironment("PLENVORITH_DIFFERENTIAL_FILES", 3000);
-  const unsigned long seed = fromEnvironment("PLENVORITH_DIFFERENTIAL_SEED", 1);
+  const unsigned long count = test::fromEnvironment("PLENVORITH_DIFFERENTIAL_FILES", 3000);
+  const unsigned long seed = test::fromEnvironment("PLENVORITH_DIFFERENTIAL_SEED", 1);
   for (unsigned long i = 0; i < count; ++i) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed + i));
     const std::string content = test::generateStepFile(random);

@@ -100,6 +100,20 @@ std::vector<ExactCase> casesOfErrors() {
              "#300=", "#36=ADVANCED_FACE('',(#34),#30,.T.);\n#124=BLOCK('',#20,1.,2.,3.);\n#300="),
       broken("two of a number, the last taken",
              "#36=", "#36=ADVANCED_FACE('',(#34),#30,.T.);\n#36="),
+      broken("an apostrophe lost", "#43=VERTEX_LOOP(''", "#43=VERTEX_LOOP('"),
+      broken("an apostrophe in a keyword", "#45=ADVANCED", "#45=A'DVANCED"),
+      broken("a quotation mark in a keyword", "#57=POLY_", "#57=POLY\"_"),
+      broken("tessellation for a context", "#2=PRODUCT_CONTEXT('',#1,",
+             "#2=PRODUCT_CONTEXT('',#301,"),
+      broken("tessellation for a unit", "(#12,#13,#14)", "(#301)"),
+      broken("another part of the standard", "ISO-10303-21;", "ISO-3-21;"),
+      broken("a section that seems to end", "#45=", "ENDSEC;\n#45="),
+      broken("a section that seems to begin", "#20,#100", "#20,#100DATA;\n"),
+      broken("a parenthesis lost in the header", "(''),'','','')", "(''),'','',''"),
+      broken("an apostrophe lost in the header", "FILE_NAME('',", "FILE_NAME(',"),
+      broken("a second header", "#45=", "HEADER;\n#45="),
+      broken("a quotation mark beside a reference", "#20,#100", "#20\",#100"),
+      broken("a quotation mark in the header", "FILE_NAME('',", "FILE_NAME('',\""),
   };
 }
 

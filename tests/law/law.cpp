@@ -30,7 +30,7 @@ Conversion convert(const TempDir& directory, const char* name, const std::string
   const Outcome outcome = runProgram(command);
   Conversion result;
   result.signal = outcome.signal;
-  result.isReadBrep = outcome.out.find("\n[3] ") != std::string::npos;
+  result.isReadBrep = outcome.exitStatus == 0 && outcome.out.find("\n[3] ") != std::string::npos;
   const std::string file = readFile(directory / kMesh);
   if (outcome.exitStatus == 0 && !file.empty()) {
     result.decoded = recordsOf(file);

@@ -11,7 +11,7 @@ namespace plenvorith::test {
 /// What the converter makes of a file.
 struct Conversion {
   int signal = 0;           ///< that ended it, 0 if it ended by itself
-  bool isReadBrep = false;  ///< whether exact geometry was looked for
+  bool isReadBrep = false;  ///< whether it was converted, with a look for exact geometry
   std::vector<StlRecord> exact;
   std::vector<StlRecord> decoded;
 };
@@ -25,8 +25,9 @@ struct LawCase {
 };
 
 /// The law of preparing: a prepared file gives all exact triangles that the file gives alone, and
-/// the converter does not crash on it where it reads exact geometry of the file alone and does not.
-/// (A file that it takes for tessellation only keeps the damage of its exact geometry to itself.)
+/// the converter does not crash on it where it converts the file alone with a look for exact geometry.
+/// (Malformed geometry crashes the kernel; a file that it does not look into, or that it cannot read
+/// for what stands elsewhere, keeps that to itself.)
 ///
 /// Runs both programs on a file with this content in `directory`, and leaves nothing there. Meshes may
 /// be off by `deflection`, in millimetres.

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -22,6 +21,7 @@
 #include "tests/reference/reference_prepare.h"
 #include "tests/support/captured_cout.h"
 #include "tests/support/records.h"
+#include "tests/support/rounds.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -29,11 +29,6 @@ namespace {
 
 using test::FloatTriangle;
 using test::ReferencePreparation;
-
-unsigned long fromEnvironment(const char* name, unsigned long otherwise) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? otherwise : std::stoul(value);
-}
 
 /// What the converter takes of a prepared file, without the exact geometry.
 struct Taken {
@@ -177,8 +172,8 @@ class Generated : public testing::Test {
 };
 
 TEST_F(Generated, FilesGiveTheTrianglesOfTheReference) {
-  const unsigned long count = fromEnvironment("PLENVORITH_GENERATED_FILES", 400);
-  const unsigned long seed = fromEnvironment("PLENVORITH_GENERATED_SEED", 1);
+  const unsigned long count = test::fromEnvironment("PLENVORITH_GENERATED_FILES", 400);
+  const unsigned long seed = test::fromEnvironment("PLENVORITH_GENERATED_SEED", 1);
   for (unsigned long i = 0; i < count; ++i) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed + i));
     const std::string content = test::generateTessellatedFile(random);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <string>
 
 namespace plenvorith::test {
 
@@ -9,6 +10,12 @@ namespace plenvorith::test {
 inline int rounds(int whole) {
   static const bool isThorough = std::getenv("PLENVORITH_THOROUGH") != nullptr;
   return isThorough ? whole : whole / 10;
+}
+
+/// A number that an environment variable gives.
+inline unsigned long fromEnvironment(const char* name, unsigned long otherwise) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? otherwise : std::stoul(value);
 }
 
 }  // namespace plenvorith::test
