@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <optional>
 #include <string_view>
@@ -22,6 +23,7 @@
 #include "batch/system/folder.h"
 #include "batch/system/lines.h"
 #include "batch/system/process.h"
+#include "common/escaped_text.h"
 
 namespace plenvorith {
 namespace {
@@ -29,15 +31,16 @@ namespace {
 // The worker's program replaces the shell, so that it hears when nobody reads its results.
 constexpr const char* kShared = "exec \"$p\" --worker <\"$PLENVORITH_RUN/{}.jobs\"";
 
-// Here, on ":", GNU parallel transfers nothing. The results travel with the outputs: what is
-// printed comes before them.
-constexpr const char* kTransferred = R"(here=
-[ -e {}.tar ] || { cp "$PLENVORITH_RUN/{}.tar" . && here=yes; }
-tar -xf {}.tar && rm {}.tar && cd {} && "$p" --worker <jobs >results
-cd .. && tar --format=posix -cf {}.out.tar {}/results {}/made {}/transcripts && rm -r {} &&
-{ [ ! "$here" ] || mv {}.out.tar "$PLENVORITH_RUN"; } && echo done {})";
+// The results travel with the outputs, as the standard output, which GNU parallel puts into a file: a
+// call of ssh takes longer than many a conversion, and to fetch files and remove them takes four. The
+// results come last: where they are, all is. Here, on ":", GNU parallel sends nothing.
+constexpr const char* kTransferred = R"(w=$PWD
+trap 'cd "$w" && rm -rf {} {}.tar; rmdir "$w" 2>/dev/null' 0
+[ -e {}.tar ] || cp "$PLENVORITH_RUN/{}.tar" .
+tar -xf {}.tar && cd {} && "$p" --worker <jobs >results
+cd "$w" && tar --format=posix -cf - {}/made {}/transcripts {}/results)";
 
-constexpr std::string_view kDone = "done ";
+constexpr std::string_view kPacked = ".out.tar";
 
 /// Where a chunk's files stand, on its way to a host and back.
 std::string chunkFolder(const HostEngine& engine, const std::string& chunk) {
@@ -143,8 +146,13 @@ std::vector<Finished> unpackChunk(HostEngine& engine, const std::string& chunk) 
   start.arguments = {findTool("tar"), "-xf", chunk + ".out.tar", chunk};
   start.folder = engine.folder;
   const bool isWhole = runTool(start, std::chrono::hours(24)).succeeded && isPlain(folder);
-  (void)unlink((folder + ".out.tar").c_str());
-  (void)unlink((folder + ".tar").c_str());
+  std::ifstream errors(folder + ".out.tar.err", std::ios::binary);
+  for (std::string line; !isWhole && std::getline(errors, line);) {
+    std::cerr << printable(line) << std::endl;
+  }
+  for (const char* const extension : {".tar", ".out.tar", ".out.tar.err", ".out.tar.seq"}) {
+    (void)unlink((folder + extension).c_str());
+  }
   if (!isWhole) {
     return all;
   }
@@ -169,7 +177,7 @@ std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool tran
   }
   if (transfer) {
     for (const char* const option :
-         {"--workdir", "...", "--transferfile", "{}.tar", "--return", "{}.out.tar", "--cleanup"}) {
+         {"--workdir", "...", "--transferfile", "{}.tar", "--results", "{}.out.tar", "--files"}) {
       options.emplace_back(option);
     }
   } else {
@@ -233,13 +241,11 @@ std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive) {
   isAlive = readMore(engine.parallel.output.get(), engine.pending);
   std::vector<Finished> all;
   for (const std::string& line : takeLines(engine.pending)) {
-    const bool isChunk = engine.transfer && line.starts_with(kDone) &&
-                         engine.chunks.erase(line.substr(kDone.size())) == 1;
-    if (isChunk) {
-      std::vector<Finished> chunk = unpackChunk(engine, line.substr(kDone.size()));
-      std::move(chunk.begin(), chunk.end(), std::back_inserter(all));
-    } else if (engine.transfer) {
-      continue;  // results come with their outputs
+    if (engine.transfer) {
+      const std::string chunk = line.substr(0, line.find(kPacked));
+      if (line.ends_with(kPacked) && engine.chunks.erase(chunk) == 1) {
+        std::ranges::move(unpackChunk(engine, chunk), std::back_inserter(all));
+      }
     } else if (std::optional<Finished> finished = finishedFrom(engine, "", line)) {
       all.push_back(std::move(*finished));
     }

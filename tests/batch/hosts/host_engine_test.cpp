@@ -110,7 +110,7 @@ TEST_F(HostEngineTest, SendsInputsAndBringsOutputsBack) {
   ASSERT_EQ(
       start("cat >given; tar -xf 0.tar && cd 0 && mkdir made/0 && cp in/0/a.stp made/0/a.stl &&\n"
             "echo said >transcripts/0 && cp ../answers results && cd .. &&\n"
-            "tar -cf 0.out.tar 0 && rm -r 0 && echo done 0\n",
+            "tar -cf 0.out.tar 0 && rm -r 0 && echo 0.out.tar\n",
             {{0}}),
       "");
   const std::vector<Finished> all = collectAll();
@@ -143,7 +143,8 @@ TEST_F(HostEngineTest, BeginsBeforeAllIsPacked) {
 
 TEST_F(HostEngineTest, TakesNothingFromWhatHasComeInHalf) {
   engine.transfer = true;
-  ASSERT_EQ(start("cat >given; head -c 100 0.tar >0.out.tar; echo done 0; echo done 7", {{0}}), "");
+  ASSERT_EQ(
+      start("cat >given; head -c 100 0.tar >0.out.tar; echo 0.out.tar; echo 7.out.tar", {{0}}), "");
   EXPECT_THAT(collectAll(), IsEmpty());
 }
 
@@ -170,7 +171,7 @@ TEST(EngineOptions, NameEachHostWithItsJobs) {
               testing::IsSupersetOf({"--sshlogin", "2/:", "8/ssh -F c beta", "--line-buffer"}));
   EXPECT_THAT(
       engineOptions({{":", 2}}, true),
-      testing::IsSupersetOf({"--transferfile", "{}.tar", "--return", "{}.out.tar", "--cleanup"}));
+      testing::IsSupersetOf({"--transferfile", "{}.tar", "--results", "{}.out.tar", "--files"}));
 }
 
 }  // namespace
