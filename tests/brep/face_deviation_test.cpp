@@ -15,7 +15,9 @@
 #include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
 #include <Geom_BezierSurface.hxx>
+#include <Geom_Parabola.hxx>
 #include <Geom_Plane.hxx>
+#include <Geom_SurfaceOfLinearExtrusion.hxx>
 #include <Poly_Triangulation.hxx>
 #include <TColgp_Array2OfPnt.hxx>
 #include <TopExp_Explorer.hxx>
@@ -111,6 +113,8 @@ TEST(FaceDeviation, OfAPlaneIsNone) {
   meshShape(box, 0.1);
   TopExp_Explorer face(box, TopAbs_FACE);
   EXPECT_THAT(deviationOf(TopoDS::Face(face.Current()), 0.0), Le(1e-12));
+  // Nor at the parameters themselves.
+  EXPECT_THAT(deviationOf(TopoDS::Face(face.Current()), 100.0), Le(1e-12));
 }
 
 /// A face whose surface leads along a parabola, extruded in y.
@@ -133,6 +137,9 @@ TEST(FaceDeviation, LooksForTheNearestPoint) {
   EXPECT_THAT(deviationOf(face, 100.0), Ge(1.0));
   EXPECT_THAT(deviationOf(face, 0.1), Le(0.1));
   EXPECT_THAT(deviationOf(face, 1e-3), Le(1e-3));
+  // However little the limit is below the distance at the parameters.
+  const double atParameters = deviationOf(face, 100.0);
+  EXPECT_THAT(deviationOf(face, atParameters * 0.99), Le(atParameters * 0.9));
 }
 
 /// Gives a face a mesh of one triangle.
@@ -156,7 +163,59 @@ TEST(FaceDeviation, LooksAtOtherPartsOfTheSurface) {
   giveMesh(face, {onUpperLeg(0.9, 0), onUpperLeg(0.9, 10), onUpperLeg(0.899, 10)},
            {gp_Pnt2d(0.1, 0), gp_Pnt2d(0.1, 1), gp_Pnt2d(0.101, 0.5)});
   EXPECT_THAT(deviationOf(face, 100.0), Ge(3.0));
-  EXPECT_THAT(deviationOf(face, 0.1), Le(0.1));
+  // The legs are 3.2 apart: so much is confirmed or not, however little it is beyond the limit.
+  for (const double limit : {0.1, 1.0, 2.8, 3.0, 3.19}) {
+    EXPECT_THAT(deviationOf(face, limit), Le(0.1)) << limit;
+  }
+}
+
+TEST(FaceDeviation, FindsTheNearestPointOfABorder) {
+  // Beside the ends of an extruded parabola, where the kernel's projection finds nothing: at a
+  // distance from the point of parameter 0.3, whose normal is (-8, 10) / sqrt(164), on either side.
+  const TopoDS_Face face = bezierFace({0, 0, 0}, {5, 0, 10}, {10, 0, 0});
+  for (const double height : {3.0, -3.0}) {
+    for (const double start : {0.1, 0.5}) {
+      for (const double beside : {0.5, -0.5}) {
+        const gp_Pnt point(3 - height * 8 / std::sqrt(164), beside > 0 ? 10.5 : -0.5,
+                           4.2 + height * 10 / std::sqrt(164));
+        const gp_Pnt2d parameters(start, beside > 0 ? 0.9 : 0.1);
+        giveMesh(face, {point, point, point}, {parameters, parameters, parameters});
+        EXPECT_THAT(deviationOf(face, 0.1), DoubleNear(std::hypot(height, beside), 1e-9))
+            << height << ' ' << start << ' ' << beside;
+      }
+    }
+  }
+}
+
+TEST(FaceDeviation, LooksALittleBeyondTheMeshOfACylinder) {
+  // A cylinder has no end, so that the kernel looks where the mesh is. The parameters are those of
+  // the side behind the axis, and a little short of the points.
+  const TopoDS_Face face = curvedFaceOf(BRepPrimAPI_MakeCylinder(5, 20).Shape());
+  for (const double ahead : {0.9, -0.9}) {
+    const double end = ahead > 0 ? 10 : 0;
+    const auto onSurface = [ahead](double u, double v) {
+      return gp_Pnt(5 * std::cos(u), 5 * std::sin(u), v + ahead);
+    };
+    giveMesh(face, {onSurface(1, 10 - end), onSurface(1, end), onSurface(1.01, end)},
+             {gp_Pnt2d(1 + M_PI, 10 - end), gp_Pnt2d(1 + M_PI, end), gp_Pnt2d(1.01 + M_PI, end)});
+    EXPECT_THAT(deviationOf(face, 100.0), Ge(9.0));
+    EXPECT_THAT(deviationOf(face, 0.01), Le(0.01)) << ahead;
+  }
+}
+
+TEST(FaceDeviation, LooksALittleBeyondTheMeshOfAnExtrudedParabola) {
+  // It has no end along the parabola, either: (u * u, u). The parameters are those of one branch, the
+  // points of two corners lie on the other, a little farther out than the third.
+  const Handle(Geom_Surface) surface = new Geom_SurfaceOfLinearExtrusion(
+      new Geom_Parabola(gp_Ax2(gp_Pnt(), gp_Dir(0, 0, 1), gp_Dir(1, 0, 0)), 0.25), gp_Dir(0, 0, 1));
+  for (const double side : {1.0, -1.0}) {
+    const TopoDS_Face face = BRepBuilderAPI_MakeFace(surface, -10, 10, 0, 1, 1e-7).Face();
+    const auto onSurface = [side](double u, double v) { return gp_Pnt(u * u, side * u, v); };
+    giveMesh(face, {onSurface(11.8, 0), onSurface(11.8, 1), onSurface(10, 0)},
+             {gp_Pnt2d(-side * 10, 0), gp_Pnt2d(-side * 10, 1), gp_Pnt2d(side * 10, 0)});
+    EXPECT_THAT(deviationOf(face, 1000.0), Ge(20.0));
+    EXPECT_THAT(deviationOf(face, 0.1), Le(0.1)) << side;
+  }
 }
 
 TEST(FaceDeviation, TellsTheDistanceOfWhatIsFar) {

@@ -23,6 +23,10 @@ TEST(EdgeBalance, CountsEachSideOfTrianglesThatLookInOneDirectionOnly) {
   EXPECT_EQ(countOpenEdges(std::vector<Corners>{{0, 1, 2}, {0, 2, 1}}, 3), 0U);
 }
 
+TEST(EdgeBalance, CountsManyTrianglesAtOnePlace) {
+  EXPECT_EQ(countOpenEdges(std::vector<Corners>(1000, Corners{0, 1, 2}), 3), 3000U);
+}
+
 TEST(EdgeBalance, PassesOverSidesWithoutLength) {
   EXPECT_EQ(countOpenEdges(std::vector<Corners>{{0, 0, 1}}, 2), 0U);
   EXPECT_EQ(countOpenEdges(std::vector<Corners>{{1, 1, 1}}, 2), 0U);

@@ -1,5 +1,6 @@
 #include "check/problems.h"
 
+#include <cmath>
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -31,6 +32,12 @@ TEST(Problems, AreSolidsWithoutTriangles) {
   part.mesh.measure.triangles = 0;
   EXPECT_FALSE(isClosed(part.mesh));
   EXPECT_TRUE(hasProblem(part));
+}
+
+TEST(Problems, AreNotSmallMeshes) {
+  CheckedPart part = soundPart();
+  part.mesh.measure.triangles = 1;
+  EXPECT_TRUE(isClosed(part.mesh));
 }
 
 TEST(Problems, AreSolidsThatAreInsideOutOrFlat) {
@@ -85,6 +92,28 @@ TEST(Problems, AreStatedMeasuresThatAreATenthOfAPercentOff) {
   }
 }
 
+TEST(Problems, AreNotStatedMeasuresThatAreJustATenthOfAPercentOff) {
+  const PartMeasures stated = {1000.0, 1000.0, Point3{0, 0, 0}};
+  for (const double exact : {999.0, 1001.0}) {
+    EXPECT_FALSE(hasProblem(withExactAndStated({exact, exact, {}}, stated)));
+    const double beyond = std::nextafter(exact, exact < 1000 ? 0.0 : 2000.0);
+    EXPECT_TRUE(hasProblem(withExactAndStated({beyond, exact, {}}, stated)));
+    EXPECT_TRUE(hasProblem(withExactAndStated({exact, beyond, {}}, stated)));
+  }
+  // The part is 1000 large.
+  CheckedPart part = withExactAndStated({1000.0, 1000.0, Point3{1, 0, 0}}, stated);
+  part.mesh.measure.high = {0, 600, 800};
+  EXPECT_FALSE(hasProblem(part));
+  part.part.exact.centroid->x = std::nextafter(1.0, 2.0);
+  EXPECT_TRUE(hasProblem(part));
+}
+
+TEST(Problems, AreMeasuresThatAreNoNumbers) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_TRUE(hasProblem(withExactAndStated({nan, 1.0, {}}, {1.0, 1.0, {}})));
+  EXPECT_TRUE(hasProblem(withExactAndStated({1.0, 1.0, {}}, {nan, 1.0, {}})));
+}
+
 TEST(Problems, AreStatedCentresFarFromTheExactOnes) {
   // The part is as large as the diagonal of a cube of side 2.
   const PartMeasures exact = {8.0, 24.0, Point3{1, 1, 1}};
@@ -111,6 +140,40 @@ TEST(Problems, OfTheWholeAreItsStatedMeasures) {
   model.withExact = false;
   EXPECT_FALSE(hasProblemOfTheWhole(model));
   EXPECT_FALSE(hasProblemOfTheWhole(modelOf({})));
+}
+
+TEST(Problems, OfTheWholeGoByTheSizeOfAllParts) {
+  for (double Point3::*axis : {&Point3::x, &Point3::y, &Point3::z}) {
+    // From 0 to 1000, whichever part comes first.
+    CheckedPart low = soundPart();
+    low.mesh.measure.high = {};
+    low.part.exact = {1.0, 1.0, Point3{}};
+    CheckedPart high = low;
+    low.mesh.measure.high.*axis = 100;
+    high.mesh.measure.low.*axis = 900;
+    high.mesh.measure.high.*axis = 1000;
+    for (CheckedModel model : {modelOf({low, high}), modelOf({high, low})}) {
+      model.withExact = true;
+      model.stated.centroid = Point3{0.99, 0, 0};
+      EXPECT_FALSE(hasProblemOfTheWhole(model));
+      model.stated.centroid = Point3{1.01, 0, 0};
+      EXPECT_TRUE(hasProblemOfTheWhole(model));
+    }
+  }
+}
+
+TEST(Totals, HaveTheLargestDeviation) {
+  CheckedModel model = modelOf({soundPart(), soundPart(), soundPart()});
+  model.parts[1].part.faces.deviation = 0.5;
+  EXPECT_EQ(totalsOf(model).deviation, 0.5);
+}
+
+TEST(Measures, OfPartsThatCancelOutHaveNoCentre) {
+  CheckedModel model = modelOf({soundPart(), soundPart()});
+  model.parts[1].mesh.measure.sixfoldVolume = -48;
+  const PartMeasures whole = bestMeasures(model);
+  EXPECT_EQ(whole.volume, 0.0);
+  EXPECT_FALSE(whole.centroid.has_value());
 }
 
 TEST(Measures, OfTheWholeAreThoseOfItsSolids) {
