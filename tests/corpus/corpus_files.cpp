@@ -11,6 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "prepare/preparation.h"
+#include "tests/support/captured_cout.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith::test {
@@ -80,6 +82,11 @@ Outcome runProgram(const std::string& directory, const std::string& input,
   }
   run.err = readFile(directory + "/stderr");
   return run;
+}
+
+int prepareQuietly(const std::string& input, const std::string& output) {
+  const CapturedCout report;
+  return prepareFile(input, output);
 }
 
 std::size_t checkedBrepTriangles(const Outcome& run, const Row& row) {

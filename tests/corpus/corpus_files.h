@@ -25,6 +25,9 @@ struct Outcome {
 Outcome runProgram(const std::string& directory, const std::string& input,
                    const std::string& output);
 
+/// Prepares a file without a word, and gives the exit status.
+int prepareQuietly(const std::string& input, const std::string& output);
+
 /// How many triangles a run reports for the exact geometry, compared with those of the row.
 std::size_t checkedBrepTriangles(const Outcome& run, const Row& row);
 

@@ -16,9 +16,7 @@
 
 #include <gmock/gmock.h>
 
-#include "prepare/preparation.h"
 #include "tests/corpus/corpus_files.h"
-#include "tests/support/captured_cout.h"
 #include "tests/support/exact_geometry.h"
 #include "tests/support/scoped_tmpdir.h"
 #include "tests/support/temp_dir.h"
@@ -42,11 +40,6 @@ class PreparedCorpus : public Corpus {
 
   std::map<std::string, Row> prepared;  ///< by file
 };
-
-int prepareQuietly(const std::string& input, const std::string& output) {
-  const CapturedCout report;
-  return prepareFile(input, output);
-}
 
 /// Converts a prepared file, which has to give what the row says.
 void expectAsListed(const TempDir& dir, const std::string& input, const Row& row) {
