@@ -88,18 +88,27 @@ class FileCorners {
   /// Sets the corners whose vertices have hashes of this half.
   void number(std::span<const StlTriangle> triangles, std::span<Corners> corners,
               std::uint64_t half, PlaceNumbers& numbers) {
-    for (std::size_t i = 0; i < triangles.size(); ++i) {
+    hashes_.clear();
+    for (const StlTriangle& triangle : triangles) {
       for (std::size_t k = 0; k < 3; ++k) {
-        const Place place = vertexOf(triangles[i], k);
-        const std::uint64_t hash = hashOf(place);
-        if (hash >> 63U == half) {
-          corners[i][k] = places_ + numbers.numberOf(place, hash);
-          ++numbered_;
-        }
+        hashes_.push_back(hashOf(vertexOf(triangle, k)));
+      }
+    }
+    const auto isWanted = [half](std::uint64_t hash) { return hash >> 63U == half; };
+    for (std::size_t i = 0; i < hashes_.size(); ++i) {
+      const std::size_t ahead = i + PlaceNumbers::kAhead;
+      if (ahead < hashes_.size() && isWanted(hashes_[ahead])) {
+        numbers.expect(hashes_[ahead]);
+      }
+      if (isWanted(hashes_[i])) {
+        corners[i / 3][i % 3] =
+            places_ + numbers.numberOf(vertexOf(triangles[i / 3], i % 3), hashes_[i]);
+        ++numbered_;
       }
     }
   }
 
+  std::vector<std::uint64_t> hashes_;  // of the vertices of a block
   std::vector<Corners> corners_;
   std::uint32_t places_ = 0;
   std::uint64_t numbered_ = 0;

@@ -6,10 +6,11 @@
 namespace plenvorith {
 namespace {
 
-/// Room for this many places at three quarters of the slots.
+/// Slots for this many places. At most half of them are taken, or each place would stand in the way
+/// of many others.
 std::size_t slotsFor(std::size_t places) {
   constexpr std::size_t kFewest = 16;
-  return std::bit_ceil(std::max(kFewest, places + places / 3 + 1));
+  return std::bit_ceil(std::max(kFewest, 2 * places));
 }
 
 /// The same place with the same bits.
@@ -51,7 +52,7 @@ std::uint32_t PlaceNumbers::numberOf(const Place& place, std::uint64_t hash) {
   }
   places_.push_back(place);
   slots_[slot] = count();
-  if (slots_.size() - slots_.size() / 4 < places_.size()) {
+  if (slots_.size() / 2 < places_.size()) {
     grow();
   }
   return count() - 1;
@@ -59,11 +60,15 @@ std::uint32_t PlaceNumbers::numberOf(const Place& place, std::uint64_t hash) {
 
 void PlaceNumbers::grow() {
   const std::size_t size = 2 * slots_.size();
-  // The old slots go first: their content follows from the places.
-  slots_ = {};
+  // The old slots go first: their content follows from the places. Only another vector takes their
+  // memory with it.
+  slots_ = std::vector<std::uint32_t>();
   slots_.resize(size);
   mask_ = size - 1;
   for (std::uint32_t number = 0; number < count(); ++number) {
+    if (count() - number > kAhead) {
+      expect(hashOf(places_[number + kAhead]));
+    }
     std::size_t slot = hashOf(places_[number]) & mask_;
     while (slots_[slot] != 0) {
       slot = (slot + 1) & mask_;
