@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "batch/duplicates.h"
 #include "batch/hosts/host_loop.h"
 #include "batch/inputs/find_files.h"
 #include "batch/local/conversion_loop.h"
@@ -29,6 +31,7 @@
 #include "batch/system/descriptor.h"
 #include "batch/system/folder.h"
 #include "batch/system/host_name.h"
+#include "batch/system/signals.h"
 #include "common/escaped_text.h"
 
 namespace plenvorith {
@@ -185,6 +188,33 @@ bool beginRun(StateHandle& state, const std::vector<std::string>& arguments,
   return run.id != 0;
 }
 
+/// Converts files here or on hosts.
+LoopEnd convertSome(const Options& options, StateHandle& state, const RunContext& context,
+                    const std::vector<InputFile>& files, Summary& summary) {
+  return options.sshlogin.empty() ? convertFiles(options, state, context, files, summary)
+                                  : convertOnHosts(options, state, context, files, summary);
+}
+
+/// Converts files, those with the same bytes once. Another program may look at more than the bytes.
+LoopEnd convertEachOnce(const Options& options, StateHandle& state, const RunContext& context,
+                        std::vector<InputFile> files, Summary& summary) {
+  std::vector<Duplicate> duplicates;
+  if (options.settings.program.empty()) {
+    duplicates = takeDuplicates(files);
+  }
+  sortForConversion(files);
+  LoopEnd end = convertSome(options, state, context, files, summary);
+  if (duplicates.empty() || end.signal != 0 || !end.problem.empty()) {
+    return end;
+  }
+  const Descriptor signals = listenToSignals({SIGHUP, SIGINT, SIGTERM});
+  const std::vector<InputFile> rest =
+      settleDuplicates(state, context, duplicates, signals.get(), summary);
+  end.signal = nextSignal(signals.get());
+  return end.signal != 0 || rest.empty() ? end
+                                         : convertSome(options, state, context, rest, summary);
+}
+
 /// Converts what there is to convert and tells what became of it.
 int convertAll(const Options& options, const std::vector<std::string>& arguments,
                StateHandle& state, RunContext& context, const FoundFiles& found, Summary& summary) {
@@ -193,9 +223,7 @@ int convertAll(const Options& options, const std::vector<std::string>& arguments
   if (!beginRun(state, arguments, found, context, run)) {
     return refuse(context.places.database + ": " + stateProblem(state));
   }
-  const LoopEnd end = options.sshlogin.empty()
-                          ? convertFiles(options, state, context, found.files, summary)
-                          : convertOnHosts(options, state, context, found.files, summary);
+  const LoopEnd end = convertEachOnce(options, state, context, found.files, summary);
   run.end = timeText();
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.result = end.signal == 0 && end.problem.empty() ? "finished" : "interrupted";
@@ -284,7 +312,9 @@ int work(const Options& options, const std::vector<std::string>& arguments, Stat
     dropUpToDate(*state, context, options.dryRun, found.files, summary);
   }
   summary.files = static_cast<std::int64_t>(found.files.size());
-  sortForConversion(found.files);
+  if (options.dryRun) {
+    sortForConversion(found.files);
+  }
   return options.dryRun ? tellPlan(options, context.places, found, summary)
                         : convertAll(options, arguments, *state, context, found, summary);
 }

@@ -22,6 +22,7 @@ struct FileRecord : Outcome {
   FileStatus status = FileStatus::Failed;
   std::string settings;  ///< all that decides what is made of it, as one text
   std::string program;   ///< name and version of program and kernel
+  std::string sameAs;  ///< path of an input with the same bytes whose outputs were copied; or empty
 
   bool operator==(const FileRecord&) const = default;
 };

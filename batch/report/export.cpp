@@ -85,6 +85,7 @@ OrderedJson objectFrom(const FileRecord& file, InspectionsHandle* inspections) {
   object["schema"] = portable(file.header.schema);
   object["system"] = portable(file.header.system);
   object["time_stamp"] = portable(file.header.timeStamp);
+  object["same_as"] = portable(file.sameAs);
   addCheck(object, checkOf(file, inspections));
   object["outputs"] = OrderedJson::array();
   for (const OutputRecord& output : file.outputs) {

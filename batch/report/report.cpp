@@ -127,6 +127,7 @@ Json jsonOf(const ReportFile& file, const std::string& base,
   // Nearly always the base and the name.
   addText(object, "path", record.path == base + record.name ? "" : record.path);
   addText(object, "reason", record.reason);
+  addText(object, "sameAs", record.sameAs);
   if (const auto kind = kinds.find(beginningOf(record.reason)); kind != kinds.end()) {
     object["kind"] = kind->second;
   }

@@ -228,6 +228,9 @@
     if (file.reason) {
       add('Reason', file.reason);
     }
+    if (record.sameAs) {
+      add('Same bytes as', element('bdi', {}, shown(record.sameAs)));
+    }
     if (record.transcriptEnd) {
       add('Transcript', element('pre', {}, record.transcriptEnd.map(shown).join('\n')));
     }

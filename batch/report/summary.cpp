@@ -170,6 +170,7 @@ bool printSummary(const Summary& summary, const FoundFiles& found, double second
   const std::int64_t lost = summary.files - summary.converted - failed - kept;
   std::cout << "Converted: " << summary.converted << " (" << summary.triangles << " triangles)"
             << std::endl;
+  printCount("Of them, files with the bytes of another, converted once: ", summary.duplicates);
   printBefore(summary);
   if (!summary.doubtful.empty()) {
     std::cout << "Converted, but doubtful: " << countOf(summary.doubtful) << std::endl;

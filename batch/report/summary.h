@@ -34,6 +34,7 @@ struct Summary {
   std::int64_t files = 0;  ///< to convert in this run
   std::int64_t converted = 0;
   std::int64_t triangles = 0;
+  std::int64_t duplicates = 0;  ///< of the converted ones, copies of the outputs of others
   std::int64_t convertedBefore = 0;
   /// The number of files that have been converted in another way and are converted again, by what
   /// was different then: the settings or the program.

@@ -77,6 +77,7 @@ FileRecord recordOf(const RunContext& context, const Finished& finished) {
   record.mtime = isTooYoung(result.mtime, result.started) ? kUnknownTime : result.mtime;
   record.settings = context.settings;
   record.program = context.program;
+  record.sameAs = finished.sameAs;
   return record;
 }
 

@@ -29,6 +29,7 @@ struct Finished {
   std::string transcript;  ///< the job's file; it goes when it is taken
   std::string outputName;  ///< that the converter was asked for
   JobResult result;
+  std::string sameAs = {};  ///< path of the input that was converted in its place, if one was
 };
 
 /// What has become of an input.

@@ -92,6 +92,7 @@ void bindFile(StatementUse& use, const FileRecord& file) {
   use.bindBytes(file.header.schema);
   use.bindBytes(file.header.system);
   use.bindBytes(file.header.timeStamp);
+  use.bindBytes(file.sameAs);
 }
 
 std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
@@ -120,6 +121,7 @@ std::pair<FileRecord, std::int64_t> fileFrom(StatementUse& use) {
   file.header.schema = use.bytes();
   file.header.system = use.bytes();
   file.header.timeStamp = use.bytes();
+  file.sameAs = use.bytes();
   return {std::move(file), use.integer()};
 }
 

@@ -21,7 +21,7 @@ CREATE TABLE IF NOT EXISTS file(
   low_x REAL, low_y REAL, low_z REAL, high_x REAL, high_y REAL, high_z REAL,
   host TEXT NOT NULL, changed INTEGER NOT NULL DEFAULT -1, inode INTEGER NOT NULL DEFAULT -1,
   schema BLOB NOT NULL DEFAULT x'', system BLOB NOT NULL DEFAULT x'',
-  time_stamp BLOB NOT NULL DEFAULT x'');
+  time_stamp BLOB NOT NULL DEFAULT x'', same_as BLOB NOT NULL DEFAULT x'');
 CREATE TABLE IF NOT EXISTS output(
   path BLOB PRIMARY KEY, file INTEGER NOT NULL, size INTEGER NOT NULL) WITHOUT ROWID;
 CREATE INDEX IF NOT EXISTS output_file ON output(file);
@@ -33,7 +33,7 @@ CREATE VIEW IF NOT EXISTS files AS
          hex(hash) AS hash, settings, program, triangles, seconds, cpu_seconds, peak_memory,
          low_x, low_y, low_z, high_x, high_y, high_z, host,
          CAST(schema AS TEXT) AS schema, CAST(system AS TEXT) AS system,
-         CAST(time_stamp AS TEXT) AS time_stamp
+         CAST(time_stamp AS TEXT) AS time_stamp, CAST(same_as AS TEXT) AS same_as
   FROM file;
 PRAGMA user_version = 2;
 COMMIT;
@@ -48,6 +48,7 @@ ALTER TABLE file ADD COLUMN inode INTEGER NOT NULL DEFAULT -1;
 ALTER TABLE file ADD COLUMN schema BLOB NOT NULL DEFAULT x'';
 ALTER TABLE file ADD COLUMN system BLOB NOT NULL DEFAULT x'';
 ALTER TABLE file ADD COLUMN time_stamp BLOB NOT NULL DEFAULT x'';
+ALTER TABLE file ADD COLUMN same_as BLOB NOT NULL DEFAULT x'';
 ALTER TABLE run ADD COLUMN left_out TEXT NOT NULL DEFAULT '';
 COMMIT;
 )";
@@ -55,12 +56,12 @@ COMMIT;
 namespace {
 
 /// The columns of a file but for its id, in the order that the header tells.
-constexpr std::array<std::string_view, 29> kFileColumns = {
+constexpr std::array<std::string_view, 30> kFileColumns = {
     "path",        "name",      "run",     "status",      "reason",      "last_line",
     "exit_status", "signal",    "size",    "mtime",       "hash",        "settings",
     "program",     "triangles", "seconds", "cpu_seconds", "peak_memory", "low_x",
     "low_y",       "low_z",     "high_x",  "high_y",      "high_z",      "host",
-    "changed",     "inode",     "schema",  "system",      "time_stamp",
+    "changed",     "inode",     "schema",  "system",      "time_stamp",  "same_as",
 };
 
 /// The columns with commas between them, each made a text by `write`.

@@ -42,7 +42,7 @@ constexpr auto kQueryCount = static_cast<std::size_t>(Query::Count);
 /// A file's values are bound and come in this order: path, name, run, status, reason, last_line,
 /// exit_status, signal, size, mtime, hash, settings, program, triangles, seconds, cpu_seconds,
 /// peak_memory, low_x, low_y, low_z, high_x, high_y, high_z, host, changed, inode, schema, system,
-/// time_stamp; its id comes last.
+/// time_stamp, same_as; its id comes last.
 std::array<std::string, kQueryCount> allQueries();
 
 }  // namespace plenvorith

@@ -27,7 +27,7 @@ class DriverTest : public testing::Test {
   DriverTest() {
     fs::create_directories(dir / "in/sub");
     test::writeFile(dir / "in/a.stp", test::kTriangleStep);
-    test::writeFile(dir / "in/sub/b.step", test::kTriangleStep);
+    test::writeFile(dir / "in/sub/b.step", std::string(test::kTriangleStep) + "\n");
     options.inputs = {dir / "in"};
     options.output = dir / "out";
   }

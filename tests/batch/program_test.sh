@@ -435,6 +435,65 @@ SaysThatAConvertedFileEndsInTheMiddle() {
   expect_line stdout '    a.stp'
 }
 
+ConvertsEqualFilesOnce() {
+  step_file in/a.stp 1
+  step_file in/b.stp 2
+  step_file in/sub/c.stp 1
+  program=()
+  run 0 in -o out
+  expect_line stdout 'Converted: 3 (3 triangles)'
+  expect_line stdout 'Of them, files with the bytes of another, converted once: 1'
+  expect_stl out/a.stp.stl 1
+  expect_stl out/sub/c.stp.stl 1
+  expect_row out '^converted,.*/sub/c.stp,.*/in/a.stp,'
+  "$batch" -o out --transcript in/sub/c.stp >transcript
+  expect_line transcript "The same bytes as $PWD/in/a.stp, whose conversion said:"
+  run 0 in -o out --resume
+  expect_line stdout 'Converted before: 3'
+
+  # Each has outputs of its own.
+  rm in/a.stp
+  run 0 in -o out --resume --prune
+  expect_count out 2
+  expect_stl out/sub/c.stp.stl 1
+  rm out/sub/c.stp.stl
+  run 0 in -o out --resume
+  expect_stl out/sub/c.stp.stl 1
+
+  # What fails is tried for each, and shards know nothing of each other.
+  mkdir bad
+  echo 'no STEP file' | tee bad/a.stp >bad/b.stp
+  run 1 bad -o failed
+  expect_line stdout '  2 not a STEP file (no ISO-10303-21)'
+  step_file parts/a.stp 1
+  step_file parts/b.stp 1
+  run 0 parts -o shards --shard 1/2
+  run 0 parts -o shards --shard 2/2
+  run 0 -o shards --merge
+  expect_stl shards/a.stp.stl 1
+  expect_stl shards/b.stp.stl 1
+  expect_nothing_left shards
+  expect_nothing_left out
+}
+
+ConvertsEqualFilesOnceInAllForms() {
+  mkdir in
+  cp "$samples/bracket.step" in/a.step
+  cp in/a.step in/b.step
+  step_file in/c.stp 1
+  cp in/c.stp in/d.stp
+  run 0 in -o split --split --parts
+  run 0 in -o step --to stp
+  expect_line stdout 'Of them, files with the bytes of another, converted once: 2'
+  local name
+  for name in stl_1.stl stl.parts.json; do
+    cmp "split/a.step.$name" "split/b.step.$name"
+  done
+  cmp step/a.step.stp step/b.step.stp
+  expect_stl step/c.stp.stl 1
+  expect_stl step/d.stp.stl 1
+}
+
 TellsWhatPreparingWouldChange() {
   local unit='#9=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT($,.METRE.));'
   unit+="#8=(GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNIT_ASSIGNED_CONTEXT((#9))REPRESENTATION_CONTEXT('',''));"

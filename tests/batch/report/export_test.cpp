@@ -43,13 +43,13 @@ TEST(ExportState, WritesATable) {
   EXPECT_EQ(test::readFile(dir / "log.csv"),
             "status,input,reason,last_line,exit_status,signal,triangles,seconds,cpu_seconds,"
             "peak_memory,size,low_x,low_y,low_z,high_x,high_y,high_z,host,program,settings,"
-            "name,mtime,hash,run,schema,system,time_stamp,parts,volume,"
+            "name,mtime,hash,run,schema,system,time_stamp,same_as,parts,volume,"
             "parts_with_problems,open_solids,faces_without_mesh,faces_over,deviation,problems,"
             "outputs\n"
             "converted,\"/in/a, \"\"b\"\"\\n\\xff.stp\",,,0,,12,0.5,0.0,0,7,0.0,0.5,1.0,2.0,3.0,"
-            "4.0,,,,a.stp,9,00ff,3,AP242,CAD \\xfe,2026-03-31,,,,,,,,,2\n"
+            "4.0,,,,a.stp,9,00ff,3,AP242,CAD \\xfe,2026-03-31,,,,,,,,,,2\n"
             "failed,/in/b.stp,\"kernel crashed (signal 11, SIGSEGV)\",,,11,0,0.0,0.0,0,0,,,,,,,"
-            ",,,,0,,0,,,,,,,,,,,,0\n");
+            ",,,,0,,0,,,,,,,,,,,,,0\n");
 }
 
 TEST(ExportState, WritesObjects) {

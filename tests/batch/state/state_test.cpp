@@ -44,6 +44,7 @@ FileRecord fileWithAllValues() {
   file.changed = 8;
   file.inode = 9;
   file.header = {"schema\xff", "system", "stamp"};
+  file.sameAs = "/in/same\xff.stp";
   file.outputs = {{"a\xff.stl", 684}, {"b.stl", 84}};
   return file;
 }
