@@ -18,6 +18,8 @@ struct MeshCheck {
   double deviation = 0.0;      ///< how far a mesh is from its surface at most, millimetres
   double volume = 0.0;         ///< of all closed parts, cubic millimetres
   std::string names = {};      ///< of the parts with problems, one a line; of many the first
+
+  bool operator==(const MeshCheck&) const = default;
 };
 
 /// What is known of an STL file beyond what the conversion tells.

@@ -8,6 +8,7 @@
 #include "batch/state/names.h"
 #include "batch/state/state.h"
 #include "batch/system/folder.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/triangle_step.h"
@@ -65,9 +66,7 @@ TEST_F(DriverTest, ConvertsAFolder) {
 
 TEST_F(DriverTest, NotesTheRun) {
   EXPECT_EQ(run(), 0);
-  std::string problem;
-  const State state = openState(placesIn(dir / "out").database, problem, StateUse::Read);
-  ASSERT_NE(state, nullptr) << problem;
+  const State state = test::openedState(placesIn(dir / "out").database, StateUse::Read);
   const auto runs = allRuns(*state);
   ASSERT_EQ(runs.size(), 1U);
   EXPECT_EQ(runs[0].result, "finished");

@@ -53,4 +53,11 @@ inline std::string writeFile(const std::filesystem::path& path, std::string_view
   return path;
 }
 
+/// Writes a shell script that can be run and returns its path.
+inline std::string writeScript(const std::filesystem::path& path, const std::string& body) {
+  writeFile(path, "#!/bin/sh\n" + body + "\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  return path;
+}
+
 }  // namespace plenvorith::test

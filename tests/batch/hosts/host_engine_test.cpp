@@ -34,8 +34,7 @@ class HostEngineTest : public testing::Test {
   /// Starts the script, which runs in the folder of the round, with these chunks.
   std::string start(const std::string& script,
                     const std::vector<std::vector<std::size_t>>& chunks) {
-    const std::string path = test::writeFile(dir / "parallel", "#!/bin/sh\n" + script);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    const std::string path = test::writeScript(dir / "parallel", script);
     std::string problem = startEngine(engine, path, wish, {{":", 1}}, chunks);
     while (problem.empty() && hasUnsent(engine)) {
       problem = sendChunk(engine);
@@ -124,11 +123,8 @@ TEST_F(HostEngineTest, SendsInputsAndBringsOutputsBack) {
 
 TEST_F(HostEngineTest, BeginsBeforeAllIsPacked) {
   engine.transfer = true;
-  const std::string path =
-      test::writeFile(dir / "parallel",
-                      "#!/bin/sh\nread -r first && [ ! -e 1.tar ] && mv $first.tar begun\n"
-                      "echo\ncat >rest\n");
-  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  const std::string path = test::writeScript(
+      dir / "parallel", "read -r first && [ ! -e 1.tar ] && mv $first.tar begun\necho\ncat >rest");
   ASSERT_EQ(startEngine(engine, path, wish, {{":", 1}}, {{0}, {1}}), "");
   ASSERT_EQ(sendChunk(engine), "");
   bool isAlive = false;

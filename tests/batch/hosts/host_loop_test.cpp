@@ -8,6 +8,7 @@
 
 #include "batch/records/job.h"
 #include "batch/version.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/scoped_env.h"
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
@@ -29,16 +30,13 @@ class HostLoopTest : public testing::Test {
     for (const char* const name : {"a.stp", "b.stp", "c.stp"}) {
       files.push_back({test::writeFile(dir / name, name), 5});
     }
-    std::string problem;
-    state = openState(context.places.database, problem);
-    EXPECT_NE(state, nullptr) << problem;
+    state = test::openedState(context.places.database);
   }
 
   /// Converts with this script; it finds what it needs in "../answers" of its folder.
   LoopEnd convert(const std::string& script) {
     std::filesystem::create_directory(dir / "bin");
-    const std::string path = test::writeFile(dir / "bin/parallel", "#!/bin/sh\n" + script);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    test::writeScript(dir / "bin/parallel", script);
     return run(dir / "bin:/usr/bin:/bin");
   }
 

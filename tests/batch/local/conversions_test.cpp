@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "batch/system/folder.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/scoped_signals.h"
 #include "tests/support/temp_dir.h"
 
@@ -34,9 +35,7 @@ class ConversionsTest : public testing::Test {
 
   void open(StateUse use) {
     state.reset();
-    std::string problem;
-    state = openState(context.places.database, problem, use);
-    ASSERT_NE(state, nullptr) << problem;
+    state = test::openedState(context.places.database, use);
   }
 
   Conversions begin() {

@@ -53,8 +53,7 @@ class PoolTest : public testing::Test {
 
   /// Has a script run in the place of the converter.
   void takeScript(const std::string& body) {
-    pool.settings.program = test::writeFile(dir / "script", "#!/bin/sh\n" + body + "\n");
-    ASSERT_EQ(chmod(pool.settings.program.c_str(), 0755), 0);
+    pool.settings.program = test::writeScript(dir / "script", body);
   }
 
   const test::ScopedSignals before;

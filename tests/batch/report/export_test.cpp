@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "batch/report/inspection.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -13,8 +14,7 @@ namespace {
 
 /// A state of two files.
 State filledState(const test::TempDir& dir) {
-  std::string problem;
-  State state = openState(dir / "state.db", problem);
+  State state = test::openedState(dir / "state.db");
   FileRecord a;
   a.path = "/in/a, \"b\"\n\xff.stp";
   a.status = FileStatus::Converted;

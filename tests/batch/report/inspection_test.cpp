@@ -24,15 +24,8 @@ TEST(CheckFrom, TakesTheLineOfTheFileAndTheNamesOfTheParts) {
       R"({"number":86,"kind":"solid","path":["arm","\\\\xff"],"name":""})"
       "\n" +
       kFile + "\n");
-  ASSERT_TRUE(check);
-  EXPECT_EQ(check->parts, 163);
-  EXPECT_EQ(check->badParts, 2);
-  EXPECT_EQ(check->openSolids, 1);
-  EXPECT_EQ(check->facesWithoutMesh, 3);
-  EXPECT_EQ(check->facesOver, 4);
-  EXPECT_EQ(check->deviation, 1.25);
-  EXPECT_EQ(check->volume, -0.5);
-  EXPECT_EQ(check->names, "arm / side / Body\narm / \\\\xff\n");
+  EXPECT_TRUE(check ==
+              (MeshCheck{163, 2, 1, 3, 4, 1.25, -0.5, "arm / side / Body\narm / \\\\xff\n"}));
 }
 
 TEST(CheckFrom, KeepsTheFirstOfManyNames) {
@@ -57,6 +50,7 @@ TEST(Inspections, KeepWhatWasFoundOut) {
   std::string problem;
   const std::string path("a\xff\n.stl");
   const std::string picture("\x89PNG\0\xff", 6);
+  const MeshCheck made{163, 2, 1, 3, 4, 1.25, 0.5, "arm / side\n"};
   {
     const Inspections inspections = openInspections(directory / "inspections.db", problem);
     ASSERT_TRUE(inspections) << problem;
@@ -64,23 +58,14 @@ TEST(Inspections, KeepWhatWasFoundOut) {
     ASSERT_TRUE(left);
     EXPECT_TRUE(left->check && left->picture);
     ASSERT_TRUE(beginKeeping(*inspections));
-    EXPECT_TRUE(
-        keepCheck(*inspections, path, MeshCheck{163, 2, 1, 3, 4, 1.25, 0.5, "arm / side\n"}));
+    EXPECT_TRUE(keepCheck(*inspections, path, made));
     EXPECT_TRUE(keepPicture(*inspections, path, picture));
     ASSERT_TRUE(endKeeping(*inspections));
   }
   const Inspections inspections = openInspections(directory / "inspections.db", problem);
   ASSERT_TRUE(inspections) << problem;
   const Inspection found = findInspection(*inspections, path);
-  ASSERT_TRUE(found.check);
-  EXPECT_EQ(found.check->parts, 163);
-  EXPECT_EQ(found.check->badParts, 2);
-  EXPECT_EQ(found.check->openSolids, 1);
-  EXPECT_EQ(found.check->facesWithoutMesh, 3);
-  EXPECT_EQ(found.check->facesOver, 4);
-  EXPECT_EQ(found.check->deviation, 1.25);
-  EXPECT_EQ(found.check->volume, 0.5);
-  EXPECT_EQ(found.check->names, "arm / side\n");
+  EXPECT_TRUE(found.check == made);
   EXPECT_EQ(found.picture, picture);
   const std::optional<Uninspected> left = prepareInspection(*inspections, path, 134, 7);
   ASSERT_TRUE(left);

@@ -32,9 +32,7 @@ struct Setting {
     inspections = openInspections(directory / "inspections.db", problem);
   }
   void addTool(const std::string& name, const std::string& script) const {
-    const std::string path = (directory / "bin/") + name;
-    test::writeFile(path, "#!/bin/sh\nPATH=/usr/bin:/bin\n" + script + "\n");
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    test::writeScript((directory / "bin/") + name, "PATH=/usr/bin:/bin\n" + script);
   }
   /// Prints the size of the mesh as the volume and fails on meshes of one byte.
   void addChecker() const {

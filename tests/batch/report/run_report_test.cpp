@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "batch/system/folder.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/captured_cout.h"
 #include "tests/support/temp_dir.h"
 
@@ -19,9 +20,7 @@ class RunReportTest : public testing::Test {
  protected:
   RunReportTest() {
     EXPECT_TRUE(makeFolders(places.state));
-    std::string problem;
-    state = openState(places.database, problem);
-    EXPECT_NE(state, nullptr) << problem;
+    state = test::openedState(places.database);
     putRun();
     FileRecord file;
     file.path = "/in/a.stp";

@@ -10,6 +10,7 @@
 
 #include "batch/inputs/input_identity.h"
 #include "batch/system/folder.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -29,9 +30,7 @@ class LedgerTest : public testing::Test {
     context.program = "1";
     context.run = 1;
     EXPECT_TRUE(makeFolders(context.places.run) && makeFolders(dir / "in"));
-    std::string problem;
-    state = openState(context.places.database, problem);
-    EXPECT_NE(state, nullptr) << problem;
+    state = test::openedState(context.places.database);
   }
 
   /// A conversion that made files with these names and four bytes each.

@@ -8,6 +8,7 @@
 #include <sys/file.h>
 
 #include "batch/system/descriptor.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -16,13 +17,6 @@ namespace {
 using test::TempDir;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-State opened(const std::string& path, StateUse use) {
-  std::string problem;
-  State state = openState(path, problem, use);
-  EXPECT_TRUE(state) << problem;
-  return state;
-}
 
 FileRecord record(const std::string& name, std::int64_t run, FileStatus status) {
   FileRecord file;
@@ -38,7 +32,7 @@ FileRecord record(const std::string& name, std::int64_t run, FileStatus status) 
 void makeShard(const Places& places, int number, const std::vector<FileRecord>& files) {
   const Places own = placesOfShard(places, {number, 2});
   std::filesystem::create_directories(std::filesystem::path(own.database).parent_path());
-  const State state = opened(own.database, StateUse::Alone);
+  const State state = test::openedState(own.database, StateUse::Alone);
   RunRecord run;
   run.host = "host " + std::to_string(number);
   EXPECT_EQ(putRun(*state, run), 1);
@@ -53,7 +47,7 @@ TEST(MergeShards, TakesInFilesAndRuns) {
   makeShard(places, 1, {record("a.stp", 1, FileStatus::Converted)});
   makeShard(places, 2,
             {record("b.stp", 1, FileStatus::Failed), record("old.stp", 0, FileStatus::Converted)});
-  const State state = opened(places.database, StateUse::Write);
+  const State state = test::openedState(places.database);
   RunRecord before;
   before.host = "before";
   EXPECT_EQ(putRun(*state, before), 1);
@@ -85,7 +79,7 @@ TEST(MergeShards, LeavesAShardThatIsAtWork) {
   const Places busy = placesOfShard(places, {2, 2});
   const Descriptor lock(open(busy.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
   ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
-  const State state = opened(places.database, StateUse::Write);
+  const State state = test::openedState(places.database);
   const Merged merged = mergeShards(*state, places);
   EXPECT_EQ(merged.shards, 1);
   EXPECT_THAT(merged.problems,
@@ -100,7 +94,7 @@ TEST(MergeShards, LeavesAStateThatIsNone) {
   const Places own = placesOfShard(places, {1, 1});
   std::filesystem::create_directories(std::filesystem::path(own.database).parent_path());
   test::writeFile(own.database, "no database, but more than one page of text would be one");
-  const State state = opened(places.database, StateUse::Write);
+  const State state = test::openedState(places.database);
   const Merged merged = mergeShards(*state, places);
   EXPECT_EQ(merged.problems.size(), 1U);
   EXPECT_TRUE(std::filesystem::exists(own.database));
@@ -110,11 +104,11 @@ TEST(ImportRecords, GivesAShardWhatIsKnownOfItsFiles) {
   const TempDir directory;
   const std::string database = directory / "state 100%?#.db";
   {
-    const State state = opened(database, StateUse::Write);
+    const State state = test::openedState(database);
     EXPECT_TRUE(putFile(*state, record("a.stp", 1, FileStatus::Converted)));
     EXPECT_TRUE(putFile(*state, record("b.stp", 1, FileStatus::Converted)));
   }
-  const State shard = opened(directory / "shard.db", StateUse::Alone);
+  const State shard = test::openedState(directory / "shard.db", StateUse::Alone);
   EXPECT_TRUE(putFile(*shard, record("b.stp", 4, FileStatus::Failed)));
   std::string problem;
   EXPECT_TRUE(importRecords(database, *shard,
@@ -128,9 +122,9 @@ TEST(ImportRecords, GivesAShardWhatIsKnownOfItsFiles) {
 
 TEST(ImportRecords, WantsAStateWithoutALog) {
   const TempDir directory;
-  const State state = opened(directory / "state.db", StateUse::Write);
+  const State state = test::openedState(directory / "state.db");
   EXPECT_TRUE(putFile(*state, record("a.stp", 1, FileStatus::Converted)));
-  const State shard = opened(directory / "shard.db", StateUse::Alone);
+  const State shard = test::openedState(directory / "shard.db", StateUse::Alone);
   std::string problem;
   EXPECT_FALSE(importRecords(directory / "state.db", *shard, {{"/in/a.stp", 1}}, problem));
   EXPECT_EQ(problem, (directory / "state.db") +

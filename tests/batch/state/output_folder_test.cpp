@@ -8,6 +8,7 @@
 
 #include "batch/state/shard.h"
 #include "batch/system/folder.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -52,13 +53,9 @@ class OutputFolderTest : public testing::Test {
 
   /// A division of the folder in two that a run has proposed.
   void divide() {
-    std::string problem;
     const Options options = optionsOf(Shard{1, 2});
-    const State state = [&] {
-      EXPECT_EQ(take(options), "");
-      return openState(contextOf(options).places.database, problem);
-    }();
-    ASSERT_NE(state, nullptr) << problem;
+    ASSERT_EQ(take(options), "");
+    const State state = test::openedState(contextOf(options).places.database);
     ASSERT_EQ(join(options, state.get()), "");
   }
 

@@ -6,6 +6,7 @@
 
 #include "batch/state/state.h"
 #include "batch/system/folder.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -29,9 +30,7 @@ TEST(FindOwnOutputs, KnowsThemByEachPathThatLeadsThere) {
       {dir / "sub/a.stp.stp", 1}};
   EXPECT_THAT(findOwnOutputs(places, files), IsEmpty());
 
-  std::string problem;
-  State state = openState(places.database, problem);
-  ASSERT_NE(state, nullptr) << problem;
+  const State state = test::openedState(places.database);
   FileRecord record;
   record.path = dir / "in/a.stp";
   record.outputs = {{"sub/a.stp.stp", 1}, {"b.stp.stp", 1}};

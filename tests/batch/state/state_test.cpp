@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -13,13 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-State openedAt(const std::string& path) {
-  std::string problem;
-  State state = openState(path, problem);
-  EXPECT_NE(state, nullptr) << problem;
-  return state;
-}
 
 FileRecord fileWithAllValues() {
   FileRecord file;
@@ -70,11 +64,11 @@ TEST(State, GivesBackAllValuesOfAFileAfterItIsOpenedAgain) {
   FileRecord failed = fileNamed("/in/b");
   failed.signal = 11;
   {
-    const State state = openedAt(dir / "state.db");
+    const State state = test::openedState(dir / "state.db");
     EXPECT_TRUE(putFile(*state, file));
     EXPECT_TRUE(putFile(*state, failed));
   }
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   const auto found = findFile(*state, file.path);
   ASSERT_TRUE(found.has_value());
   EXPECT_TRUE(*found == file);
@@ -86,7 +80,7 @@ TEST(State, GivesBackAllValuesOfAFileAfterItIsOpenedAgain) {
 
 TEST(State, LeavesOneFileBesideTheDatabaseOnlyWhileItIsOpen) {
   const test::TempDir dir;
-  { EXPECT_TRUE(putFile(*openedAt(dir / "state.db"), fileNamed("/a"))); }
+  { EXPECT_TRUE(putFile(*test::openedState(dir / "state.db"), fileNamed("/a"))); }
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(dir.path())) {
     names.push_back(entry.path().filename());
@@ -96,7 +90,7 @@ TEST(State, LeavesOneFileBesideTheDatabaseOnlyWhileItIsOpen) {
 
 TEST(State, ReplacesAFileAndItsOutputs) {
   const test::TempDir dir;
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   FileRecord file = fileWithAllValues();
   EXPECT_TRUE(putFile(*state, file));
   file.triangles = 7;
@@ -108,7 +102,7 @@ TEST(State, ReplacesAFileAndItsOutputs) {
 
 TEST(State, GivesAnOutputToTheLastThatWroteIt) {
   const test::TempDir dir;
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   FileRecord a = fileNamed("/a");
   a.outputs = {{"x.stl", 1}, {"y.stl", 1}};
   FileRecord b = fileNamed("/b");
@@ -121,7 +115,7 @@ TEST(State, GivesAnOutputToTheLastThatWroteIt) {
 
 TEST(State, VisitsFilesInTheOrderOfTheirBytes) {
   const test::TempDir dir;
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   for (const char* path : {"/b", "/a\xff", "/a", "/B"}) {
     FileRecord file = fileNamed(path);
     file.outputs = {{std::string(path) + ".stl", 1}};
@@ -136,7 +130,7 @@ TEST(State, VisitsFilesInTheOrderOfTheirBytes) {
 
 TEST(State, ForgetsAFile) {
   const test::TempDir dir;
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   const FileRecord file = fileWithAllValues();
   EXPECT_TRUE(putFile(*state, file));
   EXPECT_TRUE(removeFile(*state, file.path));
@@ -148,7 +142,7 @@ TEST(State, ForgetsAFile) {
 
 TEST(State, DropsAChangeThatIsNotCommitted) {
   const test::TempDir dir;
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   EXPECT_TRUE(beginChanges(*state));
   EXPECT_TRUE(putFile(*state, fileNamed("/a")));
   dropChanges(*state);
@@ -161,18 +155,18 @@ TEST(State, DropsAChangeThatIsNotCommitted) {
 
 TEST(State, CanBeReadWhileItIsWritten) {
   const test::TempDir dir;
-  const State writer = openedAt(dir / "state.db");
+  const State writer = test::openedState(dir / "state.db");
   EXPECT_TRUE(putFile(*writer, fileNamed("/a")));
   EXPECT_TRUE(beginChanges(*writer));
   EXPECT_TRUE(putFile(*writer, fileNamed("/b")));
-  const State reader = openedAt(dir / "state.db");
+  const State reader = test::openedState(dir / "state.db");
   EXPECT_TRUE(findFile(*reader, "/a").has_value());
   EXPECT_FALSE(findFile(*reader, "/b").has_value());
 }
 
 TEST(State, KeepsRuns) {
   const test::TempDir dir;
-  const State state = openedAt(dir / "state.db");
+  const State state = test::openedState(dir / "state.db");
   RunRecord run;
   run.start = "2026-03-31T12:00:00Z";
   run.arguments = {"in \xff", "", "-o", "out"};
@@ -213,9 +207,7 @@ TEST(State, RejectsAFolderThatIsNotThere) {
 // A folder on a network may have no locks and no memory to share.
 TEST(State, SharesNoMemoryWhereItIsAlone) {
   const test::TempDir dir;
-  std::string problem;
-  const State state = openState(dir / "state.db", problem, StateUse::Alone);
-  ASSERT_NE(state, nullptr) << problem;
+  const State state = test::openedState(dir / "state.db", StateUse::Alone);
   EXPECT_TRUE(putFile(*state, fileNamed("/a")));
   EXPECT_TRUE(std::filesystem::exists(dir / "state.db-wal"));
   EXPECT_FALSE(std::filesystem::exists(dir / "state.db-shm"));
@@ -223,24 +215,21 @@ TEST(State, SharesNoMemoryWhereItIsAlone) {
 
 TEST(State, IsReadBesideAnEmptyLogAndNoOther) {
   const test::TempDir dir;
-  { EXPECT_TRUE(putFile(*openedAt(dir / "state.db"), fileNamed("/a"))); }
+  { EXPECT_TRUE(putFile(*test::openedState(dir / "state.db"), fileNamed("/a"))); }
   test::writeFile(dir / "state.db-wal", "");
-  std::string problem;
-  State state = openState(dir / "state.db", problem, StateUse::Read);
-  ASSERT_NE(state, nullptr) << problem;
+  State state = test::openedState(dir / "state.db", StateUse::Read);
   EXPECT_TRUE(findFile(*state, "/a").has_value());
   state.reset();
   test::writeFile(dir / "state.db-wal", "x");
+  std::string problem;
   EXPECT_EQ(openState(dir / "state.db", problem, StateUse::Read), nullptr);
   EXPECT_EQ(problem, dir / "state.db: written by a run that was cut short; --merge puts it right");
 }
 
 TEST(State, TellsWhyChangesWereDropped) {
   const test::TempDir dir;
-  openedAt(dir / "state.db").reset();
-  std::string problem;
-  const State state = openState(dir / "state.db", problem, StateUse::Read);
-  ASSERT_NE(state, nullptr) << problem;
+  test::openedState(dir / "state.db").reset();
+  const State state = test::openedState(dir / "state.db", StateUse::Read);
   ASSERT_TRUE(beginChanges(*state));
   EXPECT_FALSE(putFile(*state, fileWithAllValues()));
   dropChanges(*state);

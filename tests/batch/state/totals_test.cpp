@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "batch/state/state.h"
+#include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -16,11 +17,6 @@ using testing::ElementsAre;
 
 class TotalsTest : public testing::Test {
  protected:
-  TotalsTest() {
-    std::string problem;
-    state = openState(dir / "state.db", problem);
-  }
-
   void put(const std::string& path, FileStatus status, const std::string& reason) {
     FileRecord file;
     file.path = path;
@@ -43,7 +39,7 @@ class TotalsTest : public testing::Test {
   }
 
   const test::TempDir dir;
-  State state;
+  const State state = test::openedState(dir / "state.db");
 };
 
 TEST_F(TotalsTest, CountFilesOfOneStatusWithOneReason) {

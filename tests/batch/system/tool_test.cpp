@@ -41,11 +41,9 @@ TEST(FindTool, LooksIntoTheFoldersOfPathInOrder) {
   const TempDir directory;
   std::filesystem::create_directories(directory / "a");
   std::filesystem::create_directories(directory / "b");
-  for (const char* const path : {"a/plain", "b/plain", "b/tool"}) {
-    test::writeFile(directory / path, "");
-  }
-  std::filesystem::permissions(directory / "b/plain", std::filesystem::perms::owner_all);
-  std::filesystem::permissions(directory / "b/tool", std::filesystem::perms::owner_all);
+  test::writeFile(directory / "a/plain", "");
+  test::writeScript(directory / "b/plain", "");
+  test::writeScript(directory / "b/tool", "");
   const test::ScopedEnv path("PATH", (directory / "a") + ":" + (directory / "b"));
   EXPECT_EQ(findTool("tool"), directory / "b/tool");
   EXPECT_EQ(findTool("plain"), directory / "b/plain");  // the other one cannot be run

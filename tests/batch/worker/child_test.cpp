@@ -42,8 +42,7 @@ class ChildTest : public testing::Test {
 
   /// Has a script run in the place of the converter.
   void takeScript(const std::string& body) {
-    child.settings.program = test::writeFile(dir / "script", "#!/bin/sh\n" + body + "\n");
-    ASSERT_EQ(chmod(child.settings.program.c_str(), 0755), 0);
+    child.settings.program = test::writeScript(dir / "script", body);
   }
 
   ChildEnd run() {

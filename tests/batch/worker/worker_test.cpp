@@ -174,12 +174,9 @@ TEST_F(WorkerTest, ConvertsFilesWhoseNamesAreAsLongAsNamesCanBe) {
 }
 
 TEST_F(WorkerTest, NoticesAnInputThatChangesMeanwhile) {
-  const std::string program =
-      test::writeFile(dir / "change", "#!/bin/sh\ncp \"$1\" \"$2\"; echo more >>\"$1\"\n");
-  ASSERT_EQ(chmod(program.c_str(), 0755), 0);
   test::writeFile(dir / "a.stp", kTriangleStep);
   Job job = jobFor("a.stp");
-  job.settings.program = program;
+  job.settings.program = test::writeScript(dir / "change", "cp \"$1\" \"$2\"; echo more >>\"$1\"");
   job.outputName = "a.stp";
   const JobResult result = convert(job);
   EXPECT_FALSE(result.isConverted);
