@@ -33,7 +33,7 @@ std::optional<std::vector<OutputRecord>> copyOutputs(const RunContext& context,
       return std::nullopt;
     }
     const std::string name = stem + output.path.substr(original.name.size());
-    const std::string copy = folder + '/' + name;
+    const std::string copy = (folder + '/').append(name);
     std::error_code error;
     std::filesystem::copy_file(context.places.output + '/' + output.path, copy, error);
     if (error ||

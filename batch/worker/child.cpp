@@ -1,6 +1,8 @@
 #include "batch/worker/child.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -9,17 +11,23 @@
 #include <fstream>
 #include <iostream>
 #include <limits>
+#include <memory>
+#include <new>
 
 #include <poll.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "app/command_line.h"
+#include "batch/inputs/input_facts.h"
 #include "batch/records/job.h"
+#include "batch/system/descriptor.h"
 #include "batch/system/process.h"
 #include "batch/system/signals.h"
+#include "batch/worker/mesh_doubt.h"
 #include "batch/worker/part_list.h"
 #include "brep/part_names.h"
 #include "prepare/preparation.h"
@@ -75,13 +83,54 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
   std::ofstream(path) << lineFrom(shapes) << '\n';  // of a full disk the outputs tell
 }
 
-[[noreturn]] void becomeConverter(const ChildSettings& child) {
+/// What a conversion that went well leaves for the worker in memory that both have. What the child
+/// does after that, and how it ends then, fails nothing any more.
+struct Afterwards {
+  std::atomic<bool> isConverted = false;
+  Clock::time_point end;
+  rusage usage{};
+  std::array<char, 256> doubt{};
+};
+
+struct Unmap {
+  void operator()(Afterwards* memory) const {
+    (void)munmap(memory, sizeof *memory);
+  }
+};
+
+/// Nothing for a conversion that leaves no doubts, or if there is no memory.
+std::unique_ptr<Afterwards, Unmap> shareAfterwards(const ConversionSettings& settings) {
+  if (settings.prepare || !settings.program.empty()) {
+    return nullptr;
+  }
+  void* const memory =
+      mmap(nullptr, sizeof(Afterwards), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  return std::unique_ptr<Afterwards, Unmap>(memory == MAP_FAILED ? nullptr
+                                                                 : new (memory) Afterwards);
+}
+
+/// Finds out, in the child, what preparing would change of the mesh.
+void noteDoubt(const std::string& input, Afterwards& afterwards) {
+  constexpr std::size_t kTranscriptEnds = std::size_t{1} << 17;
+  constexpr unsigned kLongEnough = 60;  // seconds; nobody waits longer for this
+  (void)std::fflush(nullptr);
+  const std::string transcript = readEnds(STDOUT_FILENO, kTranscriptEnds);
+  (void)getrusage(RUSAGE_SELF, &afterwards.usage);
+  afterwards.end = Clock::now();
+  afterwards.isConverted = true;
+  closefrom(STDIN_FILENO);
+  openStandardStreams();  // a crash shall say nothing in the transcript
+  (void)alarm(kLongEnough);
+  const std::optional<Forecast> forecast =
+      holdsTessellation(input) ? forecastPreparation(input) : std::nullopt;
+  const std::string doubt = forecast ? meshDoubt(*forecast, transcript) : std::string();
+  (void)doubt.copy(afterwards.doubt.data(), afterwards.doubt.size() - 1);
+}
+
+[[noreturn]] void becomeConverter(const ChildSettings& child, Afterwards* afterwards) {
   if (!setUpConversion(child)) {
     std::cerr << "plenvorith-batch: cannot set up the conversion" << std::endl;
     endChild(kCannotStart);
-  }
-  if (child.instead) {
-    endChild(child.instead());
   }
   std::vector<std::string> arguments = child.arguments;
   prepareInput(child, arguments);
@@ -96,6 +145,9 @@ void writeNames(const std::string& path, const std::vector<PartName>& names) {
     writeNames(child.namesPath, names);
     if (status == 0 && withParts && !writePartList(child.arguments[1], names)) {
       status = 1;
+    }
+    if (status == 0 && afterwards != nullptr) {
+      noteDoubt(child.arguments.front(), *afterwards);
     }
     endChild(status);
   }
@@ -146,16 +198,35 @@ bool waitForEvent(const Watch& watch, const WorkerSignals& signals) {
   return takeSignals(signals.signals) || (events[1].revents & (POLLERR | POLLHUP)) != 0;
 }
 
-void noteEnd(int status, const rusage& usage, ChildEnd& end) {
+void noteUsage(const rusage& usage, ChildEnd& end) {
   constexpr double kMicro = 1e-6;
+  end.cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                   kMicro * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+  end.peakMemory = std::int64_t{1024} * usage.ru_maxrss;
+}
+
+void noteEnd(int status, const rusage& usage, const Watch& watch, const Afterwards* afterwards,
+             ChildEnd& end) {
+  const auto secondsTo = [&watch](Clock::time_point time) {
+    return std::chrono::duration<double>(time - watch.start).count();
+  };
+  if (afterwards != nullptr && afterwards->isConverted) {
+    end.exitStatus = 0;
+    end.timedOut = false;
+    end.seconds = secondsTo(afterwards->end);
+    noteUsage(afterwards->usage, end);
+    if (WIFEXITED(status)) {
+      end.doubt = afterwards->doubt.data();
+    }
+    return;
+  }
   if (WIFEXITED(status)) {
     end.exitStatus = WEXITSTATUS(status);
   } else {
     end.signal = WTERMSIG(status);
   }
-  end.cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-                   kMicro * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
-  end.peakMemory = std::int64_t{1024} * usage.ru_maxrss;
+  end.seconds = secondsTo(Clock::now());
+  noteUsage(usage, end);
 }
 
 }  // namespace
@@ -163,6 +234,7 @@ void noteEnd(int status, const rusage& usage, ChildEnd& end) {
 ChildEnd runChild(const ChildSettings& child, const WorkerSignals& signals) {
   ChildEnd end;
   end.leastSpace = freeSpace(child.workFolder);
+  const auto afterwards = shareAfterwards(child.settings);
   Watch watch;
   watch.start = Clock::now();
   watch.deadline = child.settings.timeLimit.count() == 0 ? std::chrono::hours(24 * 36600)
@@ -170,7 +242,7 @@ ChildEnd runChild(const ChildSettings& child, const WorkerSignals& signals) {
   // A worker that is killed takes its child with it.
   watch.child = startProcess(
       {.output = child.transcript, .errors = child.transcript, .folder = child.workFolder},
-      [&child] { becomeConverter(child); });
+      [&child, &afterwards] { becomeConverter(child, afterwards.get()); });
   if (watch.child == 0) {
     end.forkError = errno;
     return end;
@@ -189,10 +261,9 @@ ChildEnd runChild(const ChildSettings& child, const WorkerSignals& signals) {
     }
     end.leastSpace = std::min(end.leastSpace, freeSpace(child.workFolder));
   }
-  end.seconds = std::chrono::duration<double>(Clock::now() - watch.start).count();
+  noteEnd(status, usage, watch, afterwards.get(), end);
   kill(-watch.child, SIGKILL);  // what it has started and left behind
   end.leastSpace = std::min(end.leastSpace, freeSpace(child.workFolder));
-  noteEnd(status, usage, end);
   return end;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,8 +19,6 @@ struct ChildSettings {
   std::string namesPath;  ///< where the built-in converter's names of shapes go, if they are to
   std::string
       preparedPath;  ///< where the prepared input goes, if it is to be; the converter's then
-  std::function<int()>
-      instead;  ///< what to run in the place of the converter, if there is something
 };
 
 /// How such a process ended.
@@ -30,6 +27,7 @@ struct ChildEnd {
   std::optional<int> signal;
   int forkError = 0;  ///< the system's number, if no process could be started
   bool timedOut = false;
+  std::string doubt;  ///< what preparing would change of the mesh that the built-in converter made
   bool isStopped = false;  ///< ended because the worker is to end
   double seconds = 0.0;
   double cpuSeconds = 0.0;

@@ -21,7 +21,6 @@
 #include "batch/system/lines.h"
 #include "batch/system/signals.h"
 #include "batch/system/text.h"
-#include "batch/worker/mesh_doubt.h"
 #include "batch/worker/outputs.h"
 #include "batch/worker/reason.h"
 #include "batch/worker/warm_up.h"
@@ -108,28 +107,6 @@ bool mayLackPartsOfCopy(const ChildEnd& end, const std::string& transcript, std:
   return madeCopy(transcript) && end.leastSpace < kCopies * copied + kSpare;
 }
 
-/// What preparing would change of the mesh of a file that was converted without it. This is found out
-/// in a process of its own, whose end, whatever it is, fails nothing.
-std::string doubtOf(const Job& job, std::int64_t size, const std::string& transcript,
-                    const WorkerSignals& signals, bool& isStopped) {
-  if (job.settings.prepare || job.settings.to != "stl" || !holdsTessellation(job.input)) {
-    return {};
-  }
-  const Descriptor answer(memfd_create("doubt", MFD_CLOEXEC));
-  ChildSettings child = childFor(job, answer.get());
-  // Well within what a driver waits for beyond the time limit.
-  constexpr std::int64_t kBytesPerSecond = 10'000'000;
-  child.settings.timeLimit = std::chrono::seconds(20 + size / kBytesPerSecond);
-  child.instead = [&job, &transcript] {
-    const std::optional<Forecast> forecast = forecastPreparation(job.input);
-    const std::string doubt = forecast ? meshDoubt(*forecast, transcript) : std::string();
-    return writeAll(STDOUT_FILENO, doubt) ? 0 : 1;
-  };
-  const ChildEnd end = runChild(child, signals);
-  isStopped = end.isStopped;
-  return end.exitStatus == 0 ? readEnds(answer.get(), kTranscriptEnds) : std::string();
-}
-
 /// Decides what became of the file once its conversion has ended.
 void judge(const Job& job, const ChildEnd& end, const std::string& transcript, JobResult& result) {
   MadeFiles made = lookAtOutputs(job.outFolder);
@@ -141,7 +118,7 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
     result.outputs = std::move(made.outputs);
     result.triangles = made.triangles;
     result.bounds = made.bounds;
-    result.reason = endsInTheMiddle(job.input) ? kEndsInTheMiddle : "";
+    result.reason = endsInTheMiddle(job.input) ? kEndsInTheMiddle : end.doubt;
     return;
   }
   result.lastLine = lastLineOf(transcript);
@@ -211,11 +188,7 @@ JobResult convertFile(const Job& job, const WorkerSignals& signals, bool& isStop
   const ChildEnd end = runChild(childFor(job, transcript.get()), signals);
   isStopped = end.isStopped;
   noteEnd(end, result);
-  const std::string said = readEnds(transcript.get(), kTranscriptEnds);
-  judge(job, end, said, result);
-  if (result.isConverted && result.reason.empty() && identity->isRegular) {
-    result.reason = doubtOf(job, identity->size, said, signals, isStopped);
-  }
+  judge(job, end, readEnds(transcript.get(), kTranscriptEnds), result);
   const std::optional<InputIdentity> afterwards = identityOf(job.input, error);
   if (!afterwards || !isSame(*identity, *afterwards)) {
     result.isConverted = false;

@@ -191,14 +191,19 @@ TEST(FreeSpace, IsLargeWhereItIsNotKnown) {
   EXPECT_EQ(freeSpace(folder / "missing"), std::numeric_limits<std::int64_t>::max());
 }
 
-TEST_F(ChildTest, RunsSomethingElseInsteadOfTheConverter) {
-  child.instead = [] {
-    (void)raise(SIGKILL);
-    return 0;
-  };
-  EXPECT_EQ(run().signal, SIGKILL);
-  child.instead = [] { return 3; };
-  EXPECT_EQ(run().exitStatus, 3);
+TEST_F(ChildTest, DoubtsTheMeshOfAFileThatIsNotPrepared) {
+  std::string strip = test::kTriangleStep;
+  strip.replace(strip.find("(1,2,3)"), 7, "(1,2,3,1)");
+  child.arguments = {test::writeFile(dir / "a.stp", strip), "a.stl", "0.1"};
+  const ChildEnd end = run();
+  EXPECT_EQ(end.exitStatus, 0);
+  EXPECT_EQ(end.doubt, "preparing would change the mesh (strips): try without --as-is");
+  EXPECT_GT(end.seconds, 0.0);
+  EXPECT_GT(end.peakMemory, 0);
+  EXPECT_THAT(transcript(), EndsWith("Done\n"));
+  child.settings.prepare = true;
+  child.preparedPath = dir / "tmp/prepared.stp";
+  EXPECT_EQ(run().doubt, "");
 }
 
 }  // namespace
