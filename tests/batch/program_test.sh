@@ -53,12 +53,6 @@ KeepsEqualNamesFromDifferentArgumentsApart() {
   expect_stl out/y/z/a.stp.stl 3
 }
 
-TakesFilesWithALeadingDash() {
-  step_file ./-a.stp 1
-  run 0 -o out -- -a.stp
-  expect_stl out/-a.stp.stl 1
-}
-
 TakesNoOutputForAnInput() {
   step_file in/a.stp 1
   pretend 'cp "$1" "$2"'
@@ -119,39 +113,6 @@ ReportsWhatFailedAndWhy() {
   expect_line transcript 'Failed'
   "$batch" -o out --transcript good.stp >transcript
   expect_line transcript 'Saved: good.stp.stl'
-  expect_count out 1
-  expect_nothing_left out
-}
-
-CountsASuccessWithoutAFileAsFailed() {
-  step_file a.stp 1
-  pretend 'echo Done'
-  run 1 a.stp -o out
-  expect_line stderr "failed: a.stp: nothing was written"
-}
-
-ReportsAnStlFileThatIsNotWhole() {
-  step_file a.stp 1
-  pretend 'head -c 80 /dev/zero >"$2_1.stl"; printf "\2\0\0\0and less than a triangle" >>"$2_1.stl"'
-  run 1 a.stp -o out --split
-  expect_line stderr "failed: a.stp: incomplete: a.stp.stl_1.stl"
-  expect_count out 0
-}
-
-ReportsAnOutputThatCannotBeMovedIntoPlace() {
-  step_file a.stp 1
-  mkdir -p out/a.stp.stl
-  run 1 a.stp -o out
-  grep -q '^failed: a.stp: cannot be moved into place: ' stderr || fail 'no reason'
-  expect_count out 0
-}
-
-StopsAFileAfterTheTimeLimit() {
-  step_file in/a.stp 1
-  mkfifo in/hang.stp
-  run 1 in/a.stp in/hang.stp -o out --time-limit 1
-  expect_line stdout 'Converted: 1 (1 triangles)'
-  expect_line stderr "failed: hang.stp: time limit of 1 s ([1] Analyzing file structure...)"
   expect_count out 1
   expect_nothing_left out
 }
@@ -356,21 +317,6 @@ GoesOnBesideWhatItCannotRead() {
   expect_line stdout "  folder cannot be read: $PWD/in/sub: Permission denied"
 }
 
-LeavesTheFolderOfAnotherRunAlone() {
-  step_file a.stp 1
-  mkdir -p out/.plenvorith-batch
-  exec 8>out/.plenvorith-batch/lock
-  flock 8
-  run 2 a.stp -o out
-  expect_line stderr "plenvorith-batch: another run is writing to $PWD/out"
-}
-
-ShowsTheProgressWhenAsked() {
-  step_file a.stp 1
-  run 0 a.stp -o out --bar
-  grep -aq '1/1 files, 0 failed, .* files/s' stderr || fail 'no progress line'
-}
-
 # Makes a STEP file with this data section.
 file_with() {
   printf 'ISO-10303-21;\nDATA;\n%s\nENDSEC;\nEND-ISO-10303-21;\n' "$2" >"$1"
@@ -399,19 +345,6 @@ TellsReasonsThatCanBeActedOn() {
   local form='tessellation of a form that the converter does not decode'
   expect_line stderr "$failed strips.stp: $form: try without --as-is $none"
   expect_line stderr "$failed drawn.stp: exact geometry behind annotation: try without --as-is $none"
-}
-
-TellsACrashFromOtherEnds() {
-  step_file a.stp 1
-  pretend 'echo last words; kill -SEGV $$'
-  run 1 a.stp -o out
-  expect_line stderr "failed: a.stp: kernel crashed (signal 11, SIGSEGV) (last words)"
-  pretend 'kill -KILL $$'
-  run 1 a.stp -o out
-  expect_line stderr "failed: a.stp: killed (signal 9, SIGKILL), perhaps by the system for want of memory"
-  pretend 'echo no luck; exit 7'
-  run 1 a.stp -o out
-  expect_line stderr "failed: a.stp: exit status 7 (no luck)"
 }
 
 LimitsTheMemoryOfAFile() {
@@ -704,20 +637,6 @@ MovesOutputsWithTheBase() {
   expect_stl out/in/a.stp.stl 1
   expect_stl out/more/b.stp.stl 2
   expect_count out 2
-}
-
-TellsWhatItWouldDo() {
-  step_file in/a.stp 1
-  step_file in/b.stp 2
-  run 0 in -o out --dry-run
-  expect_line stdout "would convert: $PWD/in/a.stp to $PWD/out/a.stp.stl"
-  expect_line stdout 'To convert: 2'
-  [[ ! -e out ]] || fail 'made the output folder'
-  run 0 in/a.stp -o out
-  run 0 in -o out --dry-run --resume
-  expect_line stdout 'To convert: 1'
-  expect_line stdout 'Converted before: 1'
-  expect_count out 1
 }
 
 RemovesOnDemandWhatVanishedInputsMade() {
