@@ -82,7 +82,9 @@ LawCase tryLaw(const TempDir& directory, const std::string& content,
   command.directory = directory.path();
   LawCase tried;
   tried.alone = convert(directory, kInput, deflection);
-  tried.prepareStatus = runProgram(command).exitStatus;
+  const Outcome preparing = runProgram(command);
+  tried.prepareStatus = preparing.exitStatus;
+  tried.leavesOut = preparing.out.find("  Warning: instances ") != std::string::npos;
   if (std::filesystem::exists(directory / kReady)) {
     tried.prepared = convert(directory, kReady, deflection);
   }

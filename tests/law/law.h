@@ -21,6 +21,7 @@ struct LawCase {
   Conversion alone;
   Conversion prepared;
   int prepareStatus = -1;  ///< exit status of preparing, -1 if it crashed
+  bool leavesOut = false;  ///< malformed instances were left out, with a warning
   std::string broken;      ///< which part of the law does not hold; empty if all of it does
 };
 

@@ -150,6 +150,8 @@ TEST_F(Law, HoldsForFilesWithRandomErrors) {
   const unsigned long count = fromEnvironment("PLENVORITH_MUTANTS", 40);
   const unsigned long seed = fromEnvironment("PLENVORITH_MUTANTS_SEED", 1);
   std::size_t exact = 0;
+  std::size_t leftOut = 0;
+  std::size_t mended = 0;  // by the kernel, where preparing left something out
   for (unsigned long i = 0; i < count; ++i) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed + i));
     const std::string& origin = origins[pick(random, origins.size())];
@@ -157,9 +159,14 @@ TEST_F(Law, HoldsForFilesWithRandomErrors) {
     if (hasNumberOfTheKernelsLimit(content)) {
       continue;
     }
-    SCOPED_TRACE("seed " + std::to_string(seed + i));
-    exact += expectKept(content).alone.exact.empty() ? 0U : 1U;
+    const LawCase tried = tryLaw(directory, content);
+    exact += tried.alone.exact.empty() ? 0U : 1U;
+    leftOut += tried.leavesOut ? 1U : 0U;
+    mended += tried.leavesOut && !tried.broken.empty() ? 1U : 0U;
+    EXPECT_TRUE(tried.broken.empty() || tried.leavesOut)
+        << "seed " << seed + i << ": " << tried.broken;
   }
+  EXPECT_LE(mended, leftOut / 4);
   EXPECT_GE(exact, count / 4);
 }
 
