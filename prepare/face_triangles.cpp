@@ -36,6 +36,18 @@ FaceTriangles::FaceTriangles(TokenReader& tokens, std::uint64_t pointCount,
       maxWaiting_(3 * target.triangleLimit),
       output_(output) {}
 
+/// The place behind a triple of different indices inside the list; null where something else stands.
+inline const char* FaceTriangles::passTriple(const char* p) const {
+  Corners index = {};
+  ++p;
+  for (std::size_t i = 0; i < 3 && p != nullptr; ++i) {
+    p = readPlainIndex(p, i < 2 ? ',' : ')', index[i]);
+  }
+  const bool isTriangle = index[0] - 1 < pointCount_ && index[1] - 1 < pointCount_ &&
+                          index[2] - 1 < pointCount_ && !hasEqual(index);
+  return isTriangle ? p : nullptr;
+}
+
 bool FaceTriangles::copyTriples() {
   if (!mapping_.isEmpty() || isMirrored_ || huge_ != nullptr || wantsSamples()) {
     return false;
@@ -44,26 +56,17 @@ bool FaceTriangles::copyTriples() {
   (void)tokens_.peek();
   const char* const begin = tokens_.position();
   const char* end = begin;
-  const std::uint64_t count = pointCount_;
-  const char* p = begin;
   std::uint64_t copied = 0;
-  while (tokens_.end() - p > kLongest && *p == '(') {
-    Corners index = {};
-    const char* next = p + 1;
-    for (std::size_t i = 0; i < 3 && next != nullptr; ++i) {
-      next = readPlainIndex(next, i < 2 ? ',' : ')', index[i]);
-    }
-    const auto isInside = [count](std::uint64_t i) { return i - 1 < count; };
-    if (next == nullptr || hasEqual(index) || !isInside(index[0]) || !isInside(index[1]) ||
-        !isInside(index[2])) {
+  for (const char* p = begin; tokens_.end() - p > kLongest && *p == '('; p = end + 1) {
+    const char* const next = passTriple(p);
+    if (next == nullptr) {
       break;
     }
     ++copied;
     end = next;
-    if (next[0] != ',') {
+    if (*end != ',') {
       break;
     }
-    p = next + 1;
   }
   if (copied == 0) {
     return false;

@@ -97,7 +97,8 @@ class FaceTriangles {
  private:
   using Corners = std::array<std::uint64_t, 3>;
 
-  Index pointOf(Index index) const;
+  [[nodiscard]] const char* passTriple(const char* p) const;
+  [[nodiscard]] Index pointOf(Index index) const;
   bool isHuge(const Corners& points) const;
   void addPoints(const Corners& given, const Corners& points);
   void write(const Corners& points);
