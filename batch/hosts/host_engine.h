@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <set>
 #include <string>
@@ -55,7 +56,9 @@ std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive);
 /// Ends the engine and what it has under way on all hosts. Gives the results that still came.
 std::vector<Finished> stopEngine(HostEngine& engine);
 
-/// The options of GNU parallel, behind its name, for a run on these hosts.
-std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer);
+/// The options of GNU parallel, behind its name, for a run on these hosts. A chunk that takes longer
+/// than `patience` is ended, and what it had not converted goes out again; 0 means no limit.
+std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer,
+                                       std::chrono::seconds patience);
 
 }  // namespace plenvorith

@@ -59,19 +59,6 @@ Job jobFor(const WorkerPool& pool, const std::string& folder, const InputFile& i
   return job;
 }
 
-/// When a worker must have answered: behind the time limit comes what it does by itself, which for
-/// large files on a slow disk takes a while.
-std::optional<std::chrono::steady_clock::time_point> deadlineFor(const WorkerPool& pool,
-                                                                 const InputFile& input) {
-  constexpr std::chrono::seconds kGrace(60);
-  constexpr std::int64_t kBytesPerSecond = 4'000'000;
-  if (pool.settings.timeLimit.count() == 0) {
-    return std::nullopt;
-  }
-  return std::chrono::steady_clock::now() + pool.settings.timeLimit + kGrace +
-         std::chrono::seconds(input.size / kBytesPerSecond);
-}
-
 /// Kills a worker and waits for nothing: what waits for a disk ends when that answers.
 void abandon(WorkerPool& pool, PoolWorker& worker) {
   kill(worker.process.process, SIGKILL);
@@ -111,6 +98,16 @@ bool takeResults(const WorkerPool& pool, PoolWorker& worker, const std::vector<s
 
 }  // namespace
 
+std::optional<std::chrono::seconds> patienceFor(const ConversionSettings& settings,
+                                                const InputFile& input) {
+  constexpr std::chrono::seconds kGrace(60);
+  constexpr std::int64_t kBytesPerSecond = 4'000'000;
+  if (settings.timeLimit.count() == 0) {
+    return std::nullopt;
+  }
+  return settings.timeLimit + kGrace + std::chrono::seconds(input.size / kBytesPerSecond);
+}
+
 bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int most) {
   const std::optional<std::size_t> index = findIdle(pool, most);
   if (!index) {
@@ -119,7 +116,10 @@ bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int mos
   PoolWorker& worker = pool.workers[*index];
   worker.file = file;
   worker.folder = takeFolder(pool);
-  worker.deadline = deadlineFor(pool, input);
+  worker.deadline.reset();
+  if (const auto patience = patienceFor(pool.settings, input)) {
+    worker.deadline = std::chrono::steady_clock::now() + *patience;
+  }
   // If the worker has ended, the end of its results tells.
   (void)writeAll(worker.process.jobs.get(),
                  lineFrom(jobFor(pool, worker.folder, input, file)) + '\n');

@@ -49,6 +49,11 @@ struct PoolEvents {
   std::vector<LostFile> lost;
 };
 
+/// How long a worker may take for a file: behind the time limit comes what it does by itself, which
+/// for large files on a slow disk takes a while. Nothing without a limit.
+std::optional<std::chrono::seconds> patienceFor(const ConversionSettings& settings,
+                                                const InputFile& input);
+
 /// Gives a file to an idle worker, which is started if there are fewer than `most`. False if there
 /// is none, or if the system lets none start.
 bool giveJob(WorkerPool& pool, const InputFile& input, std::size_t file, int most);

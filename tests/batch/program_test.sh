@@ -769,9 +769,7 @@ RefusesASecondRunInOneFolder() {
   pretend 'touch '"$scratch/begun"'; exec sleep 1000'
   "$batch" "${program[@]}" a.stp -o out >first 2>&1 &
   local pid=$!
-  until [[ -e begun ]]; do
-    sleep 0.05
-  done
+  wait_until test -e begun
   run 2 a.stp -o out
   expect_line stderr "plenvorith-batch: another run is writing to $PWD/out"
   kill "$pid"

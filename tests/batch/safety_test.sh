@@ -43,9 +43,7 @@ ADryRunLeavesTheRunInProgressAlone() {
   step_file other/9.stp 9
   pretend 'echo >>"$scratch/begun"; sleep 0.4; head -c 84 /dev/zero >"$2"'
   scratch=$scratch "$batch" "${program[@]}" in -o out --jobs 2 >first 2>&1 &
-  until [[ -s begun ]]; do
-    sleep 0.02
-  done
+  wait_until test -s begun
   for number in 1 2 3; do
     run 0 in -o out --dry-run
     run 0 in -o out --dry-run --resume
@@ -98,9 +96,7 @@ WhatComesLateForADeadRunIsNotTaken() {
 setsid sh -c "sleep 1; mkdir -p \"$PWD\"; echo late >\"$PWD/${2##*/}\"" >/dev/null 2>&1 &
 sleep 5'
   "$batch" "${program[@]}" in -o out --jobs 1 >first 2>&1 &
-  until [[ -s begun ]]; do
-    sleep 0.02
-  done
+  wait_until test -s begun
   kill -KILL $!
   wait $! 2>/dev/null || true
   program=(--as-is)
@@ -286,9 +282,7 @@ SignalsThatAreIgnoredStayIgnored() {
     trap '' HUP INT
     exec "$batch" "${program[@]}" in -o out --jobs 1 >log 2>&1
   ) &
-  until [[ -s begun ]]; do
-    sleep 0.02
-  done
+  wait_until test -s begun
   kill -HUP $!
   kill -INT $!
   wait $! || fail "ended with $?: $(cat log)"

@@ -77,9 +77,7 @@ AShardGoesOnWhereItWasKilled() {
   pretend 'echo >>'"$scratch"'/begun; exec sleep 1000'
   "$batch" "${program[@]}" in -o out --shard 2/2 --jobs 1 >stdout 2>stderr &
   local pid=$!
-  until [[ -s begun ]]; do
-    sleep 0.05
-  done
+  wait_until test -s begun
   kill -9 "$pid"
   wait "$pid" 2>/dev/null || true
   program=(--as-is)
@@ -114,9 +112,7 @@ RefusesASecondDriverOfAShard() {
   pretend 'echo >'"$scratch"'/begun; exec sleep 1000'
   "$batch" "${program[@]}" in -o out --shard 1/2 --jobs 1 >first 2>&1 &
   local pid=$!
-  until [[ -e begun ]]; do
-    sleep 0.05
-  done
+  wait_until test -e begun
   run 2 in -o out --shard 1/2
   expect_line stderr "plenvorith-batch: another run is writing to $PWD/out, or to this shard"
   run 2 in -o out
@@ -387,9 +383,7 @@ EndsTheJobsOfOtherHosts() {
     exec sleep 1000'
   "$batch" "${program[@]}" in -o out --jobs 1 --sshlogin "$login" >stdout 2>stderr &
   local pid=$! status=0 remote
-  until [[ -f pid ]]; do
-    sleep 0.05
-  done
+  wait_until test -f pid
   kill "$pid"
   wait "$pid" || status=$?
   ((status == 143)) || fail "exit status $status, not 143"
@@ -433,9 +427,7 @@ ReportsWithoutToolsWhenItIsInterrupted() {
   pretend 'echo >'"$scratch"'/begun; exec sleep 1000'
   "$batch" "${program[@]}" in -o out --jobs 1 --check >stdout 2>stderr &
   local pid=$! status=0
-  until [[ -e begun ]]; do
-    sleep 0.05
-  done
+  wait_until test -e begun
   kill "$pid"
   wait "$pid" || status=$?
   ((status == 143)) || fail "exit status $status, not 143"

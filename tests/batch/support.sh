@@ -21,6 +21,15 @@ skip() {
   exit 77
 }
 
+# Waits until a command succeeds; a minute is for ever.
+wait_until() {
+  local patience=1200
+  until "$@"; do
+    ((patience-- > 0)) || fail "never: $*"
+    sleep 0.05
+  done
+}
+
 # A file of one triangle, whose first corner has the x coordinate NUMBER.
 step_file() {
   local path=$1 number=$2

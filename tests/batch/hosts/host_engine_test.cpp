@@ -162,12 +162,15 @@ TEST_F(HostEngineTest, SaysWhatCannotBeWritten) {
 }
 
 TEST(EngineOptions, NameEachHostWithItsJobs) {
-  const std::vector<std::string> shared = engineOptions({{":", 2}, {"ssh -F c beta", 8}}, false);
-  EXPECT_THAT(shared,
-              testing::IsSupersetOf({"--sshlogin", "2/:", "8/ssh -F c beta", "--line-buffer"}));
+  const std::vector<std::string> shared =
+      engineOptions({{":", 2}, {"ssh -F c beta", 8}}, false, std::chrono::seconds(70));
+  EXPECT_THAT(shared, testing::IsSupersetOf({"--sshlogin", "2/:", "8/ssh -F c beta", "--timeout",
+                                             "70", "--line-buffer"}));
   EXPECT_THAT(
-      engineOptions({{":", 2}}, true),
+      engineOptions({{":", 2}}, true, std::chrono::seconds(0)),
       testing::IsSupersetOf({"--transferfile", "{}.tar", "--results", "{}.out.tar", "--files"}));
+  EXPECT_THAT(engineOptions({{":", 2}}, true, std::chrono::seconds(0)),
+              testing::Not(testing::Contains("--timeout")));
 }
 
 }  // namespace
