@@ -332,6 +332,22 @@ SendsFilesToHostsThatDoNotSeeThem() {
   [[ -z $(find "$HOME/.parallel/tmp" -mindepth 1 -maxdepth 1 ! -name sshlogin) ]] || fail 'files stay on the host'
 }
 
+ListsThePartsOnHostsAndInShards() {
+  need rsync parallel
+  make_files 3
+  run 0 in -o here --split --parts
+  run 0 in -o sent --split --parts --transfer --sshlogin :
+  local number
+  for number in 1 2; do
+    run 0 in -o shared --split --parts --shard "$number/2"
+  done
+  run 0 -o shared --merge
+  for number in 1 2 3; do
+    cmp "here/$number.stp.stl.parts.json" "sent/$number.stp.stl.parts.json"
+    cmp "here/$number.stp.stl.parts.json" "shared/$number.stp.stl.parts.json"
+  done
+}
+
 DoesWithoutAHostThatCannotConvert() {
   need parallel
   make_files 12

@@ -5,7 +5,9 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
+#include "batch/state/statement.h"
 #include "tests/batch/opened_state.h"
 #include "tests/support/temp_dir.h"
 
@@ -162,6 +164,72 @@ TEST(State, CanBeReadWhileItIsWritten) {
   const State reader = test::openedState(dir / "state.db");
   EXPECT_TRUE(findFile(*reader, "/a").has_value());
   EXPECT_FALSE(findFile(*reader, "/b").has_value());
+}
+
+// The tables and a record as release 1.0.0 wrote them.
+constexpr const char* kVersion1 = R"(
+CREATE TABLE run(
+  id INTEGER PRIMARY KEY, start TEXT NOT NULL, "end" TEXT NOT NULL, seconds REAL NOT NULL,
+  result TEXT NOT NULL, arguments BLOB NOT NULL, program TEXT NOT NULL, host TEXT NOT NULL,
+  base BLOB NOT NULL);
+CREATE TABLE file(
+  id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, name BLOB NOT NULL, run INTEGER NOT NULL,
+  status TEXT NOT NULL, reason TEXT NOT NULL, last_line BLOB NOT NULL, exit_status INTEGER,
+  signal INTEGER, size INTEGER NOT NULL, mtime INTEGER NOT NULL, hash BLOB NOT NULL,
+  settings TEXT NOT NULL, program TEXT NOT NULL, triangles INTEGER NOT NULL,
+  seconds REAL NOT NULL, cpu_seconds REAL NOT NULL, peak_memory INTEGER NOT NULL,
+  low_x REAL, low_y REAL, low_z REAL, high_x REAL, high_y REAL, high_z REAL,
+  host TEXT NOT NULL, transcript BLOB NOT NULL);
+CREATE TABLE output(
+  path BLOB PRIMARY KEY, file INTEGER NOT NULL, size INTEGER NOT NULL) WITHOUT ROWID;
+CREATE INDEX output_file ON output(file);
+CREATE VIEW files AS SELECT CAST(path AS TEXT) AS path, CAST(transcript AS TEXT) AS transcript
+  FROM file;
+INSERT INTO run VALUES(1, 'start', 'end', 2, 'finished', x'6100', '1.0.0', 'here', '/in/');
+INSERT INTO file VALUES(1, CAST('/in/a.stp' AS BLOB), CAST('a.stp' AS BLOB), 1, 'converted', '', x'',
+  0, NULL, 7, 9, x'00ff', 'stl 0.1', '1.0.0', 12, 0.5, 0.25, 4096, 0, 0, 0, 1, 1, 1, 'here',
+  CAST('transcripts/a.stp.txt' AS BLOB));
+INSERT INTO output VALUES(CAST('a.stp.stl' AS BLOB), 1, 684);
+PRAGMA user_version = 1;
+)";
+
+TEST(State, BringsTheTablesOfAnEarlierReleaseUpToThisOne) {
+  const test::TempDir dir;
+  sqlite3* database = nullptr;
+  ASSERT_EQ(sqlite3_open((dir / "state.db").c_str(), &database), SQLITE_OK);
+  ASSERT_TRUE(executeStatements(database, kVersion1));
+  sqlite3_close(database);
+
+  std::string problem;
+  EXPECT_EQ(openState(dir / "state.db", problem, StateUse::Look), nullptr);
+  EXPECT_THAT(problem, testing::HasSubstr("written by an earlier version of the program"));
+
+  FileRecord expected;
+  expected.path = "/in/a.stp";
+  expected.name = "a.stp";
+  expected.run = 1;
+  expected.status = FileStatus::Converted;
+  expected.exitStatus = 0;
+  expected.size = 7;
+  expected.mtime = 9;
+  expected.hash = std::string("\0\xff", 2);
+  expected.settings = "stl 0.1";
+  expected.program = "1.0.0";
+  expected.triangles = 12;
+  expected.seconds = 0.5;
+  expected.cpuSeconds = 0.25;
+  expected.peakMemory = 4096;
+  expected.bounds = Bounds{{0, 0, 0}, {1, 1, 1}};
+  expected.host = "here";
+  expected.outputs = {{"a.stp.stl", 684}};
+  for (int round = 0; round < 2; ++round) {  // the second time there is nothing to do
+    const State state = test::openedState(dir / "state.db");
+    EXPECT_EQ(findFile(*state, "/in/a.stp"), expected);
+    EXPECT_EQ(findTranscript(*state, "/in/a.stp"), std::nullopt);
+    ASSERT_EQ(allRuns(*state).size(), 1U);
+    EXPECT_EQ(allRuns(*state)[0].leftOut, "");
+    EXPECT_TRUE(putFile(*state, expected));
+  }
 }
 
 TEST(State, KeepsRuns) {
