@@ -66,7 +66,8 @@
   }
   const hasPictures = files.some((file) => file.outputs.some((output) => output.picture));
   const hasChecks = files.some((file) => file.check);
-  const kNames = { converted: 'converted', failed: 'failed', delivering: 'interrupted' };
+  const kNames = { converted: 'converted', failed: 'failed', delivering: 'interrupted', doubtful: 'doubtful' };
+  const stateOf = (file) => (file.record.status === 'converted' && file.reason ? 'doubtful' : file.record.status);
 
   // The kinds of reasons, the most frequent first; of the reasons in each, the most frequent.
   const kindList = data.kinds.map((kind) => ({
@@ -102,7 +103,7 @@
 
   // `key` gives the number that a column is sorted by; null goes to the end in both directions.
   const columns = [
-    { id: 'status', title: 'Status', key: (f) => ['failed', 'delivering', 'converted'].indexOf(f.record.status) },
+    { id: 'status', title: 'Status', key: (f) => ['failed', 'delivering', 'doubtful', 'converted'].indexOf(stateOf(f)) },
     { id: 'name', title: 'File', key: (f) => f.index }, // the records come in the order of the names
     { id: 'reason', title: 'Reason', key: reasonKey },
     { id: 'size', title: 'Size', number: true, key: (f) => known(f.record.size) },
@@ -137,7 +138,7 @@
     const ranges = ['size', 'seconds', 'triangles'].map((field) => [field, limitFrom(byId(field + 'Min')), limitFrom(byId(field + 'Max'))])
       .filter(([, min, max]) => min !== null || max !== null);
     found = files.filter((file) =>
-      (!status || file.record.status === status) &&
+      (!status || file.record.status === status || stateOf(file) === status) &&
       (!reason || file.reason === reason || file.kind === reason) &&
       isChecked(file) &&
       ranges.every(([field, min, max]) => {
@@ -190,8 +191,8 @@
 
   const cells = {
     status(file, cell) {
-      cell.classList.add(file.record.status);
-      cell.append(kNames[file.record.status]);
+      cell.classList.add(stateOf(file));
+      cell.append(kNames[stateOf(file)]);
     },
     name(file, cell) {
       const cut = file.name.lastIndexOf('/') + 1;
@@ -222,7 +223,7 @@
     const list = element('dl');
     const add = (title, ...content) => list.append(element('dt', {}, title), element('dd', {}, ...content));
     add('Input', element('bdi', {}, shown(record.path || data.base + record.name)));
-    add('Status', kNames[record.status] +
+    add('Status', kNames[record.status] + (stateOf(file) === 'doubtful' ? ', but doubtful' : '') +
       (record.signal ? ', signal ' + record.signal : record.exitStatus === undefined ? '' : ', exit status ' + record.exitStatus) +
       (record.host ? ', on ' + shown(record.host) : ''));
     if (file.reason) {
@@ -401,6 +402,10 @@
     byId('about').append(data.about);
     byId('status').append(element('option', { value: '' }, 'Any status'),
       ...Object.keys(number).map((status) => element('option', { value: status }, `${kNames[status]} (${count(number[status])})`)));
+    const doubtful = files.filter((file) => stateOf(file) === 'doubtful').length;
+    if (doubtful) {
+      byId('status').append(element('option', { value: 'doubtful' }, `doubtful (${count(doubtful)})`));
+    }
   }
 
   function fillChecks() {

@@ -3,6 +3,7 @@
 //   report_pages odd FILE           names of any bytes
 //   report_pages many FILE COUNT    COUNT files of all kinds
 //   report_pages part FILE COUNT    the first four of them, as of a run of very many
+//   report_pages doubts FILE        files of which some are doubtful, and one is a copy
 //   report_pages reasons FILE       files that failed for all kinds of reasons
 #include <algorithm>
 #include <cstddef>
@@ -95,7 +96,7 @@ ReportFile plainFile(std::size_t i, std::size_t count) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::cerr << "usage: report_pages odd|many|part|reasons FILE [COUNT]" << std::endl;
+    std::cerr << "usage: report_pages odd|many|part|doubts|reasons FILE [COUNT]" << std::endl;
     return 2;
   }
   const std::string kind = argv[1];
@@ -111,6 +112,10 @@ int main(int argc, char** argv) {
                                         : plainFile(i, count));
     const plenvorith::FileRecord& file = files.back().record;
     head.totals.push_back({file.status, file.reason, 1, file.size, file.triangles, file.seconds});
+  }
+  if (kind == "doubts") {  // of files that were converted, and one that was only copied
+    files[1].record.reason = files[4].record.reason = "preparing would change the mesh (units)";
+    files[2].record.sameAs = "/in/one\n.stp";
   }
   if (kind == "part") {
     files.erase(files.begin() + 4, files.end());

@@ -114,6 +114,37 @@ Memory 00 01 02 / 00 01 02 ascending
 END
 }
 
+TellsDoubtfulFilesFromOthers() {
+  "$pages" doubts index.html 6
+  look '' <<'END'
+const states = () => all('#rows td.status').map((cell) => cell.className + ' ' + cell.textContent).join('; ');
+say(states());
+say(all('#status option').map((option) => option.textContent).join('; '));
+head('Status').click();
+say(column('status').join(' '));
+for (const status of ['doubtful', 'converted', '']) {
+  enter('status', status);
+  say(column('name').join(' '));
+}
+head('File').click();
+all('#rows button')[1].click();
+say($('tr.more').textContent.includes('converted, but doubtful, exit status 0'));
+all('#rows button')[1].click();
+all('#rows button')[2].click();
+say($('tr.more').textContent.includes('Same bytes as/in/one\\n.stp'));
+END
+  expect <<'END'
+status converted converted; status doubtful doubtful; status converted converted; status failed failed; status doubtful doubtful; status converted converted
+Any status; converted (5); failed (1); interrupted (0); doubtful (2)
+failed doubtful doubtful converted converted converted
+group 0/part-00001.step group 0/part-00004.step
+group 0/part-00001.step group 0/part-00004.step group 0/part-00000.step group 0/part-00002.step group 0/part-00005.step
+group 0/part-00003.step group 0/part-00001.step group 0/part-00004.step group 0/part-00000.step group 0/part-00002.step group 0/part-00005.step
+true
+true
+END
+}
+
 FiltersBySearchStatusReasonAndRanges() {
   "$pages" many index.html 10000
   look '' <<'END'
