@@ -1,5 +1,6 @@
 #include "exchange/byte_scan.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -71,6 +72,11 @@ Bytes equal(Bytes bytes, char wanted) {
 }
 
 }  // namespace
+
+bool startsWith(std::string_view text, std::string_view word) {
+  return text.size() >= word.size() && std::equal(word.begin(), word.end(), text.begin(),
+                                                  [](char a, char b) { return a == capital(b); });
+}
 
 const char* findSpecial(const char* p, const char* end) {
   while (end - p > kSize) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace plenvorith {
 
@@ -21,6 +22,9 @@ constexpr bool isIgnored(char c) {
 constexpr char capital(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
+
+/// Whether a text starts with a word in capital letters, in letters of either size.
+[[nodiscard]] bool startsWith(std::string_view text, std::string_view word);
 
 /// How many parentheses open and close in a text.
 struct Parentheses {

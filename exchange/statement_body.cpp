@@ -21,11 +21,9 @@ constexpr std::size_t kLongestStart = 32;
 
 /// Whether a line begins as no line of a string does: with "#12=" or "ENDSEC;".
 bool beginsStatement(std::string_view line) {
-  constexpr std::string_view kEnd = "ENDSEC;";
   line = line.substr(0, kLongestStart);
   if (line.empty() || line[0] != '#') {
-    return line.size() >= kEnd.size() && std::equal(kEnd.begin(), kEnd.end(), line.begin(),
-                                                    [](char a, char b) { return a == capital(b); });
+    return startsWith(line, "ENDSEC;");
   }
   const auto* const digitsEnd = std::find_if_not(line.begin() + 1, line.end(), isDigit);
   const auto* const sign = std::find_if_not(digitsEnd, line.end(), [](char c) { return c == ' '; });
@@ -39,14 +37,10 @@ constexpr std::size_t kLongestSection = 7;
 /// Whether a text ends in one of them, and in no longer word.
 bool endsInSection(std::string_view text) {
   return std::any_of(kSections.begin(), kSections.end(), [text](std::string_view section) {
-    if (text.size() < section.size()) {
-      return false;
-    }
-    const std::string_view last = text.substr(text.size() - section.size());
-    const char before = text.size() == last.size() ? ' ' : text[text.size() - last.size() - 1];
-    const bool isLonger = before == '_' || (capital(before) >= 'A' && capital(before) <= 'Z');
-    return !isLonger && std::equal(section.begin(), section.end(), last.begin(),
-                                   [](char a, char b) { return a == capital(b); });
+    const std::size_t rest = text.size() - std::min(text.size(), section.size());
+    const char before = rest == 0 ? ' ' : capital(text[rest - 1]);
+    return startsWith(text.substr(rest), section) && before != '_' &&
+           (before < 'A' || before > 'Z');
   });
 }
 

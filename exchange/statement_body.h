@@ -43,12 +43,12 @@ struct BodyPlace {
 /// It is handed out without blanks, control characters and comments, other than in strings ('...',
 /// an apostrophe inside is doubled), from which line ends are taken; a reference "#007" is written
 /// "#7". If the keyword that it starts with has small letters, all letters become capital ones, other
-/// than in strings. A slash that begins no comment means nothing and goes, too: it
-/// could begin one once blanks are gone. A string of more than `kLongestString` bytes is handed out
-/// as an empty one.
+/// than in strings. A slash that begins no comment means nothing and goes, too: it could begin one
+/// once blanks are gone. A string of more than `kLongestString` bytes is handed out as an empty one.
 ///
-/// A string has no end if a line in it begins with "#1=" or with "ENDSEC;": the body ends there, without
-/// the string, and is malformed. Binaries ("0F") are text like any other. The keyword of a section is text with its semicolon if parameters follow, "A(#1,DATA;#2)".
+/// A string has no end if a line in it begins with "#1=" or with "ENDSEC;": the body ends there,
+/// without the string, and is malformed. Binaries ("0F") are text like any other. The keyword of a
+/// section is text with its semicolon if parameters follow, "A(#1,DATA;#2)".
 ///
 /// Errors  a body that has no semicolon ends with the file, which notes what never ended.
 /// Memory  one window, whatever the length of a body.

@@ -42,11 +42,9 @@ bool StatementReader::takeOtherMark() {
   }
   (void)raw_.ensure(kLongest);
   const std::string_view text = raw_.atHand().substr(0, kLongest);
-  const bool isIso =
-      text.size() >= kIso.size() && std::equal(kIso.begin(), kIso.end(), text.begin(),
-                                               [](char a, char b) { return a == capital(b); });
-  const auto* const end =
-      isIso ? std::find_if_not(text.begin() + kIso.size(), text.end(), isOfMark) : text.end();
+  const auto* const end = startsWith(text, kIso)
+                              ? std::find_if_not(text.begin() + kIso.size(), text.end(), isOfMark)
+                              : text.end();
   const bool isMark = end != text.end() && *end == ';';
   raw_.skip(isMark ? static_cast<std::size_t>(end - text.begin()) + 1 : 0);
   return isMark;
