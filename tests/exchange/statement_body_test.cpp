@@ -154,9 +154,9 @@ TEST(StatementBody, RejectsWhatNeverEnds) {
 
 TEST(StatementBody, SkipsToTheSameSemicolonAtWhichItEnds) {
   test::MemoryFile file;
-  const std::vector<std::string> pieces = {"#07", "(", "'", "\"", "/", "*", ";", "\n"};
+  const std::vector<std::string> pieces = {"#07", "(", "'", "DATA", "/", "*", ";", "\n"};
   test::forEveryString(pieces, 5, [&file](const std::string& text) {
-    const std::string path = file.write(text + ";';\";*/;");
+    const std::string path = file.write(text + ";';*/;");
     RawText read(path);
     StatementBody body(read);
     body.start();
