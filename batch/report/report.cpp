@@ -20,14 +20,14 @@
 namespace plenvorith {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 /// As text for the script element of a page, which a "<" could end.
-std::string textOf(const Json& json) {
+std::string pageText(const OrderedJson& json) {
   constexpr int kOneLine = -1;
   constexpr bool kAsciiOnly = false;
   std::string text;
-  for (const char c : json.dump(kOneLine, ' ', kAsciiOnly, Json::error_handler_t::replace)) {
+  for (const char c : json.dump(kOneLine, ' ', kAsciiOnly, OrderedJson::error_handler_t::replace)) {
     text += c == '<' ? "\\u003c" : std::string(1, c);
   }
   return text;
@@ -51,24 +51,24 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
-Json linesOf(std::string_view text) {
-  Json lines = Json::array();
+OrderedJson splitLines(std::string_view text) {
+  OrderedJson lines = OrderedJson::array();
   while (!text.empty()) {
     lines.push_back(cutOff(text, '\n'));
   }
   return lines;
 }
 
-Json jsonOf(const MeshCheck& check) {
+OrderedJson jsonOf(const MeshCheck& check) {
   // The names come with escapes already.
   return {{"parts", check.parts},           {"badParts", check.badParts},
           {"openSolids", check.openSolids}, {"facesWithoutMesh", check.facesWithoutMesh},
           {"facesOver", check.facesOver},   {"deviation", check.deviation},
-          {"volume", check.volume},         {"names", linesOf(check.names)}};
+          {"volume", check.volume},         {"names", splitLines(check.names)}};
 }
 
-Json jsonOf(const OutputRecord& output, const Inspection& inspection) {
-  Json object = {{"path", portable(output.path)}, {"size", output.size}};
+OrderedJson jsonOf(const OutputRecord& output, const Inspection& inspection) {
+  OrderedJson object = {{"path", portable(output.path)}, {"size", output.size}};
   if (inspection.check) {
     object["check"] = jsonOf(*inspection.check);
   }
@@ -79,8 +79,8 @@ Json jsonOf(const OutputRecord& output, const Inspection& inspection) {
 }
 
 /// The counts above the files.
-Json jsonOf(const std::vector<Total>& totals) {
-  Json object;
+OrderedJson jsonOf(const std::vector<Total>& totals) {
+  OrderedJson object;
   for (const FileStatus status :
        {FileStatus::Converted, FileStatus::Failed, FileStatus::Delivering}) {
     Total sum;
@@ -101,29 +101,29 @@ Json jsonOf(const std::vector<Total>& totals) {
 }
 
 /// A kind whose reasons name files may have as many of them as files: only the first are listed.
-Json jsonOf(const ReasonKind& kind) {
+OrderedJson jsonOf(const ReasonKind& kind) {
   constexpr std::size_t kMostReasons = 10;
-  Json reasons = Json::array();
+  OrderedJson reasons = OrderedJson::array();
   for (const auto& [reason, count] :
        std::span(kind.reasons).first(std::min(kMostReasons, kind.reasons.size()))) {
-    reasons.push_back(Json::array({portable(reason), count}));
+    reasons.push_back(OrderedJson::array({portable(reason), count}));
   }
   return {{"title", portable(kind.title)}, {"count", kind.count}, {"reasons", std::move(reasons)}};
 }
 
-void addText(Json& object, const char* key, const std::string& text) {
+void addText(OrderedJson& object, const char* key, const std::string& text) {
   if (!text.empty()) {
     object[key] = portable(text);
   }
 }
 
 /// What is not known is left out.
-Json jsonOf(const ReportFile& file, const std::string& base,
-            const std::map<std::string_view, std::size_t>& kinds) {
+OrderedJson jsonOf(const ReportFile& file, const std::string& base,
+                   const std::map<std::string_view, std::size_t>& kinds) {
   const FileRecord& record = file.record;
-  Json object = {{"name", portable(record.name)}, {"status", statusName(record.status)},
-                 {"size", record.size},           {"seconds", record.seconds},
-                 {"triangles", record.triangles}, {"peakMemory", record.peakMemory}};
+  OrderedJson object = {{"name", portable(record.name)}, {"status", statusName(record.status)},
+                        {"size", record.size},           {"seconds", record.seconds},
+                        {"triangles", record.triangles}, {"peakMemory", record.peakMemory}};
   // Nearly always the base and the name.
   addText(object, "path", record.path == base + record.name ? "" : record.path);
   addText(object, "reason", record.reason);
@@ -131,7 +131,7 @@ Json jsonOf(const ReportFile& file, const std::string& base,
   if (const auto kind = kinds.find(beginningOf(record.reason)); kind != kinds.end()) {
     object["kind"] = kind->second;
   }
-  for (const Json& line : linesOf(file.transcriptEnd)) {
+  for (const OrderedJson& line : splitLines(file.transcriptEnd)) {
     object["transcriptEnd"].push_back(portable(line.get_ref<const std::string&>()));
   }
   if (record.exitStatus) {
@@ -170,14 +170,15 @@ std::vector<ReasonKind> kindsIn(const std::vector<Total>& totals) {
 }
 
 /// What stands before the files.
-std::string textOf(const ReportHead& head, const std::vector<ReasonKind>& kinds) {
-  Json object = {{"about", head.about}, {"base", portable(head.base)}, {"notes", head.notes}};
+std::string pageText(const ReportHead& head, const std::vector<ReasonKind>& kinds) {
+  OrderedJson object = {
+      {"about", head.about}, {"base", portable(head.base)}, {"notes", head.notes}};
   object["totals"] = jsonOf(head.totals);
-  object["kinds"] = Json::array();
+  object["kinds"] = OrderedJson::array();
   for (const ReasonKind& kind : kinds) {
     object["kinds"].push_back(jsonOf(kind));
   }
-  std::string text = textOf(object);
+  std::string text = pageText(object);
   text.pop_back();
   return text + ",\n\"files\":[";
 }
@@ -193,10 +194,10 @@ bool writePage(std::ostream& page, const ReportHead& head, const ReportFiles& fi
   writeUpTo(page, "@STYLE@", rest);
   page << kReportStyle;
   writeUpTo(page, "@DATA@", rest);
-  page << textOf(head, kinds);
+  page << pageText(head, kinds);
   const char* separator = "\n";
   const bool isWhole = files([&](const ReportFile& file) {
-    page << std::exchange(separator, ",\n") << textOf(jsonOf(file, head.base, kindNumbers));
+    page << std::exchange(separator, ",\n") << pageText(jsonOf(file, head.base, kindNumbers));
   });
   page << "\n]}\n";
   writeUpTo(page, "@SCRIPT@", rest);
