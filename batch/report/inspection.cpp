@@ -113,9 +113,12 @@ void CloseInspections::operator()(InspectionsHandle* inspections) const {
 }
 
 Inspections openInspections(const std::string& path, std::string& problem) {
+  // Only who owns the output folder gets here: locks would say nothing new, and a disk may have none.
+  constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   Inspections inspections(new InspectionsHandle);
-  bool isOpen = sqlite3_open(path.c_str(), &inspections->database) == SQLITE_OK &&
-                executeStatements(inspections->database, kSchema);
+  bool isOpen =
+      sqlite3_open_v2(path.c_str(), &inspections->database, kFlags, "unix-none") == SQLITE_OK &&
+      executeStatements(inspections->database, kSchema);
   for (std::size_t i = 0; isOpen && i < kQueries.size(); ++i) {
     isOpen = sqlite3_prepare_v2(inspections->database, kQueries[i], -1, &inspections->statements[i],
                                 nullptr) == SQLITE_OK;

@@ -4,7 +4,9 @@
 #include <string>
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
+#include "batch/state/statement.h"
 #include "tests/support/temp_dir.h"
 
 namespace plenvorith {
@@ -106,6 +108,19 @@ TEST(Inspections, TellWhyTheyCannotBeOpened) {
   std::string problem;
   EXPECT_FALSE(openInspections(directory / "missing/inspections.db", problem));
   EXPECT_EQ(problem, (directory / "missing/inspections.db") + ": unable to open database file");
+}
+
+TEST(Inspections, NeedNoLocks) {
+  const TempDir dir;
+  std::string problem;
+  ASSERT_NE(openInspections(dir / "inspections.db", problem), nullptr) << problem;
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open((dir / "inspections.db").c_str(), &other), SQLITE_OK);
+  ASSERT_TRUE(executeStatements(other, "BEGIN EXCLUSIVE"));
+  const Inspections inspections = openInspections(dir / "inspections.db", problem);
+  ASSERT_NE(inspections, nullptr) << problem;
+  EXPECT_TRUE(prepareInspection(*inspections, "a.stl", 684, 1));
+  sqlite3_close(other);
 }
 
 }  // namespace
