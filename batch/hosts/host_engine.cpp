@@ -166,32 +166,15 @@ std::vector<Finished> unpackChunk(HostEngine& engine, const std::string& chunk) 
   return all;
 }
 
-/// How long the slowest chunk may take. Which file of it a host is at is not known with transfer.
-std::chrono::seconds patienceForChunks(const HostEngine& engine) {
-  std::chrono::seconds longest(0);
-  for (const std::vector<std::size_t>& chunk : engine.division) {
-    std::chrono::seconds all(0);
-    for (const std::size_t file : chunk) {
-      all += patienceFor(engine.settings, engine.files[file]).value_or(std::chrono::seconds(0));
-    }
-    longest = std::max(longest, all);
-  }
-  return longest;
-}
-
 }  // namespace
 
-std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer,
-                                       std::chrono::seconds patience) {
+std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer) {
   std::vector<std::string> options = {
       "--plain", "--will-cite",      "--termseq", "TERM,5000,KILL,25",
       "--env",   "PLENVORITH_BATCH", "--env",     "PLENVORITH_RUN"};
   for (const Host& host : hosts) {
     options.emplace_back("--sshlogin");
     options.push_back(std::to_string(host.jobs) + '/' + host.login);
-  }
-  if (patience.count() > 0) {
-    options.insert(options.end(), {"--timeout", std::to_string(patience.count())});
   }
   if (transfer) {
     for (const char* const option :
@@ -203,6 +186,22 @@ std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool tran
   }
   options.push_back(std::string(kFindProgram) + (transfer ? kTransferred : kShared));
   return options;
+}
+
+std::optional<std::chrono::seconds> patienceForHosts(const HostEngine& engine) {
+  std::chrono::seconds longest(0);
+  for (const std::vector<std::size_t>& chunk : engine.division) {
+    std::chrono::seconds all(0);
+    for (const std::size_t file : chunk) {
+      const auto patience = patienceFor(engine.settings, engine.files[file]);
+      if (!patience) {
+        return std::nullopt;
+      }
+      all = engine.transfer ? all + *patience : std::max(all, *patience);
+    }
+    longest = std::max(longest, all);
+  }
+  return longest;
 }
 
 std::string startEngine(HostEngine& engine, const std::string& parallel, const HostWish& wish,
@@ -217,7 +216,7 @@ std::string startEngine(HostEngine& engine, const std::string& parallel, const H
   engine.numbersRead = std::move(numbers->read);
   engine.numbersWritten = std::move(numbers->write);
   ToolStart start;
-  start.arguments = engineOptions(hosts, engine.transfer, patienceForChunks(engine));
+  start.arguments = engineOptions(hosts, engine.transfer);
   start.arguments.insert(start.arguments.begin(), parallel);
   start.environment = hostEnvironment(wish);
   start.environment.push_back("TMPDIR=" + engine.folder);  // goes with what it leaves there

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -56,9 +57,11 @@ std::vector<Finished> collectFromHosts(HostEngine& engine, bool& isAlive);
 /// Ends the engine and what it has under way on all hosts. Gives the results that still came.
 std::vector<Finished> stopEngine(HostEngine& engine);
 
-/// The options of GNU parallel, behind its name, for a run on these hosts. A chunk that takes longer
-/// than `patience` is ended, and what it had not converted goes out again; 0 means no limit.
-std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer,
-                                       std::chrono::seconds patience);
+/// The options of GNU parallel, behind its name, for a run on these hosts.
+std::vector<std::string> engineOptions(const std::vector<Host>& hosts, bool transfer);
+
+/// How long hosts that do answer may send nothing: the time for the slowest file or, as with transfer
+/// all results of a chunk come together, for the slowest chunk. Nothing without a time limit.
+std::optional<std::chrono::seconds> patienceForHosts(const HostEngine& engine);
 
 }  // namespace plenvorith

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <string>
 #include <system_error>
@@ -163,13 +164,22 @@ void runRound(HostLoop& loop, const std::string& folder) {
                     {},
                     {}};
   loop.run.end.problem = startEngine(engine, loop.parallel, wish, hosts, chunksOf(loop, hosts));
+  const std::optional<std::chrono::seconds> patience = patienceForHosts(engine);
+  auto heardAt = std::chrono::steady_clock::now();
   bool isAlive = loop.run.end.problem.empty();
   while (!isOver(loop.run) && (isAlive || !loop.run.unsettled.empty())) {
     if (isAlive && hasUnsent(engine)) {
       loop.run.end.problem = sendChunk(engine);
     }
     if (isAlive) {
+      const std::size_t before = loop.open;
       isAlive = waitForHosts(loop, engine);
+      const auto now = std::chrono::steady_clock::now();
+      heardAt = loop.open == before && !hasUnsent(engine) ? heardAt : now;
+      if (patience && now - heardAt > *patience) {
+        showMessage(loop.run.display, "no host answers; what is left goes out again");
+        break;
+      }
     } else {
       (void)poll(nullptr, 0, 100);  // only the state is waited for
     }

@@ -161,16 +161,25 @@ TEST_F(HostEngineTest, SaysWhatCannotBeWritten) {
   EXPECT_THAT(stopEngine(engine), IsEmpty());
 }
 
+TEST_F(HostEngineTest, WaitsForTheSlowestFileOrWithTransferForTheSlowestChunk) {
+  using std::chrono::seconds;
+  files.push_back({dir / "c.stp", 40'000'000});
+  settings.timeLimit = seconds(5);
+  engine.division = {{0, 1}, {2}};
+  EXPECT_EQ(patienceForHosts(engine), seconds(5 + 60 + 10));
+  engine.transfer = true;
+  EXPECT_EQ(patienceForHosts(engine), seconds(2 * (5 + 60)));
+  settings.timeLimit = seconds(0);
+  EXPECT_EQ(patienceForHosts(engine), std::nullopt);
+}
+
 TEST(EngineOptions, NameEachHostWithItsJobs) {
-  const std::vector<std::string> shared =
-      engineOptions({{":", 2}, {"ssh -F c beta", 8}}, false, std::chrono::seconds(70));
-  EXPECT_THAT(shared, testing::IsSupersetOf({"--sshlogin", "2/:", "8/ssh -F c beta", "--timeout",
-                                             "70", "--line-buffer"}));
+  const std::vector<std::string> shared = engineOptions({{":", 2}, {"ssh -F c beta", 8}}, false);
+  EXPECT_THAT(shared,
+              testing::IsSupersetOf({"--sshlogin", "2/:", "8/ssh -F c beta", "--line-buffer"}));
   EXPECT_THAT(
-      engineOptions({{":", 2}}, true, std::chrono::seconds(0)),
+      engineOptions({{":", 2}}, true),
       testing::IsSupersetOf({"--transferfile", "{}.tar", "--results", "{}.out.tar", "--files"}));
-  EXPECT_THAT(engineOptions({{":", 2}}, true, std::chrono::seconds(0)),
-              testing::Not(testing::Contains("--timeout")));
 }
 
 }  // namespace
