@@ -1,9 +1,11 @@
 #include "batch/local/conversion_loop.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstddef>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -44,7 +46,7 @@ void beginFiles(Loop& loop) {
     const std::size_t file = loop.again.empty() ? loop.next : loop.again.back();
     if (!giveJob(loop.pool, loop.run.files[file], file, loop.run.options.jobs)) {
       if (countBusy(loop.pool) == 0) {
-        loop.run.end.problem = "no worker can be started";
+        loop.run.end.problem = std::string("no worker can be started: ") + strerror(errno);
       }
       return;
     }
