@@ -1,15 +1,19 @@
 #include "common/block_reader.h"
 
 #include <array>
+#include <chrono>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <random>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -192,6 +196,32 @@ TEST(BlockReader, ReadsAPipeThatHasNoPlaces) {
   EXPECT_EQ(restOf(file), "abc");
   EXPECT_FALSE(file.hasFailed());
   close(ends[0]);
+}
+
+TEST(BlockReader, GoesOnWhereASignalInterruptedIt) {
+  struct sigaction before {};
+  struct sigaction interrupting {};
+  interrupting.sa_handler = [](int) {};
+  sigaction(SIGUSR1, &interrupting, &before);
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  std::thread writer([&ends, reader = pthread_self()] {
+    for (const char* part : {"a", "b", "c"}) {
+      EXPECT_EQ(::write(ends[1], part, 1), 1);
+      // Most of these come while the reader waits for more.
+      for (int i = 0; i < 10; ++i) {
+        pthread_kill(reader, SIGUSR1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      }
+    }
+    close(ends[1]);
+  });
+  BlockReader file("/proc/self/fd/" + std::to_string(ends[0]));
+  EXPECT_EQ(restOf(file), "abc");
+  EXPECT_FALSE(file.hasFailed());
+  writer.join();
+  close(ends[0]);
+  sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST(BlockReader, HasNothingForAMissingFile) {

@@ -96,6 +96,15 @@ TEST(ReserveLarge, MakesRoomAndKeepsTheItems) {
   EXPECT_EQ(items, (std::vector<int>{1, 2, 3}));
 }
 
+TEST(ReserveLarge, AsksForLargePages) {
+  if (!hasLargePages()) {
+    GTEST_SKIP() << "the system has no large pages";
+  }
+  std::vector<char> items;
+  reserveLarge(items, 16 * kMebibyte);
+  EXPECT_TRUE(isAdvised(items.data() + 8 * kMebibyte));
+}
+
 TEST(LargePagesResource, AdvisesLargeBlocksOnly) {
   if (!hasLargePages()) {
     GTEST_SKIP() << "the system has no large pages";
