@@ -122,6 +122,9 @@ void judge(const Job& job, const ChildEnd& end, const std::string& transcript, J
     return;
   }
   result.lastLine = lastLineOf(transcript);
+  if (result.lastLine.starts_with("Saved: ")) {
+    result.lastLine.clear();  // the prepared copy, which goes, is no news of a failure
+  }
   result.reason =
       isDoubtful ? kDiskFull
                  : reasonFor({end, transcript, factsOf(job.input), job.settings, made.incomplete});

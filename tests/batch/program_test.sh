@@ -898,7 +898,7 @@ PreparesFilesFirst() {
   "$batch" -o out --transcript in/coupling.step | grep '^Preparing: ' >/dev/null ||
     fail 'no report'
   grep -q 'noise.stp: not a STEP file' stderr || fail 'no reason'
-  grep -q 'none.stp: no geometry in the file, says its preparation' stderr || fail 'no reason'
+  expect_line stderr 'failed: none.stp: no geometry in the file, says its preparation'
   run 1 in -o out --prepare --resume
   expect_line stdout 'Converted before: 3'
   expect_nothing_left out
