@@ -11,7 +11,7 @@
 namespace plenvorith {
 namespace {
 
-std::string replaced(std::string text, std::string_view what, std::string_view with) {
+std::string withChanged(std::string text, std::string_view what, std::string_view with) {
   return text.replace(text.find(what), what.size(), with);
 }
 
@@ -51,7 +51,7 @@ TEST(Forecast, FindsNothingInAFileThatIsInTheFormAlready) {
 }
 
 TEST(Forecast, CountsFlatTrianglesAsTheConverterDoes) {
-  EXPECT_EQ(setIn(forecastOf(replaced(kPlain, "(2,3,4)", "(2,3,3)"))), "2");
+  EXPECT_EQ(setIn(forecastOf(withChanged(kPlain, "(2,3,4)", "(2,3,3)"))), "2");
   const std::string flat = "#11=TRIANGULATED_FACE('',#10,4,(),$,(),((1,2,3),(2,3,3)));\n";
   const std::size_t face = kPlain.find("#11=");
   std::string other = kPlain;
@@ -60,30 +60,31 @@ TEST(Forecast, CountsFlatTrianglesAsTheConverterDoes) {
 }
 
 TEST(Forecast, FindsStripsAndFans) {
-  EXPECT_EQ(setIn(forecastOf(replaced(kPlain, "(1,2,3),(2,3,4)", "(1,2,3,4)"))), "2 strips");
-  EXPECT_EQ(setIn(forecastOf(replaced(kPlain, "(2,3,4)),()", "(2,3,4)),((1,2,4))"))), "3 fans");
-  EXPECT_EQ(setIn(forecastOf(replaced(kPlain, "(2,3,4)),()", "(2,3,4)),((1,2,3,4))"))), "4 fans");
+  EXPECT_EQ(setIn(forecastOf(withChanged(kPlain, "(1,2,3),(2,3,4)", "(1,2,3,4)"))), "2 strips");
+  EXPECT_EQ(setIn(forecastOf(withChanged(kPlain, "(2,3,4)),()", "(2,3,4)),((1,2,4))"))), "3 fans");
+  EXPECT_EQ(setIn(forecastOf(withChanged(kPlain, "(2,3,4)),()", "(2,3,4)),((1,2,3,4))"))),
+            "4 fans");
 }
 
 TEST(Forecast, FindsMappingsThatChangeAnIndex) {
-  EXPECT_EQ(setIn(forecastOf(replaced(kPlain, "$,()", "$,(1,2,3,4)"))), "2");
-  EXPECT_EQ(setIn(forecastOf(replaced(kPlain, "$,()", "$,(1,2,4,3)"))), "2 mapped");
+  EXPECT_EQ(setIn(forecastOf(withChanged(kPlain, "$,()", "$,(1,2,3,4)"))), "2");
+  EXPECT_EQ(setIn(forecastOf(withChanged(kPlain, "$,()", "$,(1,2,4,3)"))), "2 mapped");
 }
 
 TEST(Forecast, FindsUnitsAndPlacements) {
-  const std::string metres = replaced(kPlain, ".MILLI.", "$");
+  const std::string metres = withChanged(kPlain, ".MILLI.", "$");
   EXPECT_EQ(setIn(forecastOf(metres)), "2 scaled");
   const std::string place =
       "#20=AXIS2_PLACEMENT_3D('',#21,$,$);\n"
       "#21=CARTESIAN_POINT('',(0.,0.,0.));\n";
   std::string placed = kPlain + place;
-  placed = replaced(placed, "TESSELLATED_SOLID('',(#11),$)",
-                    "(GEOMETRIC_REPRESENTATION_ITEM()REPOSITIONED_TESSELLATED_ITEM(#20)"
-                    "REPRESENTATION_ITEM('')TESSELLATED_ITEM()TESSELLATED_SOLID((#11),$))");
+  placed = withChanged(placed, "TESSELLATED_SOLID('',(#11),$)",
+                       "(GEOMETRIC_REPRESENTATION_ITEM()REPOSITIONED_TESSELLATED_ITEM(#20)"
+                       "REPRESENTATION_ITEM('')TESSELLATED_ITEM()TESSELLATED_SOLID((#11),$))");
   EXPECT_EQ(setIn(forecastOf(placed)), "2");
-  const std::string moved = replaced(placed, "CARTESIAN_POINT('',(0.", "CARTESIAN_POINT('',(5.");
+  const std::string moved = withChanged(placed, "CARTESIAN_POINT('',(0.", "CARTESIAN_POINT('',(5.");
   EXPECT_EQ(setIn(forecastOf(moved)), "2 placed");
-  EXPECT_EQ(setIn(forecastOf(replaced(moved, ".MILLI.", "$"))), "2 scaled placed");
+  EXPECT_EQ(setIn(forecastOf(withChanged(moved, ".MILLI.", "$"))), "2 scaled placed");
 }
 
 TEST(Forecast, FindsExactGeometryAndAnnotation) {
@@ -107,7 +108,7 @@ TEST(Forecast, ForeseesNothingOfWhatCannotBePrepared) {
   const test::TempDir dir;
   EXPECT_FALSE(forecastPreparation(dir / "none.stp").has_value());
   EXPECT_FALSE(forecastPreparation(test::writeFile(dir / "a.stp", "no STEP file")).has_value());
-  const std::string broken = replaced(kPlain, "((1,2,3)", "((x,2,3)");
+  const std::string broken = withChanged(kPlain, "((1,2,3)", "((x,2,3)");
   EXPECT_FALSE(
       forecastPreparation(test::writeFile(dir / "b.stp", test::stepFile(broken))).has_value());
 }
