@@ -141,6 +141,17 @@ TEST(StlReader, RejectsVerticesThatAreNoPlaces) {
   }
 }
 
+TEST(StlReader, LooksAtEveryCoordinateOfAVertex) {
+  for (std::size_t i = 0; i < 9; ++i) {
+    std::vector<StlRecord> cube = cubeAt(0, 0, 0);
+    cube[0][3 + i] = std::numeric_limits<float>::quiet_NaN();
+    const std::size_t vertex = 1 + i / 3;
+    EXPECT_EQ(readContent(stlFile(cube)).problem,
+              "has no finite number in vertex " + std::to_string(vertex) + " of triangle 1 (byte " +
+                  std::to_string(84 + 12 * vertex) + ")");
+  }
+}
+
 TEST(StlReader, RejectsPipe) {
   EXPECT_EQ(readFrom("/dev/zero").problem, "is no regular file");
 }
