@@ -128,7 +128,7 @@ void giveUpRights() {
 /// Appends what has arrived; false at the end of the stream.
 bool drain(int fd, std::string& text) {
   std::array<char, 65536> block{};
-  const ssize_t count = read(fd, block.data(), block.size());
+  const ssize_t count = ::read(fd, block.data(), block.size());
   if (count > 0) {
     text.append(block.data(), static_cast<std::size_t>(count));
   }
