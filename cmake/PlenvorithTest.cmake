@@ -41,6 +41,13 @@ function(plenvorith_test room)
   if(NOT ARG_LABEL)
     set(ARG_LABEL ${room})
   endif()
+  if(PLENVORITH_SANITIZE OR CMAKE_CROSSCOMPILING)
+    # One process for all of them: with sanitizers, or emulated, it takes longer to start than most tests
+    # take.
+    add_test(NAME ${room} COMMAND ${target} --gtest_brief=1)
+    set_tests_properties(${room} PROPERTIES LABELS ${ARG_LABEL} ${ARG_PROPERTIES})
+    return()
+  endif()
   gtest_discover_tests(
     ${target}
     DISCOVERY_MODE PRE_TEST

@@ -38,7 +38,6 @@ def test_a_time_limit_ends_what_would_never_end(endless):
     assert error_of(endless, time_limit=0.5, prepare=False).reason == "time limit of 1 s"
 
 
-@pytest.mark.skipif("PLENVORITH_SANITIZED" in os.environ, reason="sanitizers need terabytes")
 def test_a_memory_limit_ends_what_needs_more(sample):
     error = error_of(sample("bracket"), memory_limit=100_000_000, deflection=0.00001)
     assert error.reason == "memory limit of 100000000 bytes"

@@ -102,7 +102,6 @@ def test_a_data_set(folder):
     assert np.linalg.norm(clouds, axis=2).max() == pytest.approx(1)
 
 
-@pytest.mark.skipif("PLENVORITH_SANITIZED" in os.environ, reason="sanitizers need terabytes")
 def test_a_web_service(folder):
     with subprocess.Popen(
         [sys.executable, "-c", recipe("A web service that survives bad files")],

@@ -846,7 +846,7 @@ GoesOnOnceADiskIsNoLongerFull() {
     ((${#way[@]})) || skip 'cannot mount a file system'
     PLENVORITH_MOUNTS=yes exec "${way[@]}" "$self" "$batch" "$converter" "$prepare" "$samples" "$case"
   fi
-  local number size failed=0 step=120
+  local number size failed=0 step=250
   [[ -z ${PLENVORITH_THOROUGH:-} ]] || step=40
   mkdir in out
   for number in {1..6}; do

@@ -57,7 +57,7 @@ TEST(ByteScan, FindsEveryByteAtEveryPlace) {
   for (std::size_t size = 1; size <= 70; ++size) {
     std::vector<char> text(size, '1');
     for (std::size_t place = 0; place < size; ++place) {
-      for (int byte = 0; byte < 256; ++byte) {
+      for (int byte = 0; byte < 256; byte += test::stride(3)) {
         text[place] = static_cast<char>(byte);
         expectWhatTheLoopsFind(text);
       }

@@ -217,7 +217,7 @@ add_executable(decode decode.cpp)
 target_link_libraries(decode PRIVATE plenvorith::prepare plenvorith::tessellation plenvorith::output)
 install(TARGETS decode)
 END
-  build_project decode
+  build_project decode -DCMAKE_UNITY_BUILD=ON
   "$cmake" --install decode/build --prefix "$scratch/usr" >installed
   usr/bin/decode "$source/samples/tessellated.step" knot.stl >report
   expect_knot knot.stl

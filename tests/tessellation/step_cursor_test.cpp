@@ -487,7 +487,7 @@ TEST(ListsAgainstReference, AgreeOnEveryByteAtEveryPlace) {
       "((-1.5,2.12345678,3.),(40.,-5.123456789012,61.5),(0.,0.,0.),(1.,2.,3.),(4.,5.,6.),(7.,8.,9.)"
       ")";
   for (const std::string& whole : {triples, points}) {
-    for (int byte = 0; byte < 256; ++byte) {
+    for (int byte = 0; byte < 256; byte += test::stride(3)) {
       for (std::size_t place = 0; place < whole.size(); ++place) {
         std::string text = whole;
         text[place] = static_cast<char>(byte);
