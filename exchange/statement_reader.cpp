@@ -17,8 +17,9 @@ constexpr bool isOfMark(char c) {
 
 /// Whether a keyword, in capital letters, is the mark that ends the file.
 bool isEndMark(std::string_view word) {
-  constexpr std::string_view kEnd = "END-ISO";
-  return word.starts_with(kEnd) && std::all_of(word.begin() + kEnd.size(), word.end(), isOfMark);
+  constexpr std::string_view kEndOfFile = "END-ISO";
+  return word.starts_with(kEndOfFile) &&
+         std::all_of(word.begin() + kEndOfFile.size(), word.end(), isOfMark);
 }
 
 constexpr bool isWordCharacter(char c) {
