@@ -192,8 +192,9 @@ Statement Writer::writeHeader() {
   Statement statement = reader_.next();
   for (; statement == Statement::HeaderEntity; statement = reader_.next()) {
     const BodyPlace start = reader_.place();
+    const bool hasParameters = reader_.peek().starts_with('(');
     const Parentheses all = reader_.skipBody();
-    if (all.opened != all.closed || reader_.isMalformed()) {
+    if (!hasParameters || all.opened != all.closed || reader_.isMalformed()) {
       written_.hasMalformedHeader = true;
       continue;
     }

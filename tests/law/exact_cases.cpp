@@ -110,6 +110,7 @@ std::vector<ExactCase> casesOfErrors() {
       broken("a section that seems to end", "#45=", "ENDSEC;\n#45="),
       broken("a section that seems to begin", "#20,#100", "#20,#100DATA;\n"),
       broken("a parenthesis lost in the header", "(''),'','','')", "(''),'','',''"),
+      broken("an apostrophe in a keyword of the header", "FILE_DES", "FILE_DES'"),
       broken("an apostrophe lost in the header", "FILE_NAME('',", "FILE_NAME(',"),
       broken("a second header", "#45=", "HEADER;\n#45="),
       broken("a quotation mark beside a reference", "#20,#100", "#20\",#100"),

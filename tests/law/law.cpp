@@ -84,7 +84,8 @@ LawCase tryLaw(const TempDir& directory, const std::string& content,
   tried.alone = convert(directory, kInput, deflection);
   const Outcome preparing = runProgram(command);
   tried.prepareStatus = preparing.exitStatus;
-  tried.leavesOut = preparing.out.find("  Warning: instances ") != std::string::npos;
+  tried.leavesOut =
+      preparing.exitStatus == 1 || preparing.out.find("  Warning: instances ") != std::string::npos;
   if (std::filesystem::exists(directory / kReady)) {
     tried.prepared = convert(directory, kReady, deflection);
   }

@@ -21,8 +21,9 @@ struct LawCase {
   Conversion alone;
   Conversion prepared;
   int prepareStatus = -1;  ///< exit status of preparing, -1 if it crashed
-  bool leavesOut = false;  ///< malformed instances were left out, with a warning
-  std::string broken;      ///< which part of the law does not hold; empty if all of it does
+  bool leavesOut =
+      false;           ///< malformed instances were left out, with a warning, or all of the file
+  std::string broken;  ///< which part of the law does not hold; empty if all of it does
 };
 
 /// The law of preparing: a prepared file gives all exact triangles that the file gives alone, and

@@ -31,9 +31,10 @@ bool beginsStatement(std::string_view line) {
                            std::regex_constants::match_continuous);
 }
 
-/// The next line end from a place on that stands before "#12=" or "ENDSEC;"; npos if there is none.
-std::size_t endOfUnended(std::string_view text, std::size_t place) {
-  for (place = text.find('\n', place); place != std::string_view::npos;
+/// The next line end from a place on that stands before "#12=" or "ENDSEC;", if it is before `end`; npos
+/// if there is none.
+std::size_t endOfUnended(std::string_view text, std::size_t place, std::size_t end) {
+  for (place = text.find('\n', place); place < end && place != std::string_view::npos;
        place = text.find('\n', place + 1)) {
     if (beginsStatement(text.substr(place + 1))) {
       return place;
@@ -61,8 +62,9 @@ Token tokenAt(std::string_view text, std::size_t place) {
   if (c == '\'') {
     std::size_t end = place;
     do {
-      const std::size_t cut = endOfUnended(text, end + 1);
-      end = text.find('\'', end + 1);
+      const std::size_t next = text.find('\'', end + 1);
+      const std::size_t cut = endOfUnended(text, end + 1, next);
+      end = next;
       if (cut < end) {
         return {Token::Kind::CutString, std::string(text.substr(place, cut - place))};
       }
@@ -198,6 +200,9 @@ bool Reference::isInParameters() const {
   static const std::regex kWord("([^]*[^A-Za-z_])?(DATA|ENDSEC|HEADER)", std::regex::icase);
   static const std::regex kParameter("[,()'\"$*.+#0-9-][^]*");
   const std::size_t first = std::max(bodyStart_, place_ < 7 ? 0 : place_ - 7);
+  if (place_ == 0 || std::isalpha(static_cast<unsigned char>(text_[place_ - 1])) == 0) {
+    return false;
+  }
   std::string next(text_.substr(place_ + 1, 64));
   next.erase(next.begin(), std::find_if_not(next.begin(), next.end(), isBlank));
   return std::regex_match(std::string(text_.substr(first, place_ - first)), kWord) &&
