@@ -95,6 +95,17 @@ TEST(BrepParts, TellWhereTheyStand) {
   EXPECT_THAT(model.parts[1].exact.centroid->y, DoubleNear(30, 1e-9));
 }
 
+TEST(BrepParts, HaveThePlacesOfTheirUses) {
+  const TempDir folder;
+  const std::string text = test::readFile(sample("assembly.step"));
+  const std::string path =
+      test::writeFile(folder / "moved.step", replaced(text, "#24=CARTESIAN_POINT('',(0.,0.,0.))",
+                                                      "#24=CARTESIAN_POINT('',(10.,20.,30.))"));
+  const BrepModel model = modelOf(path);
+  ASSERT_THAT(model.parts, SizeIs(4));
+  EXPECT_THAT(model.parts[2].placement, ElementsAre(1, 0, 0, 10, 0, 1, 0, 20, 0, 0, 1, 30));
+}
+
 TEST(BrepParts, HaveThePlacementsOfTheirUses) {
   const BrepModel model = modelOf(sample("assembly.step"));
   for (const BrepPart& part : model.parts) {

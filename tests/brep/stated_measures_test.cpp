@@ -222,7 +222,7 @@ TEST(StatedMeasures, OfOneSolidInAProductAreFound) {
 TEST(StatedMeasures, MayMixUnitsOfLength) {
   const std::string mixed =
       replaced(statedOf(kBulb), "#904=DERIVED_UNIT((#905));\n#905=DERIVED_UNIT_ELEMENT(#906,3.);\n",
-               "#904=DERIVED_UNIT((#905,#908));\n#905=DERIVED_UNIT_ELEMENT(#906,1.);\n"
+               "#904=DERIVED_UNIT((#908,#905));\n#905=DERIVED_UNIT_ELEMENT(#906,1.);\n"
                "#908=DERIVED_UNIT_ELEMENT(#909,2.);\n"
                "#909=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.CENTI.,.METRE.));\n");
   EXPECT_THAT(volumesIn(lampWith(mixed)), ElementsAre(0, 0, DoubleNear(640, 1e-9), 0));
