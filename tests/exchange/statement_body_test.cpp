@@ -154,8 +154,7 @@ TEST(StatementBody, RejectsWhatNeverEnds) {
 
 TEST(StatementBody, SkipsToTheSameSemicolonAtWhichItEnds) {
   test::MemoryFile file;
-  const std::vector<std::string> pieces = {"#07", "(", "'", "DATA", "/", "*", ";", "
-"};
+  const std::vector<std::string> pieces = {"#07", "(", "'", "DATA", "/", "*", ";", "\n"};
   test::forEveryString(pieces, test::isThorough() ? 5 : 4, [&file](const std::string& text) {
     const std::string path = file.write(text + ";';*/;");
     RawText read(path);
