@@ -78,9 +78,9 @@ TEST(ReasonFor, KnowsWantOfMemory) {
   EXPECT_EQ(reasonFor(evidence), "memory limit of 1000000 bytes");
   evidence = killedBy(SIGSEGV, "");
   evidence.settings.memoryLimit = 1000000;
-  evidence.end.peakMemory = 900000;
+  evidence.end.peakMemory = 750001;
   EXPECT_EQ(reasonFor(evidence), "memory limit of 1000000 bytes");
-  evidence.end.peakMemory = 100000;
+  evidence.end.peakMemory = 750000;
   EXPECT_EQ(reasonFor(evidence), "kernel crashed (signal 11, SIGSEGV)");
 }
 
