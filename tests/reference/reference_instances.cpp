@@ -94,6 +94,13 @@ std::string readQuoted(Parser& parser, char quote) {
       }
       ++parser.pos;
     }
+    const std::string_view next = parser.text.substr(parser.pos + 1);
+    if (c == '\n' && (next.starts_with('#') || next.starts_with("ENDSEC;"))) {
+      fail(parser, "string goes over an instance");
+    }
+    if (quote == '"' && std::isxdigit(static_cast<unsigned char>(c)) == 0) {
+      fail(parser, "no binary");
+    }
     if (c != '\n' && c != '\r') {
       content += c;
     }
