@@ -19,7 +19,8 @@ constexpr std::size_t kWorthwhile = std::size_t{1} << 13;
 /// What a line begins with that no string goes over is not longer.
 constexpr std::size_t kLongestStart = 32;
 
-/// Whether a line begins as no line of a string does: with "#12=" or "ENDSEC;".
+/// Whether a line begins as no line of a string does: with an instance ("#12=A", "#12=(A") or with
+/// "ENDSEC;".
 bool beginsStatement(std::string_view line) {
   line = line.substr(0, kLongestStart);
   if (line.empty() || line[0] != '#') {
@@ -27,7 +28,13 @@ bool beginsStatement(std::string_view line) {
   }
   const auto* const digitsEnd = std::find_if_not(line.begin() + 1, line.end(), isDigit);
   const auto* const sign = std::find_if_not(digitsEnd, line.end(), [](char c) { return c == ' '; });
-  return digitsEnd - line.begin() > 1 && sign != line.end() && *sign == '=';
+  if (digitsEnd - line.begin() == 1 || sign == line.end() || *sign != '=') {
+    return false;
+  }
+  const auto* const keyword =
+      std::find_if_not(sign + 1, line.end(), [](char c) { return c == ' ' || c == '('; });
+  return keyword != line.end() &&
+         (*keyword == '!' || (capital(*keyword) >= 'A' && capital(*keyword) <= 'Z'));
 }
 
 /// The keywords of sections that a kernel takes together with their semicolons.

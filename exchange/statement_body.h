@@ -46,7 +46,7 @@ struct BodyPlace {
 /// than in strings. A slash that begins no comment means nothing and goes, too: it could begin one
 /// once blanks are gone. A string of more than `kLongestString` bytes is handed out as an empty one.
 ///
-/// A string has no end if a line in it begins with "#1=" or with "ENDSEC;": the body ends there,
+/// A string has no end if a line in it begins with "#1=A" or with "ENDSEC;": the body ends there,
 /// without the string, and is malformed. Binaries ("0F") are text like any other. The keyword of a
 /// section is text with its semicolon if parameters follow, "A(#1,DATA;#2)".
 ///

@@ -53,6 +53,7 @@ TEST(StatementBody, EndsBeforeAnInstanceThatAStringWouldGoOver) {
   EXPECT_EQ(handedOut("A'B('',1);\r\n#30  =C();"), "A");
   EXPECT_EQ(handedOut("A('x''y);\nendsec;"), "A(");
   EXPECT_EQ(handedOut("A('x\n#2 y\n#=\n #3=\nENDSEC');"), "A('x#2 y#= #3=ENDSEC')");
+  EXPECT_EQ(handedOut("A('x\n#2=(,\n#3=4');"), "A('x#2=(,#3=4')");
 }
 
 TEST(StatementBody, TakesAStrayQuotationMarkForText) {

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <stdexcept>
 
+#include "tests/reference/reference_statements.h"
+
 namespace plenvorith::test {
 namespace {
 
@@ -95,7 +97,7 @@ std::string readQuoted(Parser& parser, char quote) {
       ++parser.pos;
     }
     const std::string_view next = parser.text.substr(parser.pos + 1);
-    if (c == '\n' && (next.starts_with('#') || next.starts_with("ENDSEC;"))) {
+    if (c == '\n' && beginsStatement(next)) {
       fail(parser, "string goes over an instance");
     }
     if (quote == '"' && std::isxdigit(static_cast<unsigned char>(c)) == 0) {

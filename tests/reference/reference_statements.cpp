@@ -24,14 +24,7 @@ bool isBlank(char c) {
   return static_cast<unsigned char>(c) <= ' ';
 }
 
-/// Whether a line begins with "#12=" or "ENDSEC;".
-bool beginsStatement(std::string_view line) {
-  static const std::regex kStart("#[0-9]+ *=|[Ee][Nn][Dd][Ss][Ee][Cc];");
-  return std::regex_search(std::string(line.substr(0, 32)), kStart,
-                           std::regex_constants::match_continuous);
-}
-
-/// The next line end from a place on that stands before "#12=" or "ENDSEC;", if it is before `end`; npos
+/// The next line end from a place on that stands before an instance or "ENDSEC;", if it is before `end`; npos
 /// if there is none.
 std::size_t endOfUnended(std::string_view text, std::size_t place, std::size_t end) {
   for (place = text.find('\n', place); place < end && place != std::string_view::npos;
@@ -412,6 +405,12 @@ std::string Reference::read() {
 }
 
 }  // namespace
+
+bool beginsStatement(std::string_view line) {
+  static const std::regex kStart("#[0-9]+ *=[ (]*[A-Za-z!]|[Ee][Nn][Dd][Ss][Ee][Cc];");
+  return std::regex_search(std::string(line.substr(0, 32)), kStart,
+                           std::regex_constants::match_continuous);
+}
 
 std::string referenceStatements(std::string_view content) {
   return Reference(content).read();

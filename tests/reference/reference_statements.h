@@ -11,6 +11,9 @@ namespace plenvorith::test {
 /// Slow and obvious: the whole text is first cut into tokens, and then put together.
 std::string referenceStatements(std::string_view content);
 
+/// Whether a line begins as no line of a string does: with an instance or with "ENDSEC;".
+bool beginsStatement(std::string_view line);
+
 /// The same of the product's reader.
 std::string readStatements(const std::string& path);
 
