@@ -122,7 +122,7 @@ def test_volumes_are_those_of_the_formulas(sample):
     exact = math.pi * 30**2 * 6 + math.pi * 14**2 * 16 - holes
     assert volume(flange) == pytest.approx(exact, rel=1e-3)
     ring = plenvorith.load(sample("mixed"), split=True, deflection=0.005)[0]
-    assert volume(ring) == pytest.approx(2 * math.pi**2 * 9 * 1.5**2, rel=2e-3)
+    assert volume(ring) == pytest.approx(2 * math.pi**2 * 9 * 1.5**2, rel=3e-3)
 
 
 def test_parts_come_by_number_and_are_the_whole(sample):
