@@ -95,9 +95,9 @@ TEST(StatementReader, PassesOverWhatStandsBeforeAndBehind) {
 
 TEST(StatementReader, TakesTheMarkOfAnotherPartOfTheStandardAtTheBeginning) {
   for (const std::string mark : {"ISO", "iso-3-21", "ISO-10303-28"}) {
-    EXPECT_EQ(
-        statementsOf(" \n" + mark + ";HEADER;ENDSEC;DATA;#1=A();ENDSEC;END-" + mark + ";#2=B();"),
-        "#1=A()\n");
+    std::string content = " \n";
+    content.append(mark).append(";HEADER;ENDSEC;DATA;#1=A();ENDSEC;END-").append(mark);
+    EXPECT_EQ(statementsOf(content.append(";#2=B();")), "#1=A()\n");
   }
   EXPECT_EQ(statementsOf("charset=ISO-8859-1;'\nISO-10303-21;DATA;#1=A();"), "#1=A()\n");
   EXPECT_EQ(statementsOf("ISO 3;DATA;#1=A();"), "not a STEP file");

@@ -83,12 +83,13 @@ TEST(Coordinates, OfAnyLengthAreRead) {
 
 TEST(Coordinates, OfMillionsOfDigitsKeepTheirPlace) {
   const std::string digits(3'000'000, '3');
+  std::string list = "COORDINATES_LIST('',3,((1.,";
+  list.append(digits).append(".,-1.").append(digits).append("E-7),(1.E").append(digits);
+  list.append(",0.,0.),(4.,5.,6.)))");
   const Placement twice = scaled(Placement(), 2.0);
   for (const Placement* placement : {static_cast<const Placement*>(nullptr), &twice}) {
     const std::string last = placement == nullptr ? "(4.,5.,6.)" : "(8.,10.,12.)";
-    EXPECT_EQ(written("COORDINATES_LIST('',3,((1.," + digits + ".,-1." + digits + "E-7),(1.E" +
-                          digits + ",0.,0.),(4.,5.,6.)))",
-                      3, placement),
+    EXPECT_EQ(written(list, 3, placement),
               "#7=COORDINATES_LIST('',3,((0.,0.,0.),(0.,0.,0.)," + last + "));\n huge 0 huge 1");
   }
   EXPECT_EQ(written("COORDINATES_LIST('',1,((1.,2.," + digits + "x)))", 1), "error");
