@@ -4,12 +4,14 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
 #include <span>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 
 #include <poll.h>
@@ -103,19 +105,27 @@ std::vector<Duplicate> takeDuplicates(std::vector<InputFile>& files) {
   for (const InputFile& file : files) {
     ++sizes[file.size];
   }
-  std::map<std::pair<std::int64_t, std::string>, std::string> originals;
+  // Half of a hash finds them; whether they are the same is told by the whole one before they are copied.
+  std::unordered_map<std::uint64_t, std::size_t> originals;  // places in what stays of the list
   std::vector<Duplicate> duplicates;
-  std::erase_if(files, [&](const InputFile& file) {
-    const std::string hash = file.size > 0 && sizes[file.size] > 1 ? contentHash(file.path) : "";
-    if (hash.empty()) {
-      return false;
+  std::size_t stay = 0;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const std::string hash =
+        files[i].size > 0 && sizes[files[i].size] > 1 ? contentHash(files[i].path) : "";
+    if (std::uint64_t half = 0; hash.size() >= sizeof half) {
+      std::memcpy(&half, hash.data(), sizeof half);
+      const std::size_t original = originals.try_emplace(half, stay).first->second;
+      if (original != stay && files[original].size == files[i].size) {
+        duplicates.push_back({std::move(files[i]), files[original].path});
+        continue;
+      }
     }
-    const auto [original, isFirst] = originals.try_emplace({file.size, hash}, file.path);
-    if (!isFirst) {
-      duplicates.push_back({file, original->second});
+    if (stay != i) {
+      files[stay] = std::move(files[i]);
     }
-    return !isFirst;
-  });
+    ++stay;
+  }
+  files.resize(stay);
   return duplicates;
 }
 
