@@ -319,7 +319,7 @@ FORMS = {  # by how many there are in the smaller file
     aggregates_side_by_side: 500_000, types_without_end: 50_000, records_without_end: 200_000,
     same_number: 100_000, scope_in_scope: 50_000, exact_chain_of_mappings: 40_000,
     orphans: 50_000, annotation: 100_000, junk_in_front: 100_000,
-    parentheses_that_never_close: 100_000, strings_that_never_end: 100_000, blanks: 20_000_000,
+    parentheses_that_never_close: 400_000, strings_that_never_end: 400_000, blanks: 20_000_000,
     name_without_end: 20_000_000, number_without_end: 20_000_000, reference_without_end: 20_000_000,
 }
 

@@ -77,10 +77,10 @@ def measure_batch(table, _, scratch):
         beyond = all_files.processor / count - max(
             0, median(single, "processor") - median(start, "processor"))
         table.absolute("B1", "batch, 10,000 small files, user + system for a file beyond its conversion",
-                       1000 * beyond, "ms", "≤ 3", "≤ 1")
+                       1000 * beyond, "ms", "≤ 1.7", "≤ 1")
         again = [run(BATCH, "--as-is", inputs, "-o", output, "--jobs", 2, "--resume") for _ in range(3)]
         table.absolute("B4", "batch --resume, 10,000 files converted before, wall",
-                       median(again, "wall"), "s", "≤ 1.5", "≤ 0.5")
+                       median(again, "wall"), "s", "≤ 0.3", "≤ 0.2")
     if table.wants("B2"):
         inputs = scratch / "brackets"
         inputs.mkdir()
@@ -90,7 +90,7 @@ def measure_batch(table, _, scratch):
         loop = f'for i in {inputs}/*.step; do "{PROGRAM}" "$i" "{scratch}/one.stl"; done'
         table.time("B2", "batch, one job, 1,000 x bracket.step / the program in a shell loop",
                    alternate(lambda: batch(inputs, output, "--jobs", 1),
-                             lambda: run("sh", "-c", loop), 1, warm_up=False), "≤ 0.6", "≤ 0.4")
+                             lambda: run("sh", "-c", loop), 1, warm_up=False), "≤ 0.5", "≤ 0.4")
     if table.wants("B3"):
         inputs = scratch / "sizes"
         inputs.mkdir()
@@ -99,7 +99,7 @@ def measure_batch(table, _, scratch):
             (inputs / f"{i}.stp").write_text(distinct(text, i))
         table.time("B3", "batch, 200 files of 1 to 10 MB, one job / two jobs, wall",
                    alternate(lambda: batch(inputs, output, "--jobs", 1),
-                             lambda: batch(inputs, output, "--jobs", 2), 3), "≥ 1.8", "≥ 1.95",
+                             lambda: batch(inputs, output, "--jobs", 2), 3), "≥ 1.95", "≥ 1.98",
                    what="wall")
     if table.wants("B5"):
         inputs = small_files(scratch / "many", 100_000)
@@ -114,4 +114,4 @@ def measure_batch(table, _, scratch):
             process.send_signal(signal.SIGINT)
             process.wait(120)
         table.absolute("B5", "batch, memory of driver and workers, 100,000 files listed",
-                       peak / MEGABYTE, "MB", "≤ 200", "≤ 100")
+                       peak / MEGABYTE, "MB", "≤ 60", "≤ 50")

@@ -45,28 +45,28 @@ def measure_prepare(table, runs, scratch):
         path = body(1000)
         table.time("P1", "prepare, millimetres, not placed, 1 GB / scan of the statements and writing",
                    alternate(preparing(path), baseline("copy", path), few, warm_up=False),
-                   "≤ 2.0", "≤ 1.3")
+                   "≤ 1.4", "≤ 1.2")
     if table.wants("P2"):
         path = placed_in_inches(1000)
         table.time("P2", "prepare, inches, placed, 1 GB / reading and writing every number",
                    alternate(preparing(path), baseline("numbers", path), few, warm_up=False),
-                   "≤ 1.5", "≤ 1.1")
+                   "≤ 0.7", "≤ 0.5")
     if table.wants("P3"):
         for path in (placed_in_inches(100), without_blanks(exact("plates", 50))):
             with open(path, "rb") as lines:
                 instances = sum(line.startswith(b"#") for line in lines)
             table.amount("P3", f"prepare, peak memory, {instances} instances / 64 MiB + 32 B an instance",
                          run(PREPARE, path, ready).peak, (64 << 20) + 32 * instances, "bytes",
-                         "≤ 1", "≤ 0.5")
+                         "≤ 0.3", "≤ 0.25")
     if table.wants("P4"):
         path = body(100)
         table.time("P4", "prepare and convert / convert, 100 MB that need no preparing",
-                   alternate(prepared(path), converted(path), runs), "≤ 2.0", "≤ 1.6")
+                   alternate(prepared(path), converted(path), runs), "≤ 1.5", "≤ 1.4")
     if table.wants("P5"):
         plain, path = annotated(100_000)
         table.time("P5", "prepare and convert 1 MB of exact geometry with 100,000 triples of "
                          "annotation / convert the geometry alone",
-                   alternate(prepared(path), converted(plain), runs), "≤ 1.3", "≤ 1.1")
+                   alternate(prepared(path), converted(plain), runs), "≤ 1.05", "≤ 1.03")
     if table.wants("P6"):
         worst, form = max((growth(table, form, count, few, ready), form.__name__)
                           for form, count in FORMS.items())
