@@ -31,8 +31,8 @@ enum class Statement {
 /// other than HEADER and DATA are passed over as text, up to "ENDSEC;": their resources may hold
 /// apostrophes and "/*". Behind anything else that is no instance, reading goes on at the next "#1=",
 /// of which there may be more behind a DATA section that seemed to end.
-/// Keywords count in any case. The instances in "&SCOPE ... ENDSCOPE" come one by one, before the one that the scope belongs
-/// to.
+/// Keywords count in any case. The instances in "&SCOPE ... ENDSCOPE" come one by one, before the one
+/// that the scope belongs to.
 ///
 /// What the text of a statement is handed out as, `StatementBody` tells.
 ///

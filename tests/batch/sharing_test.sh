@@ -339,12 +339,12 @@ ListsThePartsOnHostsAndInShards() {
   run 0 in -o sent --split --parts --transfer --sshlogin :
   local number
   for number in 1 2; do
-    run 0 in -o shared --split --parts --shard "$number/2"
+    run 0 in -o divided --split --parts --shard "$number/2"
   done
-  run 0 -o shared --merge
+  run 0 -o divided --merge
   for number in 1 2 3; do
     cmp "here/$number.stp.stl.parts.json" "sent/$number.stp.stl.parts.json"
-    cmp "here/$number.stp.stl.parts.json" "shared/$number.stp.stl.parts.json"
+    cmp "here/$number.stp.stl.parts.json" "divided/$number.stp.stl.parts.json"
   done
 }
 
